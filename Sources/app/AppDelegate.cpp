@@ -1,0 +1,49 @@
+#include "app/AppDelegate.h"
+
+#include "hotkeys/HotkeyManager.h"
+
+namespace lumiscan {
+
+namespace {
+
+constexpr double reregisterInterval = 30;  // Seconds.
+
+void reregisterHotkeys() { HotkeyManager::shared().reregisterAll(); }
+
+}  // namespace
+
+void AppDelegate::applicationDidFinishLaunching() {
+  platform::Application::shared().disableSuddenTermination();
+  HotkeyManager::shared().onAction = [weakSelf = weak_from_this()](HotkeyAction action) {
+    if (const auto self = weakSelf.lock()) self->perform(action);
+  };
+  reregisterHotkeys();
+  // A registration can get lost while the machine sleeps or another user is at it, and a refused one may be
+  // free by now.
+  reregisterTimer_ = platform::Timer::scheduledRepeating(reregisterInterval, reregisterHotkeys);
+  auto& workspace = platform::NotificationCenter::workspaceCenter();
+  for (const auto name : {platform::screensDidWake, platform::sessionDidBecomeActive})
+    observations_.push_back(workspace.addObserver(std::string(name), reregisterHotkeys));
+}
+
+void AppDelegate::perform(HotkeyAction action) {
+  switch (action) {
+    case HotkeyAction::captureText:
+      captureText();
+      break;
+    case HotkeyAction::captureTextNoBreaks:
+      captureTextJoined();
+      break;
+    case HotkeyAction::captureBarcode:
+      captureBarcode();
+      break;
+    case HotkeyAction::captureAndSpeak:
+    case HotkeyAction::captureLastSelection:
+    case HotkeyAction::stopSpeaking:
+    case HotkeyAction::toggleAdditiveClipboard:
+    case HotkeyAction::clearAdditiveClipboard:
+      break;
+  }
+}
+
+}  // namespace lumiscan

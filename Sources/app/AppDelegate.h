@@ -1,0 +1,47 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "capture/CaptureMode.h"
+#include "capture/ScreenCaptureController.h"
+#include "hotkeys/HotkeyAction.h"
+#include "platform/Application.h"
+#include "platform/Dispatch.h"
+#include "platform/NotificationCenter.h"
+
+namespace lumiscan {
+
+/// The heart of the interactive mode: starts captures and turns their outcomes into results. Its source is
+/// divided by topic: launch and wiring, requests, outcomes. Main thread only. Owned by a shared pointer,
+/// since what outlives a call holds it weakly.
+class AppDelegate : public platform::ApplicationDelegate, public std::enable_shared_from_this<AppDelegate> {
+ public:
+  void applicationDidFinishLaunching() override;
+
+  // Requests: each starts a capture. (AppDelegate+Requests.cpp)
+  void captureText();
+  void captureTextJoined();
+  void captureBarcode();
+
+  const ScreenCaptureController& captureController() const { return *captureController_; }
+
+ private:
+  void perform(HotkeyAction action);
+
+  void startCapture(CaptureMode mode, LineBreaksOverride lineBreaksOverride);
+
+  // Outcomes. (AppDelegate+Outcome.cpp)
+  void handleOutcome(const CaptureOutcome& outcome, CaptureMode mode, LineBreaksOverride lineBreaksOverride);
+  /// Recognises or decodes on a background task and comes back with `finishCapture`.
+  void process(const platform::Image& image, CaptureMode mode, LineBreaksOverride lineBreaksOverride);
+  void finishCapture(CaptureMode mode, LineBreaksOverride lineBreaksOverride, std::string text,
+                     const std::vector<std::string>& payloads);
+
+  std::shared_ptr<ScreenCaptureController> captureController_ = std::make_shared<ScreenCaptureController>();
+  std::unique_ptr<platform::Timer> reregisterTimer_;
+  std::vector<std::shared_ptr<platform::NotificationCenter::Observation>> observations_;
+};
+
+}  // namespace lumiscan

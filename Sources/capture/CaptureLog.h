@@ -1,0 +1,13 @@
+#pragma once
+
+#include "platform/Logger.h"
+
+namespace lumiscan {
+
+/// The log of capture sessions.
+inline const platform::Logger& captureLog() {
+  static const platform::Logger logger("com.varnholt.Lumiscan", "capture");
+  return logger;
+}
+
+}  // namespace lumiscan

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "capture/CaptureMode.h"
+#include "capture/SelectionWindow.h"
+#include "platform/Dispatch.h"
+
+namespace lumiscan {
+
+/// Runs one interactive capture session at a time: covers every screen with an overlay, waits for a
+/// rectangle or a cancel, takes a picture of the display and cuts the rectangle out. Main thread only, but
+/// for the picture and the cut, which a background task makes. Owned by a shared pointer, since tasks and
+/// timers hold it weakly.
+class ScreenCaptureController : public SelectionWindowDelegate,
+                                public std::enable_shared_from_this<ScreenCaptureController> {
+ public:
+  /// Opens a session. `completion` is called exactly once: before this returns when the screen may not be
+  /// captured or there is none, later otherwise, and never when another `begin` replaces the session while
+  /// its overlays are up.
+  void begin(CaptureMode mode, LineBreaksOverride lineBreaksOverride, CaptureCompletion completion);
+
+  /// The overlays of the open session, in the order of the screens; empty while none shows.
+  const std::vector<std::shared_ptr<SelectionWindow>>& selectionWindows() const { return selectionWindows_; }
+
+  void selectionWindowDidConfirm(SelectionWindow& window, const platform::Rect& globalRect,
+                                 const platform::Screen& screen) override;
+  void selectionWindowDidCancel(SelectionWindow& window) override;
+
+  /// The part of a display's `snapshot` inside `globalRect` (points, global screen space), rounded outwards
+  /// to whole pixels and cut to the display. Nothing when that is less than 4 pixels wide or high. Any
+  /// thread.
+  static std::optional<platform::Image> crop(const platform::Image& snapshot,
+                                             const platform::Rect& globalRect,
+                                             const platform::Screen& screen);
+
+ private:
+  /// A capture that was asked for. Once confirmed it travels with its picture, apart from the controller,
+  /// so that a session begun meanwhile can't receive its result.
+  struct Request {
+    CaptureMode mode = CaptureMode::text;
+    LineBreaksOverride lineBreaksOverride;
+    CaptureCompletion completion;
+
+    void deliver(CaptureOutcome outcome) const {
+      if (completion) completion(std::move(outcome), mode, lineBreaksOverride);
+    }
+  };
+
+  void showOverlays(const std::vector<platform::Screen>& screens);
+  void armWatchdog();
+  void watchdogFired();
+  void closeAllWindows();
+  /// The open session's request, which the controller then no longer has.
+  Request takeRequest();
+  static void deliverCropped(const Request& request, bool snapshotTaken,
+                             std::optional<platform::Image> cropped);
+
+  std::vector<std::shared_ptr<SelectionWindow>> selectionWindows_;
+  Request active_;
+  bool crosshairPushed_ = false;
+  std::shared_ptr<platform::WorkItem> watchdogWorkItem_;
+};
+
+}  // namespace lumiscan

@@ -1,0 +1,61 @@
+#include "platform/Desktop.h"
+
+#include <cassert>
+
+#include "platform/Application.h"
+#include "platform/BarcodeDetector.h"
+#include "platform/BitmapContext.h"
+#include "platform/Cursor.h"
+#include "platform/Dispatch.h"
+#include "platform/Display.h"
+#include "platform/Event.h"
+#include "platform/HotKeys.h"
+#include "platform/Logger.h"
+#include "platform/NotificationCenter.h"
+#include "platform/Pasteboard.h"
+#include "platform/TextRecognizer.h"
+#include "platform/UserDefaults.h"
+#include "platform/Window.h"
+
+namespace lumiscan::platform {
+
+namespace {
+Desktop* installed = nullptr;
+}
+
+Desktop& Desktop::current() {
+  assert(installed);
+  return *installed;
+}
+
+void Desktop::install(Desktop* desktop) { installed = desktop; }
+
+// The short ways to the installed desktop's parts.
+
+Application& Application::shared() { return Desktop::current().application(); }
+BarcodeDetector& BarcodeDetector::shared() { return Desktop::current().barcodeDetector(); }
+CursorStack& CursorStack::shared() { return Desktop::current().cursors(); }
+Displays& Displays::shared() { return Desktop::current().displays(); }
+HotKeys& HotKeys::shared() { return Desktop::current().hotKeys(); }
+NotificationCenter& NotificationCenter::defaultCenter() { return Desktop::current().notificationCenter(); }
+NotificationCenter& NotificationCenter::workspaceCenter() {
+  return Desktop::current().workspaceNotificationCenter();
+}
+Pasteboard& Pasteboard::general() { return Desktop::current().pasteboard(); }
+TextRecognizer& TextRecognizer::shared() { return Desktop::current().textRecognizer(); }
+UserDefaults& UserDefaults::standard() { return Desktop::current().userDefaults(); }
+Point MouseEvent::mouseLocation() { return Desktop::current().mouseLocation(); }
+
+std::unique_ptr<BitmapContext> BitmapContext::create(int width, int height) {
+  return Desktop::current().makeBitmapContext(width, height);
+}
+
+std::optional<Image> generateQRCode(std::string_view message, QRCorrectionLevel level) {
+  return Desktop::current().generateQRCode(message, level);
+}
+
+void Logger::write(LogLevel level, std::string_view message) const {
+  Desktop::current().logSink().write(level, subsystem_, category_, message);
+}
+
+}  // namespace lumiscan::platform

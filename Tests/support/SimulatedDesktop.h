@@ -1,0 +1,108 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/Application.h"
+#include "platform/Desktop.h"
+#include "platform/NotificationCenter.h"
+#include "support/Printing.h"
+#include "support/SimulatedDispatcher.h"
+#include "support/SimulatedDisplays.h"
+#include "support/SimulatedHotKeys.h"
+#include "support/SimulatedParts.h"
+#include "support/SimulatedPasteboard.h"
+#include "support/SimulatedRecognition.h"
+#include "support/SimulatedWindows.h"
+
+namespace lumiscan::testing {
+
+/// The application object; its event loop ends when nothing is left to do now.
+class SimulatedApplication : public platform::Application {
+ public:
+  explicit SimulatedApplication(SimulatedDispatcher& dispatcher) : dispatcher_(dispatcher) {}
+
+  void setDelegate(platform::ApplicationDelegate* newDelegate) override { delegate = newDelegate; }
+  void setActivationPolicy(platform::ActivationPolicy newPolicy) override { policy = newPolicy; }
+  void run() override;
+  void terminate() override { terminated = true; }
+  void activateIgnoringOtherApps() override { ++activations; }
+  void disableSuddenTermination() override { suddenTerminationDisabled = true; }
+
+  platform::ApplicationDelegate* delegate = nullptr;
+  platform::ActivationPolicy policy = platform::ActivationPolicy::regular;
+  bool terminated = false;
+  int activations = 0;
+  bool suddenTerminationDisabled = false;
+
+ private:
+  SimulatedDispatcher& dispatcher_;
+};
+
+/// A desktop in memory. It is the installed one as long as it lives, is used from one thread, and touches
+/// nothing outside the process. What a test does between two calls of the dispatcher or of the input
+/// functions counts as one event.
+class SimulatedDesktop : public platform::Desktop {
+ public:
+  /// One screen of 1440 by 900 points is attached, display 1.
+  explicit SimulatedDesktop(std::shared_ptr<Preferences> preferences = std::make_shared<Preferences>());
+  ~SimulatedDesktop() override;
+
+  std::optional<std::string> interactiveModeProblem() override { return problem; }
+  SimulatedApplication& application() override;
+  SimulatedDispatcher& dispatcher() override { return dispatcher_; }
+  SimulatedUserDefaults& userDefaults() override { return userDefaults_; }
+  RecordedLog& logSink() override { return log_; }
+  platform::NotificationCenter& notificationCenter() override { return center_; }
+  platform::NotificationCenter& workspaceNotificationCenter() override { return workspaceCenter_; }
+  SimulatedDisplays& displays() override { return displays_; }
+  platform::Point mouseLocation() override { return windows_.mouseLocation; }
+  SimulatedCursors& cursors() override { return cursors_; }
+  SimulatedPasteboard& pasteboard() override { return pasteboard_; }
+  SimulatedHotKeys& hotKeys() override { return hotKeys_; }
+  SimulatedTextRecognizer& textRecognizer() override { return textRecognizer_; }
+  SimulatedBarcodeDetector& barcodeDetector() override { return barcodeDetector_; }
+  std::unique_ptr<platform::WindowPeer> makeWindowPeer(platform::Window& window) override {
+    return windows_.makePeer(window);
+  }
+  std::unique_ptr<platform::BitmapContext> makeBitmapContext(int width, int height) override {
+    return drawing_.makeContext(width, height);
+  }
+  std::optional<platform::Image> generateQRCode(std::string_view message,
+                                                platform::QRCorrectionLevel level) override {
+    return drawing_.generateQRCode(message, level);
+  }
+
+  SimulatedWindows& windows() { return windows_; }
+  SimulatedDrawing& drawing() { return drawing_; }
+
+  // The dispatcher's, since every other test needs them.
+  void runMainQueue() { dispatcher_.runMainQueue(); }
+  void advance(double seconds) { dispatcher_.advance(seconds); }
+  void runBackgroundTasks() { dispatcher_.runBackgroundTasks(); }
+  void settle() { dispatcher_.settle(); }
+
+  std::optional<std::string> problem;
+  /// Whether the application object was ever asked for.
+  bool applicationMade() const { return application_ != nullptr; }
+
+ private:
+  SimulatedDispatcher dispatcher_;
+  SimulatedUserDefaults userDefaults_;
+  RecordedLog log_;
+  platform::NotificationCenter center_;
+  platform::NotificationCenter workspaceCenter_;
+  SimulatedWindows windows_{dispatcher_};
+  SimulatedDisplays displays_{dispatcher_, windows_};
+  SimulatedCursors cursors_;
+  SimulatedPasteboard pasteboard_;
+  SimulatedHotKeys hotKeys_{dispatcher_};
+  SimulatedTextRecognizer textRecognizer_{dispatcher_};
+  SimulatedBarcodeDetector barcodeDetector_{dispatcher_};
+  SimulatedDrawing drawing_;
+  std::unique_ptr<SimulatedApplication> application_;
+};
+
+}  // namespace lumiscan::testing

@@ -1,0 +1,131 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/BitmapContext.h"
+#include "platform/Cursor.h"
+#include "platform/Dispatch.h"
+#include "platform/Logger.h"
+#include "platform/QRCode.h"
+#include "platform/UserDefaults.h"
+#include "support/RecordingGraphicsContext.h"
+#include "support/TestImages.h"
+
+// The parts of the simulated desktop that are little more than a value.
+
+namespace lumiscan::testing {
+
+class SimulatedCursors : public platform::CursorStack {
+ public:
+  void push(platform::CursorShape shape) override {
+    platform::MainQueue::assertCurrent();
+    pushed.push_back(shape);
+  }
+  void pop() override {
+    platform::MainQueue::assertCurrent();
+    if (!pushed.empty()) pushed.pop_back();
+  }
+
+  std::vector<platform::CursorShape> pushed;
+};
+
+/// What stays when the program ends and starts again.
+using Preferences = std::map<std::string, platform::DefaultsValue, std::less<>>;
+
+class SimulatedUserDefaults : public platform::UserDefaults {
+ public:
+  explicit SimulatedUserDefaults(std::shared_ptr<Preferences> preferences)
+      : preferences_(std::move(preferences)) {}
+
+  std::optional<platform::DefaultsValue> object(std::string_view key) const override {
+    const auto found = preferences_->find(key);
+    return found == preferences_->end() ? std::nullopt : std::optional(found->second);
+  }
+  void setObject(std::string_view key, platform::DefaultsValue value) override {
+    preferences_->insert_or_assign(std::string(key), std::move(value));
+  }
+  void removeObject(std::string_view key) override { preferences_->erase(std::string(key)); }
+
+ private:
+  std::shared_ptr<Preferences> preferences_;
+};
+
+struct LogLine {
+  platform::LogLevel level = platform::LogLevel::info;
+  std::string category;
+  std::string message;
+  friend bool operator==(const LogLine&, const LogLine&) = default;
+  friend std::ostream& operator<<(std::ostream& stream, const LogLine& line) {
+    return stream << (line.level == platform::LogLevel::error ? "error " : "info ") << line.category << ": "
+                  << line.message;
+  }
+};
+
+class RecordedLog : public platform::LogSink {
+ public:
+  void write(platform::LogLevel level, std::string_view subsystem, std::string_view category,
+             std::string_view message) override {
+    lines.push_back({level, std::string(category), std::string(message)});
+    lastSubsystem = subsystem;
+  }
+  /// The lines since this was last called.
+  std::vector<LogLine> take() { return std::exchange(lines, {}); }
+
+  std::vector<LogLine> lines;
+  std::string lastSubsystem;
+};
+
+/// Bitmaps and QR codes without a rasteriser: records what is asked for, gives what a test chose.
+class SimulatedDrawing {
+ public:
+  struct QRRequest {
+    std::string message;
+    platform::QRCorrectionLevel level = platform::QRCorrectionLevel::low;
+  };
+
+  std::unique_ptr<platform::BitmapContext> makeContext(int width, int height) {
+    if (!makesContexts) return nullptr;
+    return std::make_unique<Context>(*this, width, height);
+  }
+  std::optional<platform::Image> generateQRCode(std::string_view message, platform::QRCorrectionLevel level) {
+    qrRequests.push_back({std::string(message), level});
+    return qrCode;
+  }
+
+  bool makesContexts = true;
+  /// What had been drawn on each context when its image was made.
+  std::vector<Drawing> images;
+  std::optional<platform::Image> qrCode = coordinateImage(29, 29);
+  std::vector<QRRequest> qrRequests;
+
+ private:
+  class Context : public Recording<platform::BitmapContext> {
+   public:
+    Context(SimulatedDrawing& owner, int width, int height) : owner_(owner), width_(width), height_(height) {}
+    platform::Rect inkBounds(std::string_view text, const platform::TextAttributes&) override {
+      return {{0, 0}, simulatedTextSize(text)};
+    }
+    void drawLine(std::string_view text, platform::Point baseline,
+                  const platform::TextAttributes& attributes) override {
+      draw(text, baseline, attributes);
+    }
+    platform::Image makeImage() override {
+      owner_.images.push_back(drawing);
+      return coordinateImage(width_, height_);
+    }
+
+   private:
+    SimulatedDrawing& owner_;
+    int width_;
+    int height_;
+  };
+};
+
+}  // namespace lumiscan::testing

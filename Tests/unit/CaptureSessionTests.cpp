@@ -1,0 +1,254 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "CaptureDescription.h"
+#include "capture/ScreenCaptureController.h"
+#include "support/SimulatedDesktop.h"
+
+namespace lumiscan {
+namespace {
+
+using platform::LogLevel;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+TEST(CaptureMode, IsMadeFromExactlyItsStoredForm) {
+  EXPECT_EQ(rawValue(CaptureMode::textToSpeech), "textToSpeech");
+  for (const CaptureMode mode : {CaptureMode::text, CaptureMode::textToSpeech, CaptureMode::barcode})
+    EXPECT_EQ(captureMode(rawValue(mode)), mode);
+  for (const char* other : {"", "Text", "text ", " text", "texttospeech"})
+    EXPECT_EQ(captureMode(other), std::nullopt) << other;
+}
+
+class CaptureSessionTest : public ::testing::Test {
+ protected:
+  /// Begins a session whose end appears in `ends` as "name: outcome".
+  void begin(const std::string& name = "session", CaptureMode mode = CaptureMode::text,
+             LineBreaksOverride lineBreaks = std::nullopt) {
+    controller->begin(
+        mode, lineBreaks,
+        [=, this](const CaptureOutcome& outcome, CaptureMode endMode, LineBreaksOverride endBreaks) {
+          EXPECT_TRUE(desktop.dispatcher().isMainThread());
+          EXPECT_EQ(endMode, mode);
+          EXPECT_EQ(endBreaks, lineBreaks);
+          ends.push_back(name + ": " + describe(outcome));
+        });
+  }
+  void drag() { desktop.windows().dragMouse({100, 200}, {400, 350}); }
+  /// The lines of the sessions' log since the last call.
+  std::vector<std::string> logMessages() {
+    std::vector<std::string> messages;
+    for (const testing::LogLine& line : desktop.logSink().take()) {
+      EXPECT_EQ(line.category, "capture");
+      messages.push_back((line.level == LogLevel::error ? "error: " : "") + line.message);
+    }
+    return messages;
+  }
+  void expectNothingShows() {
+    EXPECT_THAT(controller->selectionWindows(), IsEmpty());
+    EXPECT_THAT(desktop.windows().visible(), IsEmpty());
+    EXPECT_THAT(desktop.cursors().pushed, IsEmpty());
+  }
+
+  testing::SimulatedDesktop desktop;
+  std::shared_ptr<ScreenCaptureController> controller = std::make_shared<ScreenCaptureController>();
+  std::vector<std::string> ends;
+};
+
+TEST_F(CaptureSessionTest, WithoutAccessEndsBeforeBeginReturns) {
+  desktop.displays().accessGranted = false;
+  begin("denied", CaptureMode::barcode, true);
+  EXPECT_THAT(ends, ElementsAre("denied: noScreenAccess"));
+  expectNothingShows();
+  EXPECT_EQ(desktop.displays().accessRequests, 0);
+  EXPECT_THAT(logMessages(), ElementsAre("error: begin denied: no screen recording access"));
+}
+
+TEST_F(CaptureSessionTest, DeniedBeginLeavesTheOpenSessionAlone) {
+  begin("open");
+  desktop.displays().accessGranted = false;
+  begin("denied", CaptureMode::barcode, false);
+  EXPECT_EQ(controller->selectionWindows().size(), 1U);
+  desktop.displays().accessGranted = true;
+  drag();
+  desktop.settle();
+  EXPECT_THAT(ends, ElementsAre("denied: noScreenAccess", "open: 100,550 300×150"));
+}
+
+TEST_F(CaptureSessionTest, CoversEveryScreenWithTheFocusUnderTheMouse) {
+  const auto second = desktop.displays().attach(2, {{-1920, -180}, {1920, 1080}}, 1.5);
+  desktop.displays().attach(3, {{1440, 0}, {1280, 1024}});
+  desktop.windows().mouseLocation = {-1, 100};
+  begin();
+  ASSERT_EQ(controller->selectionWindows().size(), 3U);
+  for (std::size_t i = 0; i < 3; ++i) {
+    const SelectionWindow& overlay = *controller->selectionWindows()[i];
+    const auto& look = overlay.attributes();
+    EXPECT_EQ(overlay.frame(), desktop.displays().screens()[i].frame);
+    EXPECT_TRUE(overlay.isVisible());
+    EXPECT_EQ(look.styleMask, 0U);
+    EXPECT_GT(look.level, platform::windowLevelScreenSaver);
+    EXPECT_FALSE(look.opaque || look.hasShadow);
+    EXPECT_TRUE(look.acceptsMouseMovedEvents);
+    EXPECT_EQ(look.collectionBehavior, 0x141U);
+  }
+  EXPECT_EQ(controller->selectionWindows()[1]->targetScreen(), second);
+  EXPECT_TRUE(controller->selectionWindows()[1]->isKeyWindow());
+  EXPECT_EQ(desktop.application().activations, 1);
+  EXPECT_THAT(desktop.cursors().pushed, ElementsAre(platform::CursorShape::crosshair));
+  EXPECT_THAT(logMessages(), ElementsAre("selection surfaces shown: 3"));
+  EXPECT_EQ(desktop.logSink().lastSubsystem, "com.varnholt.Lumiscan");
+}
+
+TEST_F(CaptureSessionTest, ConfirmationCapturesAfterTheOverlaysHaveGone) {
+  begin("session", CaptureMode::textToSpeech, false);
+  logMessages();
+  drag();
+  expectNothingShows();
+  EXPECT_THAT(ends, IsEmpty());
+  EXPECT_THAT(logMessages(), ElementsAre("view mouseDown", "view mouseUp window=true rect=300x150",
+                                         "selection confirmed 300×150"));
+  EXPECT_EQ(desktop.dispatcher().priorityOfNextTask(), platform::TaskPriority::userInitiated);
+  desktop.settle();
+  EXPECT_THAT(ends, ElementsAre("session: 100,550 300×150"));
+  ASSERT_EQ(desktop.displays().snapshots.size(), 1U);
+  EXPECT_EQ(desktop.displays().snapshots[0].display, 1U);
+  EXPECT_FALSE(desktop.displays().snapshots[0].onMainThread);
+  EXPECT_FALSE(desktop.displays().snapshots[0].windowsShowed);
+  EXPECT_THAT(logMessages(), IsEmpty());
+}
+
+TEST_F(CaptureSessionTest, DragsThatLeaveTheirScreenAreCutToIt) {
+  desktop.displays().attach(2, {{1440, 0}, {1440, 900}}, 2);
+  begin();
+  desktop.windows().dragMouse({1340, 100}, {1540, 300.9});
+  desktop.settle();
+  EXPECT_THAT(ends, ElementsAre("session: 1340,599 100×201"));
+}
+
+TEST_F(CaptureSessionTest, FailuresOfTheSnapshotAndOfTheCropAreToldApart) {
+  struct Case {
+    std::optional<platform::Image> picture;
+    const char* end;
+    const char* log;
+  };
+  for (const Case& each :
+       {Case{std::nullopt, "session: noScreenAccess", "error: crop failed (snapshot nil: true)"},
+        Case{testing::coordinateImage(8, 8), "session: cancelled",
+             "error: crop failed (snapshot nil: false)"}}) {
+    desktop.displays().setImage(1, each.picture);
+    begin();
+    drag();
+    desktop.settle();
+    EXPECT_EQ(ends.back(), each.end);
+    EXPECT_EQ(logMessages().back(), each.log);
+  }
+  EXPECT_EQ(ends.size(), 2U);
+}
+
+TEST_F(CaptureSessionTest, CancelsByKeyClickOrTooSmallARectangle) {
+  const std::vector<std::function<void()>> cancels = {
+      [this] { desktop.windows().keyDown(platform::keyCodeEscape); },
+      [this] { desktop.windows().keyDown(platform::keyCodePeriod, platform::modifierCommand); },
+      [this] {
+        desktop.windows().dragMouse({100, 200}, {100, 200});
+      },
+      [this] {
+        desktop.windows().dragMouse({100, 200}, {105.9, 300});
+      },
+      [this] {
+        desktop.windows().dragMouse({100, 200}, {300, 194.1});
+      },
+  };
+  for (const auto& cancel : cancels) {
+    ends.clear();
+    begin();
+    desktop.windows().keyDown(36);
+    EXPECT_THAT(ends, IsEmpty()) << "other keys don't end the session";
+    cancel();
+    EXPECT_THAT(ends, ElementsAre("session: cancelled"));
+    expectNothingShows();
+    EXPECT_EQ(logMessages().back(), "selection cancelled");
+  }
+  desktop.settle();
+  EXPECT_THAT(desktop.displays().snapshots, IsEmpty());
+}
+
+TEST_F(CaptureSessionTest, SmallestRectangleConfirms) {
+  begin();
+  desktop.windows().dragMouse({106, 206}, {100, 200});
+  desktop.settle();
+  EXPECT_THAT(ends, ElementsAre("session: 100,694 6×6"));
+}
+
+TEST_F(CaptureSessionTest, WatchdogCancelsASessionLeftOpenFor90Seconds) {
+  begin();
+  logMessages();
+  desktop.advance(89.9);
+  EXPECT_THAT(ends, IsEmpty());
+  desktop.advance(0.1);
+  EXPECT_THAT(ends, ElementsAre("session: cancelled"));
+  EXPECT_THAT(logMessages(), ElementsAre("error: session watchdog: auto-cancel after timeout"));
+  expectNothingShows();
+}
+
+TEST_F(CaptureSessionTest, WatchdogOfAnEndedSessionNeverFires) {
+  begin("cancelled");
+  desktop.windows().keyDown(platform::keyCodeEscape);
+  begin("confirmed");
+  drag();
+  desktop.settle();
+  desktop.advance(80);
+  begin("next");
+  desktop.advance(89);
+  EXPECT_EQ(ends.size(), 2U);
+  desktop.advance(1);
+  EXPECT_THAT(ends, ElementsAre("cancelled: cancelled", "confirmed: 100,550 300×150", "next: cancelled"));
+}
+
+TEST_F(CaptureSessionTest, SecondBeginReplacesTheOpenSession) {
+  begin("replaced");
+  const auto old = controller->selectionWindows()[0];
+  desktop.advance(80);
+  begin("next", CaptureMode::barcode, true);
+  EXPECT_FALSE(old->isVisible());
+  EXPECT_EQ(controller->selectionWindows().size(), 1U);
+  EXPECT_NE(controller->selectionWindows()[0], old);
+  EXPECT_EQ(desktop.cursors().pushed.size(), 1U);
+  desktop.advance(89);
+  EXPECT_THAT(ends, IsEmpty()) << "the watchdog starts anew";
+  desktop.windows().keyDown(platform::keyCodeEscape);
+  desktop.advance(1000);
+  EXPECT_THAT(ends, ElementsAre("next: cancelled"));
+}
+
+TEST_F(CaptureSessionTest, SessionBegunDuringACaptureKeepsItsResultApart) {
+  begin("first", CaptureMode::barcode, true);
+  drag();
+  begin("second");
+  desktop.settle();
+  EXPECT_THAT(ends, ElementsAre("first: 100,550 300×150"));
+  EXPECT_EQ(controller->selectionWindows().size(), 1U);
+  desktop.windows().dragMouse({0, 0}, {10, 10});
+  desktop.settle();
+  EXPECT_THAT(ends, ElementsAre("first: 100,550 300×150", "second: 0,890 10×10"));
+}
+
+TEST_F(CaptureSessionTest, DeliversNothingOnceTheControllerIsGone) {
+  begin();
+  drag();
+  controller = nullptr;
+  desktop.settle();
+  desktop.advance(100);
+  EXPECT_THAT(ends, IsEmpty());
+}
+
+TEST_F(CaptureSessionTest, WithoutScreensEndsAtOnce) {
+  desktop.displays().detach(1);
+  begin();
+  EXPECT_THAT(ends, ElementsAre("session: cancelled"));
+  expectNothingShows();
+}
+
+}  // namespace
+}  // namespace lumiscan

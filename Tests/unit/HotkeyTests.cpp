@@ -1,0 +1,243 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <ostream>
+#include <set>
+
+#include "hotkeys/HotkeyManager.h"
+#include "settings/Settings.h"
+#include "support/SimulatedDesktop.h"
+
+namespace lumiscan {
+
+void PrintTo(const HotkeyBinding& binding, std::ostream* stream) {
+  *stream << binding.keyCode << ',' << binding.modifiers;
+}
+
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr std::uint32_t signature = 0x4C4D5343;
+
+class HotkeyTest : public ::testing::Test {
+ protected:
+  std::vector<std::uint32_t> registeredIDs() {
+    std::vector<std::uint32_t> ids;
+    for (const auto& registration : desktop.hotKeys().registrations()) {
+      EXPECT_EQ(registration.id.signature, signature);
+      ids.push_back(registration.id.id);
+    }
+    return ids;
+  }
+  std::vector<std::string> logMessages() {
+    std::vector<std::string> messages;
+    for (const testing::LogLine& line : desktop.logSink().take()) {
+      EXPECT_EQ(line.category, "hotkeys");
+      messages.push_back((line.level == platform::LogLevel::error ? "error: " : "") + line.message);
+    }
+    return messages;
+  }
+
+  testing::SimulatedDesktop desktop;
+  HotkeyManager& manager = HotkeyManager::shared();
+};
+
+TEST(HotkeyAction, IsMadeFromExactlyItsRawValue) {
+  for (const HotkeyAction action : allHotkeyActions) EXPECT_EQ(hotkeyAction(rawValue(action)), action);
+  for (const char* other : {"", "CaptureText", "captureText ", "capture"})
+    EXPECT_EQ(hotkeyAction(other), std::nullopt) << other;
+}
+
+TEST_F(HotkeyTest, ActionsHaveTheirNamesTitlesAndDefaults) {
+  struct Case {
+    HotkeyAction action;
+    std::string_view name;
+    std::string_view label;
+    std::optional<HotkeyBinding> binding;
+  };
+  const std::vector<Case> cases = {
+      {HotkeyAction::captureText, "captureText", "Capture Text", HotkeyBinding{19, 768}},
+      {HotkeyAction::captureTextNoBreaks, "captureTextNoBreaks", "Capture Text (join lines)", {}},
+      {HotkeyAction::captureAndSpeak, "captureAndSpeak", "Capture & Speak", HotkeyBinding{1, 6400}},
+      {HotkeyAction::captureBarcode, "captureBarcode", "Capture QR / Barcode", HotkeyBinding{11, 6400}},
+      {HotkeyAction::captureLastSelection, "captureLastSelection", "Capture Last Selection",
+       HotkeyBinding{15, 6400}},
+      {HotkeyAction::stopSpeaking, "stopSpeaking", "Stop Speaking", {}},
+      {HotkeyAction::toggleAdditiveClipboard, "toggleAdditiveClipboard", "Toggle Additive Clipboard", {}},
+      {HotkeyAction::clearAdditiveClipboard, "clearAdditiveClipboard", "Clear Additive Clipboard", {}},
+  };
+  ASSERT_EQ(cases.size(), allHotkeyActions.size());
+  for (std::size_t i = 0; i < cases.size(); ++i) {
+    EXPECT_EQ(allHotkeyActions[i], cases[i].action);
+    EXPECT_EQ(rawValue(cases[i].action), cases[i].name);
+    EXPECT_EQ(title(cases[i].action), cases[i].label);
+    EXPECT_EQ(manager.hotkey(cases[i].action), cases[i].binding) << cases[i].name;
+  }
+}
+
+TEST_F(HotkeyTest, StoredTextIsReadAsTwoNumbersOrNone) {
+  struct Case {
+    platform::DefaultsValue stored;
+    std::optional<HotkeyBinding> binding;
+  };
+  const HotkeyBinding defaultOfBarcode{11, 6400};
+  const std::vector<Case> cases = {
+      {std::string("19,768"), HotkeyBinding{19, 768}},
+      {std::string("19,,768"), HotkeyBinding{19, 768}},
+      {std::string(",19,768,"), HotkeyBinding{19, 768}},
+      {std::string("19,x,768"), HotkeyBinding{19, 768}},
+      {std::string("19,4294967295"), HotkeyBinding{19, 4294967295}},
+      {std::string("19,0"), HotkeyBinding{19, 0}},
+      {std::string("19,4294967296"), std::nullopt},
+      {std::string(" 19,768"), std::nullopt},
+      {std::string("-19,768"), std::nullopt},
+      {std::string("0x13,768"), std::nullopt},
+      {std::string("19x,768"), std::nullopt},
+      {std::string("0,256"), std::nullopt},
+      {std::string("19"), std::nullopt},
+      {std::string("19,768,1"), std::nullopt},
+      {std::string(","), std::nullopt},
+      {std::string(), std::nullopt},
+      {19.0, defaultOfBarcode},
+      {std::vector<std::string>{"19", "768"}, defaultOfBarcode},
+  };
+  for (const Case& each : cases) {
+    desktop.userDefaults().setObject("hotkey.captureBarcode", each.stored);
+    EXPECT_EQ(manager.hotkey(HotkeyAction::captureBarcode), each.binding)
+        << ::testing::PrintToString(each.stored);
+  }
+}
+
+TEST_F(HotkeyTest, SettingABindingStoresRegistersAndAnnouncesIt) {
+  int posts = 0;
+  const auto observation = desktop.notificationCenter().addObserver(std::string(settingsChanged), [&] {
+    ++posts;
+    EXPECT_THAT(registeredIDs(), ElementsAre(1, 3, 4, 5, 6)) << "registered before it is announced";
+  });
+  manager.setHotkey(HotkeyBinding{1, 256}, HotkeyAction::stopSpeaking);
+  EXPECT_EQ(posts, 1);
+  EXPECT_EQ(desktop.userDefaults().stringForKey("hotkey.stopSpeaking"), "1,256");
+  EXPECT_THAT(logMessages(), ElementsAre("hotkeys registered: 5"));
+}
+
+TEST_F(HotkeyTest, RemovingABindingBringsTheDefaultBack) {
+  manager.setHotkey(HotkeyBinding{0, 6400}, HotkeyAction::captureText);
+  EXPECT_EQ(desktop.userDefaults().stringForKey("hotkey.captureText"), "0,6400");
+  EXPECT_EQ(manager.hotkey(HotkeyAction::captureText), std::nullopt) << "the A key can't carry a shortcut";
+  EXPECT_THAT(registeredIDs(), ElementsAre(3, 4, 5));
+  manager.setHotkey(std::nullopt, HotkeyAction::captureText);
+  EXPECT_EQ(desktop.userDefaults().object("hotkey.captureText"), std::nullopt);
+  EXPECT_THAT(registeredIDs(), ElementsAre(1, 3, 4, 5));
+}
+
+TEST_F(HotkeyTest, RegisteringAgainReplacesTheRegistrations) {
+  manager.reregisterAll();
+  const auto first = desktop.hotKeys().registrations();
+  manager.reregisterAll();
+  const auto& second = desktop.hotKeys().registrations();
+  EXPECT_THAT(registeredIDs(), ElementsAre(1, 3, 4, 5));
+  for (std::size_t i = 0; i < second.size(); ++i) {
+    EXPECT_EQ(second[i].combination, first[i].combination);
+    EXPECT_NE(second[i].ref, first[i].ref);
+  }
+  EXPECT_EQ(desktop.hotKeys().handlersInstalled, 1);
+  desktop.settle();
+  EXPECT_THAT(desktop.hotKeys().released, IsEmpty()) << "no other program may slip in";
+  EXPECT_EQ(desktop.logSink().lastSubsystem, "com.varnholt.Lumiscan");
+  EXPECT_THAT(logMessages(), ElementsAre("hotkeys registered: 4", "hotkeys registered: 4"));
+}
+
+TEST_F(HotkeyTest, RefusedCombinationsAreLoggedAndTriedAgain) {
+  desktop.hotKeys().takenByOthers = {{19, 768}};
+  desktop.userDefaults().setObject("hotkey.stopSpeaking", std::string("1,6400"));
+  desktop.userDefaults().setObject("hotkey.clearAdditiveClipboard", std::string("4000,256"));
+  manager.reregisterAll();
+  EXPECT_THAT(registeredIDs(), ElementsAre(3, 4, 5)) << "of two equal bindings the earlier action keeps it";
+  EXPECT_THAT(logMessages(), ElementsAre("error: register failed: captureText status=-9878",
+                                         "error: register failed: stopSpeaking status=-9878",
+                                         "error: register failed: clearAdditiveClipboard status=-9879",
+                                         "hotkeys registered: 3"));
+  desktop.hotKeys().takenByOthers.clear();
+  manager.reregisterAll();
+  EXPECT_THAT(registeredIDs(), ElementsAre(1, 3, 4, 5));
+}
+
+TEST_F(HotkeyTest, PressesReachTheCallbackFromTheMainQueueInOrder) {
+  manager.reregisterAll();
+  logMessages();
+  std::vector<std::string_view> actions;
+  const auto record = [&](HotkeyAction action) { actions.push_back(rawValue(action)); };
+  EXPECT_TRUE(desktop.hotKeys().press(11, 6400)) << "with no callback a press is only logged";
+  desktop.settle();
+
+  manager.onAction = [](HotkeyAction) { ADD_FAILURE() << "the callback at the time of the run counts"; };
+  desktop.hotKeys().press(15, 6400);
+  desktop.hotKeys().press(19, 768);
+  EXPECT_THAT(actions, IsEmpty());
+  manager.onAction = record;
+  desktop.settle();
+  EXPECT_THAT(actions, ElementsAre("captureLastSelection", "captureText"));
+  EXPECT_THAT(logMessages(),
+              ElementsAre("fired: captureBarcode", "fired: captureLastSelection", "fired: captureText"));
+}
+
+TEST_F(HotkeyTest, ForeignEventsAreIgnoredSilently) {
+  manager.reregisterAll();
+  logMessages();
+  std::vector<std::string_view> actions;
+  manager.onAction = [&](HotkeyAction action) { actions.push_back(rawValue(action)); };
+  const std::vector<platform::HotKeyEvent> foreign = {
+      {std::nullopt}, {{{signature, 0}}}, {{{signature, 9}}}, {{{signature + 1, 1}}}};
+  EXPECT_EQ(desktop.hotKeys().deliver(nullptr), platform::noErr);
+  for (const auto& event : foreign) EXPECT_EQ(desktop.hotKeys().deliver(&event), platform::noErr);
+  desktop.settle();
+  EXPECT_THAT(actions, IsEmpty());
+  EXPECT_THAT(logMessages(), IsEmpty());
+
+  for (const std::uint32_t id : {2U, 8U}) {
+    const platform::HotKeyEvent ours{{{signature, id}}};
+    EXPECT_EQ(desktop.hotKeys().deliver(&ours), platform::noErr);
+  }
+  desktop.settle();
+  EXPECT_THAT(actions, ElementsAre("captureTextNoBreaks", "clearAdditiveClipboard"));
+}
+
+TEST(HotkeyText, ShowsModifiersInAFixedOrderBeforeTheKey) {
+  struct Case {
+    HotkeyBinding binding;
+    const char* text;
+  };
+  const std::vector<Case> cases = {
+      {{19, 768}, "⇧⌘2"},       {{1, 6400}, "⌃⌥⌘S"},   {{49, 4352}, "⌃⌘Space"},
+      {{53, 256}, "⌘Key 53"},   {{0, 6400}, "⌃⌥⌘A"},   {{36, 0x1B00}, "⌃⌥⇧⌘↩"},
+      {{122, 0}, "F1"},         {{120, 0}, "Key 120"}, {{123, 0}, "Key 123"},
+      {{10, 0}, "Key 10"},      {{22, 0}, "6"},        {{23, 0}, "5"},
+      {{42, 0xFFFF}, "⌃⌥⇧⌘\\"}, {{48, 0x0400}, "⇥"},   {{4294967295, 0}, "Key 4294967295"},
+  };
+  for (const Case& each : cases)
+    EXPECT_EQ(HotkeyManager::displayString(each.binding.keyCode, each.binding.modifiers), each.text);
+}
+
+TEST(HotkeyText, FiftyKeysHaveNamesThatNoOtherHas) {
+  std::set<std::string> names;
+  for (std::uint32_t keyCode = 0; keyCode < 256; ++keyCode) {
+    const std::string name = HotkeyManager::keyCodeToString(keyCode);
+    if (name.starts_with("Key ")) continue;
+    EXPECT_TRUE(names.insert(name).second) << name;
+  }
+  EXPECT_EQ(names.size(), 50U);
+}
+
+TEST(HotkeyText, EventFlagsBecomeBindingModifiers) {
+  using namespace platform;
+  EXPECT_EQ(HotkeyManager::carbonModifiers(modifierCommand | modifierShift | modifierCapsLock), 768U);
+  EXPECT_EQ(HotkeyManager::carbonModifiers(modifierControl | modifierOption), 0x1800U);
+  EXPECT_EQ(
+      HotkeyManager::carbonModifiers(~(modifierCommand | modifierShift | modifierOption | modifierControl)),
+      0U);
+}
+
+}  // namespace
+}  // namespace lumiscan

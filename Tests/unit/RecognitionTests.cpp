@@ -1,0 +1,119 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "recognition/BarcodeService.h"
+#include "recognition/OCRService.h"
+#include "support/SimulatedDesktop.h"
+
+namespace lumiscan {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+TEST(OCRService, JoinsTheBestReadingsOfTheLinesUnchanged) {
+  struct Case {
+    std::vector<platform::TextObservation> observations;
+    std::string text;
+  };
+  const std::vector<Case> cases = {
+      {{}, ""},
+      {{{{" first "}}, {{"second", "2nd"}}, {{"third"}}}, " first \nsecond\nthird"},
+      {{{{"first"}}, {{}}, {{"third"}}}, "first\nthird"},
+      {{{{}}, {{"second"}}}, "second"},
+      {{{{""}}, {{"second"}}}, "\nsecond"},
+  };
+  testing::SimulatedDesktop desktop;
+  for (const Case& each : cases) {
+    desktop.textRecognizer().result = each.observations;
+    const auto text = OCRService::recognizeText(testing::coordinateImage(8, 8), {"en-US"});
+    ASSERT_TRUE(text.ok());
+    EXPECT_EQ(text.value(), each.text);
+  }
+}
+
+TEST(OCRService, AsksForTheAccurateLevelAndTheLanguagesInOrder) {
+  testing::SimulatedDesktop desktop;
+  const auto image = testing::coordinateImage(8, 8);
+  OCRService::recognizeText(image, {"de-DE", "en-US"});
+  OCRService::recognizeText(image, {});
+  const auto& requests = desktop.textRecognizer().requests;
+  ASSERT_EQ(requests.size(), 2U);
+  EXPECT_EQ(requests[0].request.recognitionLevel, platform::RecognitionLevel::accurate);
+  EXPECT_TRUE(requests[0].request.usesLanguageCorrection);
+  EXPECT_THAT(requests[0].request.recognitionLanguages, ElementsAre("de-DE", "en-US"));
+  EXPECT_THAT(requests[1].request.recognitionLanguages, IsEmpty());
+  EXPECT_EQ(requests[0].image.row(0), image.row(0)) << "the image is handed over as it is";
+}
+
+TEST(OCRService, HandsTheRecognizersErrorOn) {
+  testing::SimulatedDesktop desktop;
+  desktop.textRecognizer().result = platform::Error{"no engine"};
+  const auto text = OCRService::recognizeText(testing::coordinateImage(8, 8), {"en-US"});
+  ASSERT_FALSE(text.ok());
+  EXPECT_EQ(text.error().text, "no engine");
+}
+
+TEST(OCRService, CollapsesLinesIntoOne) {
+  struct Case {
+    std::string_view text;
+    std::string_view collapsed;
+  };
+  const std::vector<Case> cases = {
+      {"one\ntwo\n\n  \nthree", "one two three"},
+      {"", ""},
+      {"\n\n\n", ""},
+      {" \t \n\t\n ", ""},
+      {"  one  two \nthree", "one  two three"},
+      {"\t single \t", "single"},
+      {"hyphen-\nated", "hyphen- ated"},
+      {"\nedge\n", "edge"},
+      // A carriage return and a line feed are one character, and no line feed.
+      {"a\r\nb", "a\r\nb"},
+      {"a\r\n\nb", "a\r\n b"},
+      {"a\n\r\nb", "a \r\nb"},
+      {"\r\n", "\r\n"},
+      {"a\r\r\nb\nc", "a\r\r\nb c"},
+      // Other control characters are neither separators nor blanks.
+      {"a\rb \r\nc\n\vd\n", "a\rb \r\nc \vd"},
+      // Space separators of Unicode are trimmed at the ends and kept inside.
+      {"\u00A0a\u00A0b\u00A0\n\u3000c\u2003", "a\u00A0b c"},
+      {"\u00A0\n\u202F\t\nb", "b"},
+      {"a\u2028\u0085\nb\u200B", "a\u2028\u0085 b\u200B"},
+      {"größer\n文字\n😀 \n", "größer 文字 😀"},
+      // What isn't UTF-8 stays.
+      {" \xFF \n\xC2", "\xFF \xC2"},
+  };
+  for (const Case& each : cases)
+    EXPECT_EQ(OCRService::collapseLineBreaks(each.text), each.collapsed)
+        << ::testing::PrintToString(each.text);
+}
+
+TEST(BarcodeService, AsksForItsTenSymbologiesAndGivesEveryTextPayload) {
+  using platform::Symbology;
+  testing::SimulatedDesktop desktop;
+  desktop.barcodeDetector().result = std::vector<platform::BarcodeObservation>{
+      {Symbology::qr, "same"}, {Symbology::aztec, {}}, {Symbology::ean13, ""}, {Symbology::qr, "same"}};
+  const auto image = testing::coordinateImage(8, 8);
+  const auto payloads = BarcodeService::decode(image);
+  ASSERT_TRUE(payloads.ok());
+  EXPECT_THAT(payloads.value(), ElementsAre("same", "", "same"));
+  ASSERT_EQ(desktop.barcodeDetector().requests.size(), 1U);
+  const auto& request = desktop.barcodeDetector().requests[0];
+  EXPECT_THAT(request.symbologies,
+              ElementsAre(Symbology::qr, Symbology::aztec, Symbology::dataMatrix, Symbology::pdf417,
+                          Symbology::ean13, Symbology::ean8, Symbology::code128, Symbology::code39,
+                          Symbology::code93, Symbology::upce));
+  EXPECT_EQ(request.image.row(0), image.row(0));
+}
+
+TEST(BarcodeService, HandsTheDetectorsErrorOn) {
+  testing::SimulatedDesktop desktop;
+  desktop.barcodeDetector().result = platform::Error{"unsearchable"};
+  const auto payloads = BarcodeService::decode(testing::coordinateImage(8, 8));
+  ASSERT_FALSE(payloads.ok());
+  EXPECT_EQ(payloads.error().text, "unsearchable");
+}
+
+}  // namespace
+}  // namespace lumiscan
