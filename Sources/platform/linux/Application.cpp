@@ -1,0 +1,87 @@
+#include "platform/linux/Application.h"
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <csignal>
+
+namespace lumiscan::desktop {
+
+namespace {
+
+/// The end on which the signal handler writes: nothing but a write is safe there.
+int signalWriteEnd = -1;
+
+void signalCame(int) {
+  const char byte = 0;
+  [[maybe_unused]] const auto written = write(signalWriteEnd, &byte, 1);
+}
+
+/// Qt's choice of a window system is ours: the desktop behind this layer is X11's, also where a Wayland
+/// session offers it beside its own.
+int& prepared(int& argc) {
+  qputenv("QT_QPA_PLATFORM", "xcb");
+  return argc;
+}
+
+}  // namespace
+
+QtApplication::QtApplication(int& argc, char** argv) : application_(prepared(argc), argv) {
+  QApplication::setApplicationName("Lumiscan");
+  QApplication::setQuitOnLastWindowClosed(false);
+  catchSignals();
+}
+
+QtApplication::~QtApplication() {
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) std::signal(signal, SIG_DFL);
+}
+
+void QtApplication::catchSignals() {
+  int ends[2];
+  if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, ends) != 0) return;
+  signalWriteEnd = ends[0];
+  signalNotifier_ = std::make_unique<QSocketNotifier>(ends[1], QSocketNotifier::Read);
+  QObject::connect(signalNotifier_.get(), &QSocketNotifier::activated, &application_,
+                   [this] { terminate(); });
+  struct sigaction action {};
+  action.sa_handler = signalCame;
+  action.sa_flags = SA_RESTART;
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) sigaction(signal, &action, nullptr);
+}
+
+void QtApplication::setActivationPolicy(platform::ActivationPolicy) {
+  // What an accessory must not show, a taskbar entry and a place in the window switcher, is a matter of
+  // each window here.
+}
+
+void QtApplication::run() {
+  QMetaObject::invokeMethod(
+      &application_,
+      [this] {
+        if (delegate_) delegate_->applicationDidFinishLaunching();
+      },
+      Qt::QueuedConnection);
+  QApplication::exec();
+}
+
+void QtApplication::terminate() { QApplication::quit(); }
+
+void QtApplication::activateIgnoringOtherApps() {
+  // A program comes to the front with its windows here: each takes the focus when it is made key.
+}
+
+void QtApplication::disableSuddenTermination() {
+  // Nothing on this desktop ends a program silently.
+}
+
+Qt::CursorShape qtCursorShape(platform::CursorShape shape) {
+  return shape == platform::CursorShape::crosshair ? Qt::CrossCursor : Qt::ArrowCursor;
+}
+
+void QtCursorStack::push(platform::CursorShape shape) {
+  QGuiApplication::setOverrideCursor(qtCursorShape(shape));
+}
+
+void QtCursorStack::pop() { QGuiApplication::restoreOverrideCursor(); }
+
+}  // namespace lumiscan::desktop

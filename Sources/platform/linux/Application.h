@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QApplication>
+#include <QSocketNotifier>
+#include <memory>
+
+#include "platform/Application.h"
+#include "platform/Cursor.h"
+
+namespace lumiscan::desktop {
+
+/// The application object on Qt. Ends its event loop, as if the user had quit, on SIGTERM, SIGINT and
+/// SIGHUP. Precondition: an X display answers.
+class QtApplication : public platform::Application {
+ public:
+  /// The arguments outlive the object, which removes those that Qt knows.
+  QtApplication(int& argc, char** argv);
+  ~QtApplication() override;
+
+  void setDelegate(platform::ApplicationDelegate* delegate) override { delegate_ = delegate; }
+  void setActivationPolicy(platform::ActivationPolicy policy) override;
+  void run() override;
+  void terminate() override;
+  void activateIgnoringOtherApps() override;
+  void disableSuddenTermination() override;
+
+ private:
+  void catchSignals();
+
+  QApplication application_;
+  platform::ApplicationDelegate* delegate_ = nullptr;
+  std::unique_ptr<QSocketNotifier> signalNotifier_;
+};
+
+/// The cursor stack on Qt's override cursors.
+class QtCursorStack : public platform::CursorStack {
+ public:
+  void push(platform::CursorShape shape) override;
+  void pop() override;
+};
+
+Qt::CursorShape qtCursorShape(platform::CursorShape shape);
+
+}  // namespace lumiscan::desktop

@@ -1,0 +1,39 @@
+#include "platform/linux/Dispatch.h"
+
+#include <QMetaObject>
+#include <QTimer>
+#include <algorithm>
+
+namespace lumiscan::desktop {
+
+QtDispatcher::QtDispatcher() {
+  // Two at least, so that a short task never waits for a long recognition.
+  pool_.setMaxThreadCount(std::max(2, QThread::idealThreadCount()));
+}
+
+void QtDispatcher::async(std::function<void()> work) {
+  QMetaObject::invokeMethod(&mainContext_, std::move(work), Qt::QueuedConnection);
+}
+
+void QtDispatcher::asyncAfter(double seconds, std::function<void()> work) {
+  if (!isMainThread()) {
+    async([this, seconds, work = std::move(work)] { asyncAfter(seconds, work); });
+    return;
+  }
+  const auto delay = std::chrono::milliseconds(static_cast<long>(seconds * 1000));
+  // Long waits may be late by a twentieth, which lets the system group its wake-ups.
+  const auto type = delay < std::chrono::seconds(5) ? Qt::PreciseTimer : Qt::CoarseTimer;
+  QTimer::singleShot(delay, type, &mainContext_, std::move(work));
+}
+
+void QtDispatcher::detach(platform::TaskPriority priority, std::function<void()> work) {
+  pool_.start(std::move(work), priority == platform::TaskPriority::userInitiated ? 1 : 0);
+}
+
+bool QtDispatcher::isMainThread() const { return std::this_thread::get_id() == mainThread_; }
+
+bool QtDispatcher::waitForTasks(std::chrono::milliseconds patience) {
+  return pool_.waitForDone(static_cast<int>(patience.count()));
+}
+
+}  // namespace lumiscan::desktop

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QObject>
+#include <QThreadPool>
+#include <chrono>
+#include <thread>
+
+#include "platform/Dispatch.h"
+
+namespace lumiscan::desktop {
+
+/// The main queue on Qt's event loop, and a small pool of background threads. Made on the main thread; work
+/// that is submitted before the event loop runs waits for it.
+class QtDispatcher : public platform::Dispatcher {
+ public:
+  QtDispatcher();
+
+  void async(std::function<void()> work) override;
+  void asyncAfter(double seconds, std::function<void()> work) override;
+  void detach(platform::TaskPriority priority, std::function<void()> work) override;
+  bool isMainThread() const override;
+
+  /// Tasks that haven't started never will.
+  void dropWaitingTasks() { pool_.clear(); }
+  /// Waits for the tasks; whether all ended within `patience`.
+  bool waitForTasks(std::chrono::milliseconds patience);
+
+ private:
+  std::thread::id mainThread_ = std::this_thread::get_id();
+  QObject mainContext_;
+  QThreadPool pool_;
+};
+
+}  // namespace lumiscan::desktop

@@ -1,0 +1,97 @@
+#include "platform/linux/Graphics.h"
+
+#include <QFontDatabase>
+#include <QFontMetricsF>
+
+namespace lumiscan::desktop {
+
+namespace {
+
+QFont::Weight qtWeight(platform::FontWeight weight) {
+  switch (weight) {
+    case platform::FontWeight::regular:
+      return QFont::Normal;
+    case platform::FontWeight::medium:
+      return QFont::Medium;
+    case platform::FontWeight::semibold:
+      return QFont::DemiBold;
+    case platform::FontWeight::bold:
+      return QFont::Bold;
+  }
+  return QFont::Normal;
+}
+
+QString qtString(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+}  // namespace
+
+QColor qtColor(platform::Color color) {
+  return QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green),
+                          static_cast<float>(color.blue), static_cast<float>(color.alpha));
+}
+
+QFont qtFont(const platform::Font& font) {
+  using Design = platform::Font::Design;
+  // The digits of the usual user-interface fonts have one width as they are.
+  QFont made = QFontDatabase::systemFont(font.design == Design::monospaced ? QFontDatabase::FixedFont
+                                                                           : QFontDatabase::GeneralFont);
+  if (font.design == Design::sansSerif) made.setFamily("sans-serif");
+  // A point of ours is a pixel of Qt's device-independent coordinates, not a typographic point.
+  made.setPixelSize(qRound(font.size));
+  made.setWeight(qtWeight(font.weight));
+  return made;
+}
+
+PainterContext::PainterContext(QPainter& painter, double height) : painter_(painter), height_(height) {
+  painter_.setRenderHint(QPainter::Antialiasing);
+}
+
+QRectF PainterContext::flipped(const platform::Rect& rect) const {
+  return {rect.minX(), height_ - rect.maxY(), rect.size.width, rect.size.height};
+}
+
+void PainterContext::drawShapes(const platform::BezierPath& path) {
+  for (const auto& segment : path.segments)
+    painter_.drawLine(QLineF(flipped(segment.from), flipped(segment.to)));
+  for (const auto& rounded : path.roundedRects) {
+    // A plain rectangle by a call of its own: a rounded one of radius 0 has softer corners.
+    if (rounded.radius > 0)
+      painter_.drawRoundedRect(flipped(rounded.rect), rounded.radius, rounded.radius);
+    else
+      painter_.drawRect(flipped(rounded.rect));
+  }
+  for (const auto& oval : path.ovals) painter_.drawEllipse(flipped(oval));
+}
+
+void PainterContext::stroke(const platform::BezierPath& path, platform::Color color) {
+  QPen pen(qtColor(color), path.lineWidth);
+  pen.setCapStyle(path.lineCap == platform::LineCap::round ? Qt::RoundCap : Qt::FlatCap);
+  pen.setJoinStyle(Qt::MiterJoin);
+  painter_.setPen(pen);
+  painter_.setBrush(Qt::NoBrush);
+  drawShapes(path);
+}
+
+void PainterContext::fill(const platform::BezierPath& path, platform::Color color) {
+  painter_.setPen(Qt::NoPen);
+  painter_.setBrush(qtColor(color));
+  drawShapes(path);
+}
+
+platform::Size PainterContext::sizeOf(std::string_view text, const platform::TextAttributes& attributes) {
+  const QFontMetricsF metrics(qtFont(attributes.font));
+  return {metrics.horizontalAdvance(qtString(text)), metrics.height()};
+}
+
+void PainterContext::draw(std::string_view text, platform::Point origin,
+                          const platform::TextAttributes& attributes) {
+  const QFont font = qtFont(attributes.font);
+  painter_.setFont(font);
+  painter_.setPen(qtColor(attributes.foregroundColor));
+  const double baseline = origin.y + QFontMetricsF(font).descent();
+  painter_.drawText(flipped(platform::Point{origin.x, baseline}), qtString(text));
+}
+
+}  // namespace lumiscan::desktop

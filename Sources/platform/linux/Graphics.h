@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QFont>
+#include <QPainter>
+
+#include "platform/Graphics.h"
+
+namespace lumiscan::desktop {
+
+QColor qtColor(platform::Color color);
+QFont qtFont(const platform::Font& font);
+
+/// Draws with a painter, whose y grows downwards, on a surface that is `height` points high.
+class PainterContext : public platform::GraphicsContext {
+ public:
+  /// The painter outlives the context.
+  PainterContext(QPainter& painter, double height);
+
+  void stroke(const platform::BezierPath& path, platform::Color color) override;
+  void fill(const platform::BezierPath& path, platform::Color color) override;
+  platform::Size sizeOf(std::string_view text, const platform::TextAttributes& attributes) override;
+  void draw(std::string_view text, platform::Point origin,
+            const platform::TextAttributes& attributes) override;
+
+ private:
+  QPointF flipped(platform::Point point) const { return {point.x, height_ - point.y}; }
+  QRectF flipped(const platform::Rect& rect) const;
+  void drawShapes(const platform::BezierPath& path);
+
+  QPainter& painter_;
+  double height_;
+};
+
+}  // namespace lumiscan::desktop

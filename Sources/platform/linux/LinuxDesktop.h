@@ -1,0 +1,43 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/Desktop.h"
+
+namespace lumiscan::desktop {
+
+/// The real desktop: a Linux session with an X server, spoken to through Qt and X11. Constructed on the main
+/// thread; installs itself, and takes itself out when it goes.
+class LinuxDesktop : public platform::Desktop {
+ public:
+  /// The arguments are those of `main`; the toolkit removes its own from them when the application object
+  /// is made.
+  LinuxDesktop(int& argc, char** argv);
+  ~LinuxDesktop() override;
+
+  std::optional<std::string> interactiveModeProblem() override;
+
+  platform::Application& application() override;
+  platform::Dispatcher& dispatcher() override;
+  platform::UserDefaults& userDefaults() override;
+  platform::LogSink& logSink() override;
+  platform::NotificationCenter& notificationCenter() override;
+  platform::NotificationCenter& workspaceNotificationCenter() override;
+  platform::Displays& displays() override;
+  platform::Point mouseLocation() override;
+  platform::CursorStack& cursors() override;
+  platform::Pasteboard& pasteboard() override;
+  platform::HotKeys& hotKeys() override;
+  platform::TextRecognizer& textRecognizer() override;
+  platform::BarcodeDetector& barcodeDetector() override;
+  std::unique_ptr<platform::WindowPeer> makeWindowPeer(platform::Window& window) override;
+  std::unique_ptr<platform::BitmapContext> makeBitmapContext(int width, int height) override;
+  std::optional<platform::Image> generateQRCode(std::string_view message,
+                                                platform::QRCorrectionLevel level) override;
+
+ private:
+  struct Parts;
+  std::unique_ptr<Parts> parts_;
+};
+
+}  // namespace lumiscan::desktop

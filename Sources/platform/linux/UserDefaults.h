@@ -1,0 +1,58 @@
+#pragma once
+
+#include <ctime>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <nlohmann/json.hpp>
+
+#include "platform/UserDefaults.h"
+
+namespace lumiscan::desktop {
+
+/// The preferences in one JSON file, `preferences.json`: an object with a member a key. Booleans, numbers,
+/// strings and lists of strings are what they are in JSON; data is an object `{"data": BASE64}`.
+///
+/// The file is replaced as a whole and atomically, with mode 0600 in a folder of mode 0700. Each write first
+/// reads what is there, under a lock that all instances of the program share, so two of them never lose each
+/// other's keys; members that this program doesn't know are kept. A file that can't be parsed is set aside
+/// as `preferences.json.unreadable`.
+class FileUserDefaults : public platform::UserDefaults {
+ public:
+  explicit FileUserDefaults(std::filesystem::path file);
+
+  /// `$XDG_CONFIG_HOME/lumiscan/preferences.json`, with `~/.config` for an unset variable.
+  static std::filesystem::path defaultFile();
+
+  std::optional<platform::DefaultsValue> object(std::string_view key) const override;
+  void setObject(std::string_view key, platform::DefaultsValue value) override;
+  void removeObject(std::string_view key) override;
+
+ private:
+  /// Tells one version of the file from another: each replacement is a new inode.
+  struct Stamp {
+    unsigned long device = 0;
+    unsigned long inode = 0;
+    long size = 0;
+    timespec modified{};
+    friend bool operator==(const Stamp& a, const Stamp& b) {
+      return a.device == b.device && a.inode == b.inode && a.size == b.size &&
+             a.modified.tv_sec == b.modified.tv_sec && a.modified.tv_nsec == b.modified.tv_nsec;
+    }
+  };
+
+  void change(std::string_view key, std::optional<nlohmann::json> value);
+  void reload() const;
+  void setAside() const;
+  bool save();
+
+  const std::filesystem::path file_;
+  mutable std::mutex mutex_;
+  mutable nlohmann::json document_ = nlohmann::json::object();
+  mutable std::optional<Stamp> stamp_;
+  /// What couldn't be written yet: the new value, or nothing for a removed key.
+  std::map<std::string, std::optional<nlohmann::json>, std::less<>> unsaved_;
+};
+
+}  // namespace lumiscan::desktop

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/Result.h"
+#include "platform/linux/recognition/GreyBitmap.h"
+
+namespace lumiscan::desktop {
+
+/// What an engine is loaded for.
+struct EngineKey {
+  std::vector<std::string> names;  ///< Of trained data, in order of preference.
+  bool dictionaries = true;        ///< Whether readings that are words are preferred.
+  auto operator<=>(const EngineKey&) const = default;
+};
+
+/// A character as it was read.
+struct Symbol {
+  std::string text;  ///< UTF-8; usually one code point.
+  bool spaceBefore = false;
+  PixelBox box;  ///< About where it is.
+};
+
+struct LineReading {
+  std::vector<Symbol> symbols;
+  double confidence = 0;  ///< From 0 to 100.
+};
+
+/// One loaded Tesseract engine. Used by one thread at a time.
+class Engine {
+ public:
+  /// Loads the trained data; takes some tens of milliseconds and megabytes a language.
+  static platform::Result<std::shared_ptr<Engine>> load(const EngineKey& key,
+                                                        const std::filesystem::path& folder);
+  ~Engine();
+  Engine(const Engine&) = delete;
+  Engine& operator=(const Engine&) = delete;
+
+  /// Reads one line of black text on white.
+  LineReading readLine(const GreyBitmap& image);
+
+ private:
+  struct Api;
+  explicit Engine(std::unique_ptr<Api> api);
+  std::unique_ptr<Api> api_;
+};
+
+}  // namespace lumiscan::desktop

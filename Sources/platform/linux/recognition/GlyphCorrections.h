@@ -1,0 +1,22 @@
+#pragma once
+
+#include <vector>
+
+#include "platform/linux/recognition/Engine.h"
+#include "platform/linux/recognition/TextLayout.h"
+
+namespace lumiscan::desktop {
+
+/// Splits off the underscores of a line: the engine's models hardly know them. `letterHeight` is that of
+/// the line.
+std::vector<Glyph> takeUnderscores(std::vector<Glyph>& glyphs, const TextLine& line);
+
+/// Puts the underscores back between the symbols that were read without them, all boxes in pixels of the
+/// image.
+void insertUnderscores(std::vector<Symbol>& symbols, const std::vector<Glyph>& underscores,
+                       const std::vector<Glyph>& letters, int letterHeight);
+
+/// Makes quotation marks and apostrophes straight or curly as their ink is.
+void correctQuotes(std::vector<Symbol>& symbols, const std::vector<Glyph>& glyphs, const GreyBitmap& ink);
+
+}  // namespace lumiscan::desktop

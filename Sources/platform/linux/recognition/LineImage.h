@@ -1,0 +1,21 @@
+#pragma once
+
+#include "platform/linux/recognition/GreyBitmap.h"
+#include "platform/linux/recognition/TextLayout.h"
+
+namespace lumiscan::desktop {
+
+/// One line of text as the engine wants it: black on white, of the height its model was trained on.
+struct LineImage {
+  GreyBitmap bitmap;
+  double scale;   ///< Pixels of the bitmap per pixel of the image.
+  int left, top;  ///< Of the bitmap, in pixels of the image.
+
+  /// A box in the bitmap as a box in the image.
+  PixelBox toImage(const PixelBox& box) const;
+};
+
+/// Draws the given glyphs of a line alone: what else crosses the line's box stays out.
+LineImage drawLine(const GreyBitmap& ink, const TextLine& line, const std::vector<Glyph>& glyphs);
+
+}  // namespace lumiscan::desktop

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <vector>
+
+#include "platform/linux/recognition/GreyBitmap.h"
+
+namespace lumiscan::desktop {
+
+/// A connected piece of ink: a letter, a dot, an underscore. In pixels of the image.
+struct Glyph {
+  PixelBox box;
+  int width() const { return box.right - box.left + 1; }
+  int height() const { return box.bottom - box.top + 1; }
+  int middle() const { return (box.top + box.bottom) / 2; }
+};
+
+/// The glyphs of one line of text, from left to right.
+struct TextLine {
+  std::vector<Glyph> glyphs;
+  PixelBox box;          ///< Around the glyphs.
+  int letterHeight = 0;  ///< The usual height of the letters around it.
+  int baseline = 0;      ///< The row below the feet of most letters.
+};
+
+/// The lines of text in reading order: column by column where the text is set in columns, from top to
+/// bottom in each. What can't be text, such as frames and rules, is in no line.
+std::vector<TextLine> findTextLines(const GreyBitmap& ink);
+
+}  // namespace lumiscan::desktop

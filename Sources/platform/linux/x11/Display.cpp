@@ -1,0 +1,126 @@
+#include "platform/linux/x11/Display.h"
+
+#include <xcb/randr.h>
+
+#include "platform/linux/x11/Snapshot.h"
+
+namespace lumiscan::desktop::x11 {
+
+namespace {
+
+std::string atomName(xcb_connection_t* connection, xcb_atom_t atom) {
+  const Reply<xcb_get_atom_name_reply_t> answer(
+      xcb_get_atom_name_reply(connection, xcb_get_atom_name(connection, atom), nullptr));
+  if (!answer) return {};
+  return {xcb_get_atom_name_name(answer.get()),
+          static_cast<std::size_t>(xcb_get_atom_name_name_length(answer.get()))};
+}
+
+std::vector<Monitor> monitorsOf(const Connection& connection) {
+  std::vector<Monitor> monitors;
+  const auto request = xcb_randr_get_monitors(connection.get(), connection.root(), /*get_active=*/1);
+  const Reply<xcb_randr_get_monitors_reply_t> answer(
+      xcb_randr_get_monitors_reply(connection.get(), request, nullptr));
+  if (answer) {
+    for (auto i = xcb_randr_get_monitors_monitors_iterator(answer.get()); i.rem;
+         xcb_randr_monitor_info_next(&i)) {
+      Monitor monitor;
+      monitor.name = atomName(connection.get(), i.data->name);
+      monitor.pixels = {{double(i.data->x), double(i.data->y)},
+                        {double(i.data->width), double(i.data->height)}};
+      monitor.isPrimary = i.data->primary;
+      monitors.push_back(std::move(monitor));
+    }
+  }
+  if (monitors.empty()) {
+    // A server without RandR has the one screen.
+    const xcb_screen_t& screen = connection.screen();
+    monitors.push_back(
+        {"screen", {{0, 0}, {double(screen.width_in_pixels), double(screen.height_in_pixels)}}, true, 1, {}});
+  }
+  return monitors;
+}
+
+}  // namespace
+
+std::shared_ptr<Connection> X11Displays::connection() const {
+  const std::lock_guard lock(mutex_);
+  if (connection_ && xcb_connection_has_error(connection_->get())) connection_ = nullptr;
+  if (!connection_) connection_ = Connection::open();
+  return connection_;
+}
+
+ScreenLayout X11Displays::layout() const {
+  const auto x = connection();
+  if (!x) return ScreenLayout({});
+  auto monitors = monitorsOf(*x);
+  const std::lock_guard lock(mutex_);
+  for (Monitor& monitor : monitors) {
+    const auto known = toolkitScreens_.find(monitor.name);
+    if (known == toolkitScreens_.end()) continue;
+    monitor.scale = known->second.scale;
+    monitor.workArea = known->second.workArea;
+  }
+  return ScreenLayout(std::move(monitors));
+}
+
+void X11Displays::setToolkitScreens(std::map<std::string, ToolkitScreen> screens) {
+  const std::lock_guard lock(mutex_);
+  toolkitScreens_ = std::move(screens);
+}
+
+std::vector<platform::Screen> X11Displays::screens() const { return layout().screens(); }
+
+platform::DisplayID X11Displays::mainDisplayID() const { return layout().mainDisplayID(); }
+
+platform::Rect X11Displays::bounds(platform::DisplayID display) const { return layout().bounds(display); }
+
+platform::Point X11Displays::mouseLocation() const {
+  const auto x = connection();
+  if (!x) return {};
+  const Reply<xcb_query_pointer_reply_t> pointer(
+      xcb_query_pointer_reply(x->get(), xcb_query_pointer(x->get(), x->root()), nullptr));
+  if (!pointer) return {};
+  return layout().globalPoint({double(pointer->root_x), double(pointer->root_y)});
+}
+
+bool X11Displays::preflightScreenCaptureAccess() {
+  const auto x = connection();
+  return x && x->isAlive();
+}
+
+void X11Displays::requestScreenCaptureAccess() {
+  // An X server shows its screen to every client; there is nobody to ask.
+}
+
+std::optional<platform::Image> X11Displays::snapshot(platform::DisplayID display) const {
+  const auto x = connection();
+  if (!x) return std::nullopt;
+  const auto pixels = layout().pixels(display);
+  return pixels ? takeSnapshot(*x, *pixels) : std::nullopt;
+}
+
+std::optional<platform::Image> X11Displays::createImage(platform::DisplayID display) {
+  {
+    const std::lock_guard lock(mutex_);
+    if (const auto frozen = frozen_.find(display); frozen != frozen_.end()) return frozen->second;
+  }
+  return snapshot(display);
+}
+
+std::optional<platform::Image> X11Displays::freeze(platform::DisplayID display) {
+  const auto x = connection();
+  if (!x || hasCompositor(x->get())) return std::nullopt;
+  auto picture = createImage(display);
+  if (!picture) return std::nullopt;
+  const std::lock_guard lock(mutex_);
+  frozen_.insert_or_assign(display, *picture);
+  return picture;
+}
+
+void X11Displays::thaw() {
+  const std::lock_guard lock(mutex_);
+  frozen_.clear();
+}
+
+}  // namespace lumiscan::desktop::x11

@@ -1,0 +1,156 @@
+#include "desktop/PrivateDesktop.h"
+
+#include <xcb/xtest.h>
+
+#include <cstdlib>
+#include <stdexcept>
+
+namespace lumiscan::testing {
+
+namespace {
+
+template <typename T>
+std::unique_ptr<T, decltype(&std::free)> owned(T* reply) {
+  return {reply, &std::free};
+}
+
+std::string stringProperty(xcb_connection_t* x, xcb_window_t window, xcb_atom_t property) {
+  const auto request = xcb_get_property(x, 0, window, property, XCB_ATOM_ANY, 0, 1024);
+  const auto reply = owned(xcb_get_property_reply(x, request, nullptr));
+  if (!reply) return {};
+  return {static_cast<const char*>(xcb_get_property_value(reply.get())),
+          static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
+}
+
+xcb_atom_t atom(xcb_connection_t* x, const std::string& name) {
+  const auto request = xcb_intern_atom(x, 0, static_cast<std::uint16_t>(name.size()), name.data());
+  return owned(xcb_intern_atom_reply(x, request, nullptr))->atom;
+}
+
+bool isMapped(xcb_connection_t* x, xcb_window_t window) {
+  const auto reply = owned(xcb_get_window_attributes_reply(x, xcb_get_window_attributes(x, window), nullptr));
+  return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
+}
+
+std::vector<xcb_window_t> childrenOf(xcb_connection_t* x, xcb_window_t window) {
+  const auto tree = owned(xcb_query_tree_reply(x, xcb_query_tree(x, window), nullptr));
+  if (!tree) return {};
+  const xcb_window_t* first = xcb_query_tree_children(tree.get());
+  return {first, first + xcb_query_tree_children_length(tree.get())};
+}
+
+void require(bool condition, const char* what) {
+  if (!condition) throw std::runtime_error(what);
+}
+
+/// X key codes are the kernel's, moved by 8.
+std::uint8_t keycode(std::uint8_t evdevCode) { return static_cast<std::uint8_t>(evdevCode + 8); }
+
+}  // namespace
+
+PrivateDesktop::PrivateDesktop() {
+  std::string folder = std::filesystem::temp_directory_path() / "lumiscan-test-XXXXXX";
+  require(mkdtemp(folder.data()), "no temporary folder");
+  home_ = folder;
+  unsetenv("WAYLAND_DISPLAY");
+  setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
+  for (const char* variable : {"HOME", "XDG_RUNTIME_DIR"}) setenv(variable, folder.c_str(), 1);
+  setenv("XDG_CONFIG_HOME", (home_ / "config").c_str(), 1);
+
+  server_ = std::make_unique<Process>(std::vector<std::string>{
+      "Xvfb", "-displayfd", "1", "-screen", "0", "1280x800x24", "-noreset", "-nolisten", "tcp"});
+  require(waitUntil([this] { return server_->standardOutput().ends_with('\n'); }), "no X server");
+  std::string display = ":";
+  display += server_->standardOutput();
+  display.pop_back();  // The line feed.
+  setenv("DISPLAY", display.c_str(), 1);
+
+  connection_ = xcb_connect(nullptr, nullptr);
+  require(!xcb_connection_has_error(connection_), "no connection to the X server");
+  const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data;
+  root_ = screen->root;
+  width_ = screen->width_in_pixels;
+  height_ = screen->height_in_pixels;
+
+  windowManager_ = std::make_unique<Process>(std::vector<std::string>{"openbox", "--sm-disable"});
+  const xcb_atom_t check = atom(connection_, "_NET_SUPPORTING_WM_CHECK");
+  require(waitUntil([&] { return !stringProperty(connection_, root_, check).empty(); }), "no window manager");
+}
+
+PrivateDesktop::~PrivateDesktop() {
+  xcb_disconnect(connection_);
+  windowManager_.reset();
+  server_.reset();
+  std::error_code ignored;
+  std::filesystem::remove_all(home_, ignored);
+}
+
+void PrivateDesktop::fake(std::uint8_t type, std::uint8_t detail, int x, int y) {
+  xcb_test_fake_input(connection_, type, detail, XCB_TIME_CURRENT_TIME, root_, static_cast<std::int16_t>(x),
+                      static_cast<std::int16_t>(y), 0);
+  sync();
+}
+
+void PrivateDesktop::sync() const {
+  owned(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+}
+
+void PrivateDesktop::keyDown(std::uint8_t evdevCode) { fake(XCB_KEY_PRESS, keycode(evdevCode)); }
+void PrivateDesktop::keyUp(std::uint8_t evdevCode) { fake(XCB_KEY_RELEASE, keycode(evdevCode)); }
+
+void PrivateDesktop::pressKeys(const std::vector<std::uint8_t>& evdevCodes) {
+  for (const auto code : evdevCodes) keyDown(code);
+  for (auto code = evdevCodes.rbegin(); code != evdevCodes.rend(); ++code) keyUp(*code);
+}
+
+void PrivateDesktop::moveMouse(int x, int y) { fake(XCB_MOTION_NOTIFY, 0, x, y); }
+void PrivateDesktop::buttonDown() { fake(XCB_BUTTON_PRESS, XCB_BUTTON_INDEX_1); }
+void PrivateDesktop::buttonUp() { fake(XCB_BUTTON_RELEASE, XCB_BUTTON_INDEX_1); }
+
+void PrivateDesktop::drag(int fromX, int fromY, int toX, int toY) {
+  moveMouse(fromX, fromY);
+  buttonDown();
+  moveMouse((fromX + toX) / 2, (fromY + toY) / 2);
+  moveMouse(toX, toY);
+  buttonUp();
+}
+
+std::vector<xcb_window_t> PrivateDesktop::windowsOfClass(const std::string& name) const {
+  // WM_CLASS is the instance and the class, each ended by a zero. A managed window is a child of its frame.
+  const std::string ending = name + std::string(1, '\0');
+  const auto isOfClass = [&](xcb_window_t window) {
+    return stringProperty(connection_, window, XCB_ATOM_WM_CLASS).ends_with(ending) &&
+           isMapped(connection_, window);
+  };
+  std::vector<xcb_window_t> found;
+  for (const xcb_window_t top : childrenOf(connection_, root_)) {
+    if (isOfClass(top)) found.push_back(top);
+    for (const xcb_window_t child : childrenOf(connection_, top))
+      if (isOfClass(child)) found.push_back(child);
+  }
+  return found;
+}
+
+xcb_window_t PrivateDesktop::focusedWindow() const {
+  return owned(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr))->focus;
+}
+
+std::vector<std::uint32_t> PrivateDesktop::screenPixels() const {
+  const auto request =
+      xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, root_, 0, 0, static_cast<std::uint16_t>(width_),
+                    static_cast<std::uint16_t>(height_), ~0U);
+  const auto reply = owned(xcb_get_image_reply(connection_, request, nullptr));
+  require(reply != nullptr, "the screen can't be read");
+  const auto* words = reinterpret_cast<const std::uint32_t*>(xcb_get_image_data(reply.get()));
+  std::vector<std::uint32_t> pixels(words, words + xcb_get_image_data_length(reply.get()) / 4);
+  for (std::uint32_t& pixel : pixels) pixel &= 0xFFFFFF;
+  return pixels;
+}
+
+std::optional<std::string> PrivateDesktop::clipboard(const std::function<void()>& meanwhile) {
+  Process reader({"xclip", "-selection", "clipboard", "-out"});
+  if (reader.waitForEnd(meanwhile) != 0) return std::nullopt;
+  return reader.standardOutput();
+}
+
+}  // namespace lumiscan::testing

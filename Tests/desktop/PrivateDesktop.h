@@ -1,0 +1,66 @@
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "desktop/Process.h"
+
+namespace lumiscan::testing {
+
+/// A private X server with a window manager, and a home folder of its own: this process's environment points
+/// at them, so that whatever it starts lives there. Everything ends and vanishes with this object.
+///
+/// Positions are in pixels, origin at the top left of the X screen, y downwards.
+class PrivateDesktop {
+ public:
+  PrivateDesktop();
+  ~PrivateDesktop();
+  PrivateDesktop(const PrivateDesktop&) = delete;
+  PrivateDesktop& operator=(const PrivateDesktop&) = delete;
+
+  xcb_connection_t* x() const { return connection_; }
+  xcb_window_t root() const { return root_; }
+  const std::filesystem::path& home() const { return home_; }
+
+  // What a user does, made by the server itself as if it came from the devices. Keys are kernel key codes.
+  void pressKeys(const std::vector<std::uint8_t>& evdevCodes);  ///< All held together, then released.
+  void keyDown(std::uint8_t evdevCode);
+  void keyUp(std::uint8_t evdevCode);
+  void moveMouse(int x, int y);
+  void buttonDown();
+  void buttonUp();
+  void drag(int fromX, int fromY, int toX, int toY);
+
+  // What a user sees.
+  /// The mapped top-level windows of a class, bottom to top.
+  std::vector<xcb_window_t> windowsOfClass(const std::string& name) const;
+  xcb_window_t focusedWindow() const;
+  /// The whole screen, a word 0x??RRGGBB a pixel, row by row.
+  std::vector<std::uint32_t> screenPixels() const;
+  int width() const { return width_; }
+  int height() const { return height_; }
+
+  /// What another program reads from the clipboard; nothing when it holds no text.
+  static std::optional<std::string> clipboard(const std::function<void()>& meanwhile = {});
+
+ private:
+  void fake(std::uint8_t type, std::uint8_t detail, int x = 0, int y = 0);
+  void sync() const;
+
+  std::filesystem::path home_;
+  std::unique_ptr<Process> server_;
+  std::unique_ptr<Process> windowManager_;
+  xcb_connection_t* connection_ = nullptr;
+  xcb_window_t root_ = XCB_WINDOW_NONE;
+  int width_ = 0;
+  int height_ = 0;
+};
+
+}  // namespace lumiscan::testing

@@ -1,0 +1,82 @@
+#include "desktop/Process.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <thread>
+
+namespace lumiscan::testing {
+
+namespace {
+
+/// A file without a name for a child to write into.
+int anonymousFile() { return memfd_create("output", MFD_CLOEXEC); }
+
+std::string contentOf(int descriptor) {
+  struct stat status {};
+  fstat(descriptor, &status);
+  std::string content(static_cast<std::size_t>(status.st_size), '\0');
+  const ssize_t count = pread(descriptor, content.data(), content.size(), 0);
+  content.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+  return content;
+}
+
+}  // namespace
+
+bool waitUntil(const std::function<bool()>& condition, const std::function<void()>& meanwhile) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > deadline) return false;
+    if (meanwhile)
+      meanwhile();
+    else
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  return true;
+}
+
+Process::Process(std::vector<std::string> arguments) : output_(anonymousFile()), error_(anonymousFile()) {
+  std::vector<char*> argv;
+  for (std::string& argument : arguments) argv.push_back(argument.data());
+  argv.push_back(nullptr);
+  pid_ = fork();
+  if (pid_ != 0) return;
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
+  dup2(output_, STDOUT_FILENO);
+  dup2(error_, STDERR_FILENO);
+  execvp(argv[0], argv.data());
+  _exit(127);
+}
+
+Process::~Process() {
+  if (!exitStatus()) {
+    signal(SIGKILL);
+    waitpid(pid_, nullptr, 0);
+  }
+  close(output_);
+  close(error_);
+}
+
+std::optional<int> Process::exitStatus() {
+  int status = 0;
+  if (!status_ && waitpid(pid_, &status, WNOHANG) == pid_)
+    status_ = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  return status_;
+}
+
+std::optional<int> Process::waitForEnd(const std::function<void()>& meanwhile) {
+  waitUntil([this] { return exitStatus().has_value(); }, meanwhile);
+  return exitStatus();
+}
+
+void Process::signal(int number) const { kill(pid_, number); }
+std::string Process::standardOutput() const { return contentOf(output_); }
+std::string Process::standardError() const { return contentOf(error_); }
+
+}  // namespace lumiscan::testing

@@ -1,0 +1,62 @@
+// The program's command line, as a user meets it.
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "desktop/PrivateDesktop.h"
+
+namespace lumiscan::testing {
+namespace {
+
+TEST(Program, TestsItselfWithoutADisplay) {
+  unsetenv("DISPLAY");
+  unsetenv("WAYLAND_DISPLAY");
+  Process program({LUMISCAN_PROGRAM, "--selftest"});
+  EXPECT_EQ(program.waitForEnd(), 0);
+  EXPECT_EQ(program.standardOutput(),
+            "PASS  OCR recognizes the app name\n"
+            "PASS  OCR recognizes digits\n"
+            "PASS  Line collapsing\n"
+            "PASS  QR round-trip\n"
+            "\n"
+            "All self-tests passed.\n");
+}
+
+TEST(Program, SaysWhetherItMayCaptureTheScreen) {
+  {
+    PrivateDesktop desktop;
+    Process program({LUMISCAN_PROGRAM, "--check-permission"});
+    EXPECT_EQ(program.waitForEnd(), 0);
+    EXPECT_EQ(program.standardOutput(), "Screen recording granted: true\n");
+  }
+  // The display has gone.
+  Process program({LUMISCAN_PROGRAM, "--check-permission"});
+  EXPECT_EQ(program.waitForEnd(), 1);
+  EXPECT_EQ(program.standardOutput(), "Screen recording granted: false\n");
+}
+
+TEST(Program, EndsWithOneClearLineWhereThereIsNoDisplay) {
+  struct Case {
+    const char* display;
+    std::string line;
+  };
+  const Case cases[] = {
+      {nullptr, "lumiscan: no X display: DISPLAY is not set\n"},
+      {":4999", "lumiscan: no X display answers at DISPLAY=:4999\n"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.line);
+    if (c.display)
+      setenv("DISPLAY", c.display, 1);
+    else
+      unsetenv("DISPLAY");
+    Process program({LUMISCAN_PROGRAM});
+    EXPECT_EQ(program.waitForEnd(), 1);
+    EXPECT_EQ(program.standardError(), c.line);
+    EXPECT_EQ(program.standardOutput(), "");
+  }
+}
+
+}  // namespace
+}  // namespace lumiscan::testing

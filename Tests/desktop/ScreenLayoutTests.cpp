@@ -1,0 +1,77 @@
+#include "platform/linux/x11/ScreenLayout.h"
+
+#include <gtest/gtest.h>
+
+namespace lumiscan::desktop::x11 {
+namespace {
+
+using platform::Point;
+using platform::Rect;
+
+// The primary monitor has another at its left, larger in pixels and at scale 2, and one above at 1.25; panels
+// take 30 pixels of the primary's top.
+const ScreenLayout layout({
+    {"LEFT", {{0, 400}, {2560, 1440}}, false, 2, {}},
+    {"MAIN", {{2560, 768}, {1920, 1080}}, true, 1, Rect{{2560, 798}, {1920, 1050}}},
+    {"ABOVE", {{2560, 0}, {1366, 768}}, false, 1.25, {}},
+});
+const auto left = ScreenLayout::displayID("LEFT");
+const auto primary = ScreenLayout::displayID("MAIN");
+const auto above = ScreenLayout::displayID("ABOVE");
+
+TEST(ScreenLayout, PutsThePrimaryScreenFirstAndAtTheOrigin) {
+  const auto screens = layout.screens();
+  ASSERT_EQ(screens.size(), 3U);
+  EXPECT_EQ(screens[0].displayID, primary);
+  EXPECT_EQ(layout.mainDisplayID(), primary);
+  EXPECT_EQ(screens[0].frame, (Rect{{0, 0}, {1920, 1080}}));
+  EXPECT_EQ(screens[0].visibleFrame, (Rect{{0, 0}, {1920, 1050}}));
+  EXPECT_EQ(layout.bounds(primary), (Rect{{0, 0}, {1920, 1080}}));
+}
+
+TEST(ScreenLayout, GivesTheOthersTheirPlaceInBothSpaces) {
+  // Left: 1280 by 720 points; its top is 368 pixels above the primary's.
+  EXPECT_EQ(layout.bounds(left), (Rect{{-2560, -368}, {1280, 720}}));
+  EXPECT_EQ(layout.screens()[1].frame, (Rect{{-2560, 728}, {1280, 720}}));
+  EXPECT_EQ(layout.screens()[1].backingScaleFactor, 2);
+  EXPECT_EQ(layout.bounds(above), (Rect{{0, -768}, {1092.8, 614.4}}));
+  EXPECT_EQ(layout.screens()[2].frame.minY(), 1080 + 768 - 614.4);
+  EXPECT_EQ(layout.pixels(left), (Rect{{0, 400}, {2560, 1440}}));
+}
+
+TEST(ScreenLayout, FindsTheMouseOnEachScreenAndBetweenThem) {
+  EXPECT_EQ(layout.globalPoint({2560, 768}), (Point{0, 1080}));
+  EXPECT_EQ(layout.globalPoint({2660, 868}), (Point{100, 980}));
+  EXPECT_EQ(layout.globalPoint({100, 500}), (Point{-2510, 1398}));  // 50 points into the left screen.
+  EXPECT_TRUE(platform::contains(layout.screens()[1].frame, layout.globalPoint({2559, 1839})));
+  EXPECT_TRUE(platform::contains(layout.screens()[2].frame, layout.globalPoint({2560, 767})));
+  // On no monitor, just left of the one above: measured from it.
+  EXPECT_EQ(layout.globalPoint({2550, 0}), (Point{-8, 1848}));
+}
+
+TEST(ScreenLayout, FindsTheDisplayOfARectangle) {
+  for (const auto& screen : layout.screens()) EXPECT_EQ(layout.displayAt(screen.frame), screen.displayID);
+  EXPECT_EQ(layout.displayAt({{5000, 5000}, {10, 10}}), 0U);
+}
+
+TEST(ScreenLayout, KnowsNothingOfWhatIsNotAttached) {
+  const auto gone = ScreenLayout::displayID("GONE");
+  EXPECT_EQ(layout.bounds(gone), Rect{});
+  EXPECT_EQ(layout.pixels(gone), std::nullopt);
+  const ScreenLayout none({});
+  EXPECT_TRUE(none.screens().empty());
+  EXPECT_EQ(none.mainDisplayID(), 0U);
+  EXPECT_EQ(none.globalPoint({3, 4}), (Point{3, 4}));
+  // Without a primary monitor the first one is it.
+  EXPECT_EQ(ScreenLayout({{"A", {{0, 0}, {10, 10}}, false, 1, {}}}).mainDisplayID(),
+            ScreenLayout::displayID("A"));
+}
+
+TEST(ScreenLayout, NumbersAnOutputByItsNameAlone) {
+  // A stored selection names its display by this number: it must never change.
+  EXPECT_EQ(ScreenLayout::displayID("HDMI-1"), 494947269U);
+  EXPECT_NE(ScreenLayout::displayID("HDMI-1"), ScreenLayout::displayID("HDMI-2"));
+}
+
+}  // namespace
+}  // namespace lumiscan::desktop::x11

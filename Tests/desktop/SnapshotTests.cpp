@@ -1,0 +1,98 @@
+// Pictures of the screen, compared pixel by pixel with what another client put there.
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+
+#include "desktop/PrivateDesktop.h"
+#include "platform/Application.h"
+#include "platform/Display.h"
+#include "platform/Window.h"
+#include "platform/linux/LinuxDesktop.h"
+
+namespace lumiscan::testing {
+namespace {
+
+class Snapshot : public ::testing::Test {
+ protected:
+  Snapshot() { platform::Application::shared(); }
+
+  /// Covers the screen with a picture of which no two neighbours are alike.
+  void showPicture() {
+    xcb_connection_t* x = private_.x();
+    const auto width = static_cast<std::uint16_t>(private_.width());
+    const auto height = static_cast<std::uint16_t>(private_.height());
+    const xcb_pixmap_t pixmap = xcb_generate_id(x);
+    xcb_create_pixmap(x, 24, pixmap, private_.root(), width, height);
+    const xcb_gcontext_t gc = xcb_generate_id(x);
+    xcb_create_gc(x, gc, pixmap, 0, nullptr);
+    std::vector<std::uint32_t> row(width);
+    for (std::uint32_t y = 0; y < height; ++y) {
+      for (std::uint32_t i = 0; i < width; ++i) row[i] = (i * 2654435761U + y * 40503U) & 0xFFFFFF;
+      xcb_put_image(x, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, gc, width, 1, 0, static_cast<std::int16_t>(y), 0,
+                    24, width * 4U, reinterpret_cast<const std::uint8_t*>(row.data()));
+    }
+    const std::uint32_t values[] = {pixmap};
+    xcb_change_window_attributes(x, private_.root(), XCB_CW_BACK_PIXMAP, values);
+    xcb_clear_area(x, 0, private_.root(), 0, 0, 0, 0);
+    private_.focusedWindow();  // Waits for the server.
+  }
+
+  std::vector<std::uint32_t> snapshot() {
+    const auto image = displays().createImage(displays().mainDisplayID());
+    std::vector<std::uint32_t> pixels;
+    if (!image) return pixels;
+    for (int y = 0; y < image->height(); ++y) {
+      const auto* row = reinterpret_cast<const std::uint32_t*>(image->row(y));
+      for (int i = 0; i < image->width(); ++i) pixels.push_back(row[i] & 0xFFFFFF);
+    }
+    return pixels;
+  }
+
+  platform::Displays& displays() { return desktop_.displays(); }
+
+  PrivateDesktop private_;
+  char name_[5] = "test";
+  char* argv_[2] = {name_, nullptr};
+  int argc_ = 1;
+  desktop::LinuxDesktop desktop_{argc_, argv_};
+};
+
+/// Draws a white square, as an overlay draws its crosshair.
+class Square : public platform::View {
+ public:
+  using View::View;
+  void draw(platform::GraphicsContext& context, const platform::Rect&) override {
+    context.fill(platform::BezierPath::rect({{100, 100}, {50, 50}}), platform::Color::white());
+  }
+};
+
+TEST_F(Snapshot, IsTheScreenToThePixelAndNothingOfOurs) {
+  showPicture();
+  const auto picture = private_.screenPixels();
+  EXPECT_EQ(snapshot(), picture);
+
+  const auto screen = displays().screens().at(0);
+  auto overlay = std::make_shared<platform::Window>(screen.frame, platform::windowStyleBorderless);
+  overlay->attributes().level = platform::windowLevelScreenSaver + 1;
+  overlay->attributes().opaque = false;
+  overlay->attributes().backgroundColor = platform::Color::clear();
+  overlay->setContentView(std::make_unique<Square>(platform::Rect{{0, 0}, screen.frame.size}));
+  overlay->orderFrontRegardless();
+  const std::size_t insideTheSquare =
+      static_cast<std::size_t>((private_.height() - 125) * private_.width() + 125);
+  const auto process = [] { QCoreApplication::processEvents(); };
+  ASSERT_TRUE(waitUntil([&] { return private_.screenPixels()[insideTheSquare] == 0xFFFFFF; }, process));
+  EXPECT_EQ(snapshot(), picture);
+
+  // Directly after the overlay has gone, before anything beneath it could paint itself again.
+  overlay->orderOut();
+  EXPECT_EQ(snapshot(), picture);
+}
+
+TEST_F(Snapshot, OfADisplayThatIsNotThereIsNone) {
+  EXPECT_FALSE(displays().createImage(displays().mainDisplayID() + 1).has_value());
+}
+
+}  // namespace
+}  // namespace lumiscan::testing

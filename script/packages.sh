@@ -1,0 +1,33 @@
+# Debian 12 packages, by what needs them. Sourced by script/setup.
+
+# To build.
+build_packages=(
+  g++ cmake ninja-build pkg-config
+  qt6-base-dev qt6-svg-dev
+  libtesseract-dev libleptonica-dev
+  libzxing-dev
+  libxcb1-dev libxcb-shm0-dev libxcb-randr0-dev libxcb-xfixes0-dev libxcb-keysyms1-dev libxcb-xtest0-dev
+  libicu-dev nlohmann-json3-dev
+  libcairo2-dev libfontconfig-dev
+  libsystemd-dev
+  libgtest-dev libgmock-dev libbenchmark-dev
+)
+
+# To run: recognition data for English and a font for the self-test.
+run_packages=(tesseract-ocr-eng fonts-liberation)
+
+# To test, and for script/run where there is no display.
+test_packages=(
+  xvfb openbox xdotool xclip dbus xterm x11-utils x11-xserver-utils imagemagick
+  fonts-dejavu-core
+)
+
+# To keep the house style: script/format and script/tidy.
+style_packages=(clang-format clang-tidy)
+
+# Recognition data for the other languages of the settings window: script/setup --all-languages.
+language_packages=(
+  tesseract-ocr-fra tesseract-ocr-ita tesseract-ocr-deu tesseract-ocr-spa tesseract-ocr-por
+  tesseract-ocr-chi-sim tesseract-ocr-chi-tra tesseract-ocr-jpn tesseract-ocr-kor
+  tesseract-ocr-rus tesseract-ocr-ukr
+)
