@@ -100,19 +100,14 @@ struct Row {
   int distance(const Glyph& glyph) const {
     return std::max({0, top - glyph.box.bottom, glyph.box.top - bottom});
   }
+  int middle() const { return (top + bottom) / 2; }
 };
 
-/// Letters first, from left to right, each to the row it shares most of its height with; then dots, accents
-/// and strokes to the row that is nearest.
-std::vector<TextLine> linesOf(Glyphs glyphs) {
-  if (glyphs.empty()) return {};
-  const int usual = std::max(1, usualHeight(glyphs));
-  std::sort(glyphs.begin(), glyphs.end(),
-            [](const Glyph& a, const Glyph& b) { return a.box.left < b.box.left; });
+/// Rows from what surely is letters, from left to right: each joins the row it shares most of its height
+/// with.
+std::vector<Row> rowsOfLetters(const Glyphs& letters) {
   std::vector<Row> rows;
-  const auto isLetter = [&](const Glyph& glyph) { return glyph.height() * 5 >= usual * 3; };
-  for (const Glyph& glyph : glyphs) {
-    if (!isLetter(glyph)) continue;
+  for (const Glyph& glyph : letters) {
     Row* best = nullptr;
     for (Row& row : rows)
       if (2 * row.overlap(glyph) >= std::min(glyph.height(), row.bottom - row.top + 1) &&
@@ -123,16 +118,35 @@ std::vector<TextLine> linesOf(Glyphs glyphs) {
     else
       rows.emplace_back(glyph);
   }
-  for (const Glyph& glyph : glyphs) {
-    if (isLetter(glyph)) continue;
-    const auto nearest = std::min_element(rows.begin(), rows.end(), [&](const Row& a, const Row& b) {
-      return a.distance(glyph) < b.distance(glyph);
+  return rows;
+}
+
+/// Dots, accents, quotation marks, strokes: each to the row that is nearest.
+void addMarks(std::vector<Row>& rows, const Glyphs& marks, int usual) {
+  const std::size_t letterRows = rows.size();
+  for (const Glyph& mark : marks) {
+    const auto end = rows.begin() + static_cast<std::ptrdiff_t>(letterRows > 0 ? letterRows : rows.size());
+    const auto nearest = std::min_element(rows.begin(), end, [&](const Row& a, const Row& b) {
+      return std::pair(a.distance(mark), std::abs(a.middle() - mark.middle())) <
+             std::pair(b.distance(mark), std::abs(b.middle() - mark.middle()));
     });
-    if (nearest != rows.end() && nearest->distance(glyph) <= usual)
-      nearest->glyphs.push_back(glyph);
+    if (nearest != end && nearest->distance(mark) <= usual)
+      nearest->glyphs.push_back(mark);
     else
-      rows.emplace_back(glyph);
+      rows.emplace_back(mark);
   }
+}
+
+std::vector<TextLine> linesOf(Glyphs glyphs) {
+  if (glyphs.empty()) return {};
+  const int usual = std::max(1, usualHeight(glyphs));
+  std::sort(glyphs.begin(), glyphs.end(),
+            [](const Glyph& a, const Glyph& b) { return a.box.left < b.box.left; });
+  const auto isMark = [&](const Glyph& glyph) { return glyph.height() * 5 < usual * 4; };
+  Glyphs letters, marks;
+  for (const Glyph& glyph : glyphs) (isMark(glyph) ? marks : letters).push_back(glyph);
+  std::vector<Row> rows = rowsOfLetters(letters);
+  addMarks(rows, marks, usual);
   std::sort(rows.begin(), rows.end(), [](const Row& a, const Row& b) { return a.top < b.top; });
   std::vector<TextLine> lines;
   for (Row& row : rows) {
@@ -147,22 +161,28 @@ std::vector<TextLine> linesOf(Glyphs glyphs) {
   return lines;
 }
 
-/// Free stretches between the glyphs along x, each at least `least` pixels wide: where the next part starts.
-std::vector<int> gutters(const Glyphs& glyphs, int least) {
+/// A stretch along x that is free of glyphs.
+struct Gutter {
+  int width;
+  int end;  // Where the glyphs to its right begin.
+};
+
+std::vector<Gutter> gutters(const Glyphs& glyphs, int least) {
   std::vector<PixelBox> boxes;
   for (const Glyph& glyph : glyphs) boxes.push_back(glyph.box);
   std::sort(boxes.begin(), boxes.end(), [](const PixelBox& a, const PixelBox& b) { return a.left < b.left; });
-  std::vector<int> starts;
+  std::vector<Gutter> found;
   int reached = boxes.front().right;
   for (const PixelBox& box : boxes) {
-    if (box.left - reached > least) starts.push_back(box.left);
+    if (box.left - reached > least) found.push_back({box.left - reached - 1, box.left});
     reached = std::max(reached, box.right);
   }
-  return starts;
+  return found;
 }
 
 /// Whether lines left and right of a gutter are those of columns, and not the cells of rows.
-bool areColumns(const std::vector<TextLine>& left, const std::vector<TextLine>& right) {
+bool areColumns(const std::vector<TextLine>& left, const std::vector<TextLine>& right, const Gutter& gutter,
+                int usual) {
   constexpr std::size_t fewest = 3;
   if (left.size() < fewest || right.size() < fewest) return false;
   const auto paired = [](const TextLine& line, const std::vector<TextLine>& others) {
@@ -173,6 +193,8 @@ bool areColumns(const std::vector<TextLine>& left, const std::vector<TextLine>& 
   std::size_t pairs = 0;
   for (const TextLine& line : left) pairs += paired(line, right);
   if (pairs * 10 < std::min(left.size(), right.size()) * 7) return true;
+  constexpr std::size_t fewestOfText = 4;
+  if (gutter.width < 3 * usual || left.size() < fewestOfText || right.size() < fewestOfText) return false;
   // Running text fills its column's width; the cells of a table and the items of a menu don't.
   const auto isRunningText = [](const std::vector<TextLine>& lines) {
     std::vector<int> widths;
@@ -187,10 +209,10 @@ bool areColumns(const std::vector<TextLine>& left, const std::vector<TextLine>& 
 std::vector<TextLine> linesInReadingOrder(const Glyphs& glyphs) {
   if (glyphs.empty()) return {};
   const int usual = std::max(1, usualHeight(glyphs));
-  for (const int start : gutters(glyphs, 3 * usual / 2)) {
+  for (const Gutter& gutter : gutters(glyphs, 2 * usual)) {
     Glyphs left, right;
-    for (const Glyph& glyph : glyphs) (glyph.box.left < start ? left : right).push_back(glyph);
-    if (!areColumns(linesOf(left), linesOf(right))) continue;
+    for (const Glyph& glyph : glyphs) (glyph.box.left < gutter.end ? left : right).push_back(glyph);
+    if (!areColumns(linesOf(left), linesOf(right), gutter, usual)) continue;
     std::vector<TextLine> lines = linesInReadingOrder(left);
     std::vector<TextLine> more = linesInReadingOrder(right);
     std::move(more.begin(), more.end(), std::back_inserter(lines));

@@ -48,7 +48,8 @@ std::string readLine(Engine& engine, const GreyBitmap& ink, const TextLine& line
     for (Symbol& symbol : symbols) symbol.box = image.toImage(symbol.box);
   }
   insertUnderscores(symbols, underscores, letters, line.letterHeight);
-  correctQuotes(symbols, letters, ink);
+  correctQuotes(symbols, letters, ink, line);
+  correctDashes(symbols, letters, line);
   return join(symbols);
 }
 
