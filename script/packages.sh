@@ -18,7 +18,7 @@ run_packages=(tesseract-ocr-eng fonts-liberation)
 
 # To test, and for script/run where there is no display.
 test_packages=(
-  xvfb openbox xdotool xclip dbus xterm x11-utils x11-xserver-utils imagemagick
+  xvfb openbox picom xdotool xclip dbus xterm x11-utils x11-xserver-utils imagemagick
   fonts-dejavu-core
 )
 
@@ -30,4 +30,15 @@ language_packages=(
   tesseract-ocr-fra tesseract-ocr-ita tesseract-ocr-deu tesseract-ocr-spa tesseract-ocr-por
   tesseract-ocr-chi-sim tesseract-ocr-chi-tra tesseract-ocr-jpn tesseract-ocr-kor
   tesseract-ocr-rus tesseract-ocr-ukr
+)
+
+# To make the corpora of Benchmarks/corpus and to compare with other recognisers: Benchmarks/measure.
+benchmark_packages=(
+  python3 python3-pil python3-numpy
+  chromium python3-gi python3-gi-cairo gir1.2-pango-1.0 python3-pyqt6
+  zint
+  tesseract-ocr tesseract-ocr-eng tesseract-ocr-deu zbar-tools
+  fonts-dejavu-core fonts-liberation fonts-noto-core fonts-noto-mono fonts-roboto fonts-cantarell fonts-open-sans
+  fonts-lato fonts-inter fonts-hack fonts-firacode fonts-jetbrains-mono
+  fortunes fortunes-de perl-modules-5.36 libpython3.11-stdlib libstdc++-12-dev linux-libc-dev cmake-data
 )

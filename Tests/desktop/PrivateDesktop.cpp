@@ -2,6 +2,7 @@
 
 #include <xcb/xtest.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -77,8 +78,29 @@ PrivateDesktop::PrivateDesktop() {
   require(waitUntil([&] { return !stringProperty(connection_, root_, check).empty(); }), "no window manager");
 }
 
+void PrivateDesktop::startCompositor() {
+  compositor_ = std::make_unique<Process>(std::vector<std::string>{
+      "picom", "--backend", "xrender", "--config", "/dev/null", "--no-fading-openclose"});
+  const xcb_atom_t selection = atom(connection_, "_NET_WM_CM_S0");
+  require(waitUntil([&] {
+            const auto request = xcb_get_selection_owner(connection_, selection);
+            return owned(xcb_get_selection_owner_reply(connection_, request, nullptr))->owner !=
+                   XCB_WINDOW_NONE;
+          }),
+          "no compositing manager");
+}
+
+void PrivateDesktop::pauseCompositor() const {
+  if (compositor_) compositor_->signal(SIGSTOP);
+}
+
+void PrivateDesktop::resumeCompositor() const {
+  if (compositor_) compositor_->signal(SIGCONT);
+}
+
 PrivateDesktop::~PrivateDesktop() {
   xcb_disconnect(connection_);
+  compositor_.reset();
   windowManager_.reset();
   server_.reset();
   std::error_code ignored;

@@ -25,6 +25,12 @@ class PrivateDesktop {
   PrivateDesktop(const PrivateDesktop&) = delete;
   PrivateDesktop& operator=(const PrivateDesktop&) = delete;
 
+  /// Starts a compositing manager; returns when it runs.
+  void startCompositor();
+  /// Without one these do nothing.
+  void pauseCompositor() const;
+  void resumeCompositor() const;
+
   xcb_connection_t* x() const { return connection_; }
   xcb_window_t root() const { return root_; }
   const std::filesystem::path& home() const { return home_; }
@@ -57,6 +63,7 @@ class PrivateDesktop {
   std::filesystem::path home_;
   std::unique_ptr<Process> server_;
   std::unique_ptr<Process> windowManager_;
+  std::unique_ptr<Process> compositor_;
   xcb_connection_t* connection_ = nullptr;
   xcb_window_t root_ = XCB_WINDOW_NONE;
   int width_ = 0;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
+#include <thread>
 
 #include "desktop/PrivateDesktop.h"
 #include "platform/Application.h"
@@ -13,9 +14,12 @@
 namespace lumiscan::testing {
 namespace {
 
-class Snapshot : public ::testing::Test {
+class Snapshot : public ::testing::TestWithParam<const char*> {
  protected:
-  Snapshot() { platform::Application::shared(); }
+  Snapshot() {
+    if (GetParam() == std::string("Compositor")) private_.startCompositor();
+    platform::Application::shared();
+  }
 
   /// Covers the screen with a picture of which no two neighbours are alike.
   void showPicture() {
@@ -32,10 +36,17 @@ class Snapshot : public ::testing::Test {
       xcb_put_image(x, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, gc, width, 1, 0, static_cast<std::int16_t>(y), 0,
                     24, width * 4U, reinterpret_cast<const std::uint8_t*>(row.data()));
     }
-    const std::uint32_t values[] = {pixmap};
-    xcb_change_window_attributes(x, private_.root(), XCB_CW_BACK_PIXMAP, values);
-    xcb_clear_area(x, 0, private_.root(), 0, 0, 0, 0);
-    private_.focusedWindow();  // Waits for the server.
+    // In a window that the window manager leaves alone.
+    const std::uint32_t values[] = {pixmap, 1};
+    const xcb_window_t window = xcb_generate_id(x);
+    xcb_create_window(x, XCB_COPY_FROM_PARENT, window, private_.root(), 0, 0, width, height, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                      XCB_CW_BACK_PIXMAP | XCB_CW_OVERRIDE_REDIRECT, values);
+    xcb_map_window(x, window);
+    xcb_flush(x);
+    const auto last = static_cast<std::size_t>(width) * height - 1;
+    const std::uint32_t lastColor = ((width - 1U) * 2654435761U + (height - 1U) * 40503U) & 0xFFFFFF;
+    ASSERT_TRUE(waitUntil([&] { return private_.screenPixels()[last] == lastColor; }));
   }
 
   std::vector<std::uint32_t> snapshot() {
@@ -67,30 +78,39 @@ class Square : public platform::View {
   }
 };
 
-TEST_F(Snapshot, IsTheScreenToThePixelAndNothingOfOurs) {
+TEST_P(Snapshot, IsTheScreenToThePixelAndNothingOfOurs) {
   showPicture();
   const auto picture = private_.screenPixels();
   EXPECT_EQ(snapshot(), picture);
 
   const auto screen = displays().screens().at(0);
-  auto overlay = std::make_shared<platform::Window>(screen.frame, platform::windowStyleBorderless);
-  overlay->attributes().level = platform::windowLevelScreenSaver + 1;
-  overlay->attributes().opaque = false;
-  overlay->attributes().backgroundColor = platform::Color::clear();
-  overlay->setContentView(std::make_unique<Square>(platform::Rect{{0, 0}, screen.frame.size}));
-  overlay->orderFrontRegardless();
-  const std::size_t insideTheSquare =
-      static_cast<std::size_t>((private_.height() - 125) * private_.width() + 125);
   const auto process = [] { QCoreApplication::processEvents(); };
-  ASSERT_TRUE(waitUntil([&] { return private_.screenPixels()[insideTheSquare] == 0xFFFFFF; }, process));
-  EXPECT_EQ(snapshot(), picture);
-
-  // Directly after the overlay has gone, before anything beneath it could paint itself again.
-  overlay->orderOut();
-  EXPECT_EQ(snapshot(), picture);
+  const auto insideTheSquare = static_cast<std::size_t>((private_.height() - 125) * private_.width() + 125);
+  for (int i = 0; i < 3; ++i) {
+    auto overlay = std::make_shared<platform::Window>(screen.frame, platform::windowStyleBorderless);
+    overlay->attributes().level = platform::windowLevelScreenSaver + 1;
+    overlay->attributes().opaque = false;
+    overlay->attributes().backgroundColor = platform::Color::clear();
+    overlay->setContentView(std::make_unique<Square>(platform::Rect{{0, 0}, screen.frame.size}));
+    overlay->orderFrontRegardless();
+    ASSERT_TRUE(waitUntil([&] { return private_.screenPixels()[insideTheSquare] == 0xFFFFFF; }, process));
+    // Directly after the overlay has gone, before anything beneath it could paint itself again, and while the
+    // compositor, if there is one, is busy with something else.
+    private_.pauseCompositor();
+    overlay->orderOut();
+    std::thread busy([this] {
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+      private_.resumeCompositor();
+    });
+    EXPECT_EQ(snapshot(), picture);
+    busy.join();
+  }
 }
 
-TEST_F(Snapshot, OfADisplayThatIsNotThereIsNone) {
+INSTANTIATE_TEST_SUITE_P(, Snapshot, ::testing::Values("NoCompositor", "Compositor"),
+                         [](const auto& run) { return std::string(run.param); });
+
+TEST_P(Snapshot, OfADisplayThatIsNotThereIsNone) {
   EXPECT_FALSE(displays().createImage(displays().mainDisplayID() + 1).has_value());
 }
 

@@ -11,10 +11,10 @@
 #include <QTimer>
 #include <chrono>
 #include <cmath>
+#include <optional>
 
 #include "platform/linux/Application.h"
 #include "platform/linux/Graphics.h"
-#include "platform/linux/x11/Display.h"
 #include "platform/linux/x11/Focus.h"
 #include "platform/linux/x11/KeyCodes.h"
 
@@ -50,16 +50,17 @@ platform::DisplayID OverlaySession::displayAt(const platform::Rect& frame) const
   return displays_.layout().displayAt(frame);
 }
 
-std::optional<platform::Image> OverlaySession::overlayOpens(platform::DisplayID display) {
+x11::X11Displays::OverlayGround OverlaySession::overlayOpens(platform::DisplayID display) {
   ++openOverlays_;
   ++generation_;
-  return displays_.freeze(display);
+  return displays_.overlayOpens(display);
 }
 
 void OverlaySession::overlayTakesFocus(xcb_window_t window) { focus_.take(window); }
 
 void OverlaySession::overlayClosed() {
   if (--openOverlays_ > 0) return;
+  displays_.overlaysClosed();
   focus_.giveBack();
   QTimer::singleShot(repaintTime, &context_, [this, closed = generation_] {
     if (closed == generation_) displays_.thaw();
@@ -70,13 +71,13 @@ void OverlaySession::overlayClosed() {
 class OverlayPeer::OverlayWindow : public QRasterWindow {
  public:
   OverlayWindow(platform::Window& window, platform::DisplayID display,
-                const std::optional<platform::Image>& frozenDesktop)
-      : window_(window.weak_from_this()), height_(window.frame().size.height) {
+                const x11::X11Displays::OverlayGround& ground)
+      : window_(window.weak_from_this()), height_(window.frame().size.height), mark_(ground.mark) {
     QScreen* const screen = qtScreen(display);
     setScreen(screen);
     setFlags(Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::BypassWindowManagerHint);
-    if (frozenDesktop) {
-      frozen_ = imageSharing(*frozenDesktop, screen->devicePixelRatio());
+    if (ground.frozenDesktop) {
+      frozen_ = imageSharing(*ground.frozenDesktop, screen->devicePixelRatio());
     } else {
       QSurfaceFormat format;
       format.setAlphaBufferSize(8);
@@ -106,6 +107,7 @@ class OverlayPeer::OverlayWindow : public QRasterWindow {
     const QRect dirty = event->region().boundingRect();
     window->draw(context, {{double(dirty.x()), height_ - dirty.bottom() - 1},
                            {double(dirty.width()), double(dirty.height())}});
+    paintMark(painter);
   }
 
   void mousePressEvent(QMouseEvent* event) override {
@@ -128,6 +130,14 @@ class OverlayPeer::OverlayWindow : public QRasterWindow {
   }
 
  private:
+  void paintMark(QPainter& painter) const {
+    if (!mark_) return;
+    const double pixel = 1 / devicePixelRatio();
+    painter.setTransform(QTransform::fromScale(pixel, pixel));
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    painter.fillRect(QRect(mark_->x, mark_->y, 1, 1), QColor::fromRgb(mark_->color));
+  }
+
   void send(platform::Window::MousePhase phase, const QMouseEvent* event) {
     const QPointF position = event->position();
     if (const auto window = window_.lock())
@@ -137,12 +147,13 @@ class OverlayPeer::OverlayWindow : public QRasterWindow {
   std::weak_ptr<platform::Window> window_;
   double height_;
   QImage frozen_;
+  std::optional<x11::X11Displays::Mark> mark_;
 };
 
 OverlayPeer::OverlayPeer(platform::Window& window, OverlaySession& session)
     : window_(window), session_(session) {}
 
-OverlayPeer::~OverlayPeer() { orderOut(); }
+OverlayPeer::~OverlayPeer() { OverlayPeer::orderOut(); }
 
 void OverlayPeer::orderFront() {
   if (!open_) {

@@ -4,20 +4,18 @@
 
 #include <QObject>
 #include <memory>
-#include <optional>
 
-#include "platform/Image.h"
 #include "platform/Screen.h"
 #include "platform/Window.h"
+#include "platform/linux/x11/Display.h"
 
 namespace lumiscan::desktop {
 
 namespace x11 {
 class FocusLoan;
-class X11Displays;
 }  // namespace x11
 
-/// What all overlays share while any of them shows: the frozen desktop and the borrowed focus.
+/// What all overlays share while any of them shows: the desktop behind them and the borrowed focus.
 class OverlaySession {
  public:
   /// Both outlive the session.
@@ -25,9 +23,8 @@ class OverlaySession {
 
   /// The display that shows the middle of `frame` (global screen space).
   platform::DisplayID displayAt(const platform::Rect& frame) const;
-  /// Called before an overlay over `display` shows; the frozen desktop for it to paint, or nothing where a
-  /// compositor shows the desktop through it.
-  std::optional<platform::Image> overlayOpens(platform::DisplayID display);
+  /// Called before an overlay over `display` shows; what it has to paint.
+  x11::X11Displays::OverlayGround overlayOpens(platform::DisplayID display);
   void overlayTakesFocus(xcb_window_t window);
   void overlayClosed();
 

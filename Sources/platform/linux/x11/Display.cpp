@@ -2,6 +2,9 @@
 
 #include <xcb/randr.h>
 
+#include <cstring>
+#include <thread>
+
 #include "platform/linux/x11/Snapshot.h"
 
 namespace lumiscan::desktop::x11 {
@@ -100,27 +103,80 @@ std::optional<platform::Image> X11Displays::snapshot(platform::DisplayID display
   return pixels ? takeSnapshot(*x, *pixels) : std::nullopt;
 }
 
+std::optional<std::uint32_t> X11Displays::pixelColor(platform::DisplayID display, int x, int y) const {
+  const auto server = connection();
+  const auto pixels = layout().pixels(display);
+  if (!server || !pixels) return std::nullopt;
+  const auto image = takeSnapshot(*server, {{pixels->origin.x + x, pixels->origin.y + y}, {1, 1}});
+  if (!image) return std::nullopt;
+  std::uint32_t color = 0;
+  std::memcpy(&color, image->row(0), sizeof color);
+  return color & 0xFFFFFF;
+}
+
 std::optional<platform::Image> X11Displays::createImage(platform::DisplayID display) {
   {
     const std::lock_guard lock(mutex_);
     if (const auto frozen = frozen_.find(display); frozen != frozen_.end()) return frozen->second;
   }
+  waitForRepaint(display);
   return snapshot(display);
 }
 
-std::optional<platform::Image> X11Displays::freeze(platform::DisplayID display) {
-  const auto x = connection();
-  if (!x || hasCompositor(x->get())) return std::nullopt;
-  auto picture = createImage(display);
-  if (!picture) return std::nullopt;
+void X11Displays::waitForRepaint(platform::DisplayID display) {
+  // A ground that has changed meanwhile never comes back: then the time itself must do.
+  constexpr auto longestRepaint = std::chrono::milliseconds(100);
+  constexpr auto betweenLooks = std::chrono::milliseconds(2);
+  std::optional<Mark> mark;
+  std::chrono::steady_clock::time_point end;
+  {
+    const std::lock_guard lock(mutex_);
+    if (const auto found = marks_.find(display); found != marks_.end()) mark = found->second;
+    end = overlaysClosedAt_ + longestRepaint;
+  }
+  if (!mark) return;
+  while (std::chrono::steady_clock::now() < end && pixelColor(display, mark->x, mark->y) != mark->ground)
+    std::this_thread::sleep_for(betweenLooks);
+}
+
+X11Displays::OverlayGround X11Displays::overlayOpens(platform::DisplayID display) {
+  const auto server = connection();
+  const auto pixels = layout().pixels(display);
+  if (!server || !pixels) return {};
+  OverlayGround ground;
+  if (hasCompositor(server->get())) {
+    {
+      // A session that follows at once may see the mark of the last one for its ground.
+      const std::lock_guard lock(mutex_);
+      if (const auto known = marks_.find(display); known != marks_.end()) return {{}, known->second};
+    }
+    // At the middle of the right edge, where the fewest desktops have something that moves.
+    Mark mark{static_cast<int>(pixels->size.width) - 1, static_cast<int>(pixels->size.height) / 2, 0, 0};
+    const auto color = pixelColor(display, mark.x, mark.y);
+    if (!color) return {};
+    mark.ground = *color;
+    mark.color = *color ^ 1;
+    ground.mark = mark;
+    const std::lock_guard lock(mutex_);
+    marks_.insert_or_assign(display, mark);
+  } else {
+    ground.frozenDesktop = createImage(display);
+    if (!ground.frozenDesktop) return {};
+    const std::lock_guard lock(mutex_);
+    frozen_.insert_or_assign(display, *ground.frozenDesktop);
+  }
+  return ground;
+}
+
+void X11Displays::overlaysClosed() {
   const std::lock_guard lock(mutex_);
-  frozen_.insert_or_assign(display, *picture);
-  return picture;
+  overlaysClosedAt_ = std::chrono::steady_clock::now();
 }
 
 void X11Displays::thaw() {
   const std::lock_guard lock(mutex_);
   frozen_.clear();
+  marks_.clear();
 }
 
 }  // namespace lumiscan::desktop::x11

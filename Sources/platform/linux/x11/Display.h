@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -17,6 +19,10 @@ namespace lumiscan::desktop::x11 {
 /// themselves again once it is gone. So the desktop is frozen before an overlay is shown: the overlay paints
 /// the frozen picture, and pictures are taken from it, which is what the user saw, until shortly after the
 /// overlay has gone.
+///
+/// With one, the screen keeps showing an overlay that has gone until the compositor has painted it anew. So
+/// each overlay paints one pixel in a colour a shade off its ground, and a picture waits until the ground is
+/// back.
 class X11Displays : public platform::Displays {
  public:
   std::vector<platform::Screen> screens() const override;
@@ -39,21 +45,40 @@ class X11Displays : public platform::Displays {
   /// By the output's name. Any thread.
   void setToolkitScreens(std::map<std::string, ToolkitScreen> screens);
 
-  /// The display's picture as it was before the first overlay, which this call keeps; nothing where a
-  /// compositor runs, or when it can't be taken.
-  std::optional<platform::Image> freeze(platform::DisplayID display);
-  /// Ends the use of frozen pictures.
+  /// A pixel of a display that an overlay paints: `x` and `y` from the display's top left, y downwards;
+  /// colours as 0xRRGGBB.
+  struct Mark {
+    int x = 0;
+    int y = 0;
+    std::uint32_t ground = 0;
+    std::uint32_t color = 0;
+  };
+  /// What an overlay has to paint: without a compositor the desktop as it was before the first overlay, with
+  /// one the mark. Neither when no picture can be taken.
+  struct OverlayGround {
+    std::optional<platform::Image> frozenDesktop;
+    std::optional<Mark> mark;
+  };
+  /// Called before an overlay over the display shows.
+  OverlayGround overlayOpens(platform::DisplayID display);
+  /// Called when the last overlay has been hidden.
+  void overlaysClosed();
+  /// Ends the use of frozen pictures: what is beneath the overlays has painted itself by now.
   void thaw();
 
  private:
   /// The connection, opened again after a loss; null while no server answers.
   std::shared_ptr<Connection> connection() const;
   std::optional<platform::Image> snapshot(platform::DisplayID display) const;
+  std::optional<std::uint32_t> pixelColor(platform::DisplayID display, int x, int y) const;
+  void waitForRepaint(platform::DisplayID display);
 
   mutable std::mutex mutex_;
   mutable std::shared_ptr<Connection> connection_;
   std::map<std::string, ToolkitScreen> toolkitScreens_;
   std::map<platform::DisplayID, platform::Image> frozen_;
+  std::map<platform::DisplayID, Mark> marks_;
+  std::chrono::steady_clock::time_point overlaysClosedAt_;
 };
 
 }  // namespace lumiscan::desktop::x11
