@@ -114,7 +114,7 @@ void readAll(const Arguments& arguments, const Read& read, const Compare& compar
 }
 
 void measureText(const Arguments& arguments) {
-  // What a session does while the user is still selecting.
+  // As the program does while the user is still selecting.
   lumiscan::OCRService::prepare(arguments.languages);
   lumiscan::benchmark::TextAccuracy accuracy;
   readAll(

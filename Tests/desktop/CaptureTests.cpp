@@ -58,18 +58,21 @@ class CaptureTest : public ::testing::Test {
     return dark > 200;
   }
 
-  /// Whether some program holds the default shortcut: taking it is refused then.
+  /// Whether some program holds the default shortcut: taking it is refused then. The server serves nobody
+  /// else meanwhile, so that this try gets in no program's way.
   bool shortcutIsTaken() const {
     xcb_connection_t* x = desktop_.x();
-    const auto request = xcb_grab_key_checked(x, 1, desktop_.root(), XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_4,
-                                              KEY_2 + 8, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
-    if (xcb_generic_error_t* error = xcb_request_check(x, request)) {
-      std::free(error);
-      return true;
-    }
-    xcb_ungrab_key(x, KEY_2 + 8, desktop_.root(), XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_4);
+    constexpr std::uint16_t modifiers = XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_4;
+    constexpr xcb_keycode_t key = KEY_2 + 8;
+    xcb_grab_server(x);
+    const auto request =
+        xcb_grab_key_checked(x, 1, desktop_.root(), modifiers, key, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    const std::unique_ptr<xcb_generic_error_t, decltype(&std::free)> refusal(xcb_request_check(x, request),
+                                                                             &std::free);
+    if (!refusal) xcb_ungrab_key(x, key, desktop_.root(), modifiers);
+    xcb_ungrab_server(x);
     xcb_flush(x);
-    return false;
+    return refusal != nullptr;
   }
 
   void pressShortcut() { desktop_.pressKeys({KEY_LEFTMETA, KEY_LEFTSHIFT, KEY_2}); }

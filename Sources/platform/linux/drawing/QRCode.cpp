@@ -43,13 +43,12 @@ platform::Image drawModules(const ZXing::BitMatrix& modules) {
 }  // namespace
 
 std::optional<platform::Image> makeQRCode(std::string_view message, platform::QRCorrectionLevel level) {
-  // One character a byte, in the encoding whose characters are the bytes: the code then holds the message's
-  // own bytes, without a mark of their encoding, which older readers stumble over.
+  // One character a byte: the writer's own encoding, Latin-1, turns each back into its byte, and without a
+  // word about an encoding it adds no mark of it to the code, which older readers stumble over.
   std::wstring bytes;
   for (const char byte : message) bytes += static_cast<wchar_t>(static_cast<unsigned char>(byte));
   try {
     return drawModules(ZXing::MultiFormatWriter(ZXing::BarcodeFormat::QRCode)
-                           .setEncoding(ZXing::CharacterSet::ISO8859_1)
                            .setEccLevel(writerLevel(level))
                            .setMargin(4)
                            .encode(bytes, 0, 0));

@@ -74,6 +74,22 @@ class ContrastCells {
   std::vector<bool> busy_;
 };
 
+/// Two neighbours that a pixel lies between after enlargement, and the share of the second one in it, out of
+/// twice the factor: pixel centres then fall on whole numbers.
+struct Blend {
+  int first, second, share;
+};
+
+std::vector<Blend> blends(int size, int factor) {
+  std::vector<Blend> result;
+  for (int i = 0; i < size * factor; ++i) {
+    const int position = std::clamp(2 * i + 1 - factor, 0, (size - 1) * 2 * factor);
+    const int first = position / (2 * factor);
+    result.push_back({first, std::min(first + 1, size - 1), position % (2 * factor)});
+  }
+  return result;
+}
+
 }  // namespace
 
 std::vector<PixelBox> regionsOfInterest(const GreyBitmap& image) {
@@ -106,26 +122,19 @@ GreyBitmap enlargedPart(const GreyBitmap& image, const PixelBox& part, int facto
         result.at(x, y) = image.at(part.left + x / factor, part.top + y / factor);
     return result;
   }
-  // Bilinear, in steps of half a small pixel: pixel centres lie between those of the original.
-  const int step = 2 * factor;
-  const auto locate = [&](int position, int size) {
-    const int doubled = std::clamp(2 * position + 1 - factor, 0, (size - 1) * step);
-    return std::pair(std::min(doubled / step, size - 2 < 0 ? 0 : size - 2), doubled);
-  };
+  const std::vector<Blend> columns = blends(width, factor);
+  const std::vector<Blend> rows = blends(height, factor);
+  const int whole = 2 * factor;
   for (int y = 0; y < result.height; ++y) {
-    const auto [row, doubledY] = locate(y, height);
-    const int nextRow = std::min(row + 1, height - 1);
-    const int lower = doubledY - row * step;
+    const Blend& row = rows[static_cast<std::size_t>(y)];
     for (int x = 0; x < result.width; ++x) {
-      const auto [column, doubledX] = locate(x, width);
-      const int nextColumn = std::min(column + 1, width - 1);
-      const int right = doubledX - column * step;
-      const auto across = [&](int r) {
-        return image.at(part.left + column, part.top + r) * (step - right) +
-               image.at(part.left + nextColumn, part.top + r) * right;
+      const Blend& column = columns[static_cast<std::size_t>(x)];
+      const auto across = [&](int inPart) {
+        return image.at(part.left + column.first, part.top + inPart) * (whole - column.share) +
+               image.at(part.left + column.second, part.top + inPart) * column.share;
       };
-      result.at(x, y) =
-          static_cast<std::uint8_t>((across(row) * (step - lower) + across(nextRow) * lower) / (step * step));
+      const int sum = across(row.first) * (whole - row.share) + across(row.second) * row.share;
+      result.at(x, y) = static_cast<std::uint8_t>(sum / (whole * whole));
     }
   }
   return result;

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <iterator>
 #include <tuple>
 #include <utility>
 
@@ -30,6 +29,14 @@ PixelBox boxAround(const ZXing::Position& position) {
 
 bool overlap(const PixelBox& a, const PixelBox& b) {
   return a.left <= b.right && b.left <= a.right && a.top <= b.bottom && b.top <= a.bottom;
+}
+
+/// Whether the same code is among those found already.
+bool isKnown(const FoundCode& code, const std::vector<FoundCode>& found) {
+  return std::any_of(found.begin(), found.end(), [&](const FoundCode& other) {
+    return other.result.format() == code.result.format() && other.result.bytes() == code.result.bytes() &&
+           overlap(other.box, code.box);
+  });
 }
 
 /// One image, or a part of one enlarged, and what was found in it. What is found is painted over, so that
@@ -76,13 +83,10 @@ class Search {
     if (!result.isValid()) return;
     PixelBox box = boxAround(result.position());
     box = {box.left + dx, box.top + dy, box.right + dx, box.bottom + dy};
-    const bool known = std::any_of(found_.begin(), found_.end(), [&](const FoundCode& other) {
-      return other.result.format() == result.format() && other.result.bytes() == result.bytes() &&
-             overlap(other.box, box);
-    });
-    if (known) return;
+    FoundCode code{std::move(result), box};
+    if (isKnown(code, found_)) return;
     paintOver(box);
-    found_.push_back({std::move(result), box});
+    found_.push_back(std::move(code));
   }
 
   void paintOver(const PixelBox& box) {
@@ -237,18 +241,23 @@ std::vector<FoundCode> searchCodes(const GreyBitmap& image, BarcodeFormats forma
   std::vector<FoundCode> found = search.takeFound();
   if (!found.empty()) return found;
 
-  constexpr int wholeUpTo = 500'000;  // Pixels; of larger images only what may be a code is enlarged.
-  std::vector<PixelBox> parts;
-  if (image.width * image.height <= wholeUpTo)
-    parts.push_back({0, 0, image.width - 1, image.height - 1});
-  else
+  // Of a large image only what may be a code is enlarged, and a part that is large itself holds no small one.
+  constexpr int largestPart = 500'000;  // Pixels.
+  const auto isSmall = [](const PixelBox& box) {
+    return (box.right - box.left + 1) * (box.bottom - box.top + 1) <= largestPart;
+  };
+  std::vector<PixelBox> parts{{0, 0, image.width - 1, image.height - 1}};
+  if (!isSmall(parts.front())) {
     parts = regionsOfInterest(image);
+    std::erase_if(parts, [&](const PixelBox& box) { return !isSmall(box); });
+  }
   constexpr std::array<Enlargement, 4> looks{{{1, false}, {3, false}, {2, true}, {4, true}}};
   for (const Enlargement& look : looks) {
     for (const PixelBox& part : parts)
       for (const bool lightOnDark : {false, true}) {
         std::vector<FoundCode> more = searchEnlarged(image, part, formats, look, lightOnDark);
-        std::move(more.begin(), more.end(), std::back_inserter(found));
+        for (FoundCode& code : more)
+          if (!isKnown(code, found)) found.push_back(std::move(code));
         if (!more.empty()) break;
       }
     if (!found.empty()) break;

@@ -7,8 +7,8 @@
 
 namespace lumiscan::desktop {
 
-/// Splits off the underscores of a line: the engine's models hardly know them. `letterHeight` is that of
-/// the line.
+/// Takes the underscores out of a line's glyphs: the engine's models hardly know them. Underlines go with
+/// them and are not returned.
 std::vector<Glyph> takeUnderscores(std::vector<Glyph>& glyphs, const TextLine& line);
 
 /// Puts the underscores back between the symbols that were read without them, all boxes in pixels of the
@@ -23,5 +23,11 @@ void correctQuotes(std::vector<Symbol>& symbols, const std::vector<Glyph>& glyph
 
 /// Makes a dash as many hyphens where there are several strokes.
 void correctDashes(std::vector<Symbol>& symbols, const std::vector<Glyph>& glyphs, const TextLine& line);
+
+/// Adds and removes spaces where the width of the gap leaves no doubt.
+void correctSpaces(std::vector<Symbol>& symbols, const std::vector<Glyph>& glyphs, const TextLine& line);
+
+/// Reads the zero in front of hexadecimal digits as one.
+void correctHexadecimals(std::vector<Symbol>& symbols);
 
 }  // namespace lumiscan::desktop

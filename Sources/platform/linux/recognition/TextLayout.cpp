@@ -5,8 +5,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <iterator>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace lumiscan::desktop {
 
@@ -34,7 +36,7 @@ std::optional<int> inkThreshold(const GreyBitmap& ink) {
   for (const std::uint8_t value : ink.pixels)
     if (value >= faint) values.push_back(value);
   if (values.empty()) return std::nullopt;
-  return std::max(faint, levelAt(std::move(values), 0.95) * 2 / 5);
+  return std::max(faint, levelAt(std::move(values), 0.95) * 1 / 4);
 }
 
 Glyphs connectedPieces(const GreyBitmap& ink, int threshold) {
@@ -67,11 +69,54 @@ int usualHeight(const Glyphs& glyphs) {
   return heights.empty() ? 0 : levelAt(std::move(heights), 0.5);
 }
 
-bool isRuleOrFrame(const Glyph& glyph, int usual) {
-  const bool horizontal = glyph.width() > 12 * usual && glyph.height() <= std::max(3, usual / 3);
-  const bool vertical = glyph.height() > 3 * usual && glyph.width() <= std::max(3, usual / 3);
-  const bool large = glyph.height() > 5 * usual;
-  return horizontal || vertical || large;
+bool isInside(const PixelBox& inner, const PixelBox& outer) {
+  return inner.left > outer.left && inner.right < outer.right && inner.top > outer.top &&
+         inner.bottom < outer.bottom;
+}
+
+/// Whether a piece is drawn around or beside the text: a rule, a frame, a border at the edge of the image, a
+/// caret there. No letter reaches from edge to edge, and none has several others inside.
+bool isRuleOrFrame(const Glyph& glyph, const Glyphs& all, int usual, const GreyBitmap& image) {
+  const bool atLeft = glyph.box.left == 0;
+  const bool atRight = glyph.box.right == image.width - 1;
+  const bool atTop = glyph.box.top == 0;
+  const bool atBottom = glyph.box.bottom == image.height - 1;
+  const bool fromTopToBottom = atTop && atBottom;
+  // What lies beside or beneath a window that was cropped with its border.
+  const bool isBandAtEdge =
+      (atLeft && atRight && atTop != atBottom) || (fromTopToBottom && atLeft != atRight);
+  if (isBandAtEdge) return true;
+  const bool flat = glyph.height() <= std::max(3, usual / 3);
+  const bool slender = glyph.width() <= std::max(3, usual / 3);
+  if (flat && (glyph.width() > 12 * usual || (atLeft && atRight))) return true;
+  if (slender && (glyph.height() > 3 * usual || fromTopToBottom)) return true;
+  const bool isCaret =
+      slender && (atLeft || atRight) && 5 * glyph.height() > 6 * usual && glyph.height() >= 6 * glyph.width();
+  if (isCaret || glyph.height() > 5 * usual) return true;
+  if (2 * glyph.height() < 3 * usual) return false;
+  const auto inside = std::count_if(all.begin(), all.end(),
+                                    [&](const Glyph& other) { return isInside(other.box, glyph.box); });
+  return inside > 1 || (inside == 1 && glyph.width() > 2 * usual && glyph.height() > 2 * usual);
+}
+
+/// A text cursor before or behind all text: the one tall stroke there is. A vertical bar in text has others
+/// beside it, in tables and pipes, or stands between words.
+std::optional<std::size_t> caretIn(const Glyphs& glyphs, int usual) {
+  const auto isTallStroke = [&](const Glyph& glyph) {
+    return glyph.width() <= std::max(3, usual / 3) && 10 * glyph.height() >= 19 * usual;
+  };
+  if (std::count_if(glyphs.begin(), glyphs.end(), isTallStroke) != 1) return std::nullopt;
+  const auto stroke = std::find_if(glyphs.begin(), glyphs.end(), isTallStroke);
+  const auto behind = [&](const Glyph& other) {
+    return &other == &*stroke || other.box.left > stroke->box.right;
+  };
+  const auto before = [&](const Glyph& other) {
+    return &other == &*stroke || other.box.right < stroke->box.left;
+  };
+  if (!std::all_of(glyphs.begin(), glyphs.end(), behind) &&
+      !std::all_of(glyphs.begin(), glyphs.end(), before))
+    return std::nullopt;
+  return static_cast<std::size_t>(stroke - glyphs.begin());
 }
 
 PixelBox boxAround(const Glyphs& glyphs) {
@@ -121,20 +166,28 @@ std::vector<Row> rowsOfLetters(const Glyphs& letters) {
   return rows;
 }
 
+/// How far a mark is from a row. Flat strokes stand below their row, as underscores do, or in it.
+int markDistance(const Row& row, const Glyph& mark, int usual) {
+  const bool flat = mark.width() >= 3 * mark.height();
+  return row.distance(mark) + (flat && mark.box.bottom < row.top ? usual / 2 : 0);
+}
+
 /// Dots, accents, quotation marks, strokes: each to the row that is nearest.
 void addMarks(std::vector<Row>& rows, const Glyphs& marks, int usual) {
-  const std::size_t letterRows = rows.size();
+  Glyphs apart;
   for (const Glyph& mark : marks) {
-    const auto end = rows.begin() + static_cast<std::ptrdiff_t>(letterRows > 0 ? letterRows : rows.size());
-    const auto nearest = std::min_element(rows.begin(), end, [&](const Row& a, const Row& b) {
-      return std::pair(a.distance(mark), std::abs(a.middle() - mark.middle())) <
-             std::pair(b.distance(mark), std::abs(b.middle() - mark.middle()));
+    const auto nearest = std::min_element(rows.begin(), rows.end(), [&](const Row& a, const Row& b) {
+      return std::pair(markDistance(a, mark, usual), std::abs(a.middle() - mark.middle())) <
+             std::pair(markDistance(b, mark, usual), std::abs(b.middle() - mark.middle()));
     });
-    if (nearest != end && nearest->distance(mark) <= usual)
+    if (nearest != rows.end() && nearest->distance(mark) <= usual)
       nearest->glyphs.push_back(mark);
     else
-      rows.emplace_back(mark);
+      apart.push_back(mark);
   }
+  // Lines of nothing but marks.
+  std::vector<Row> more = rowsOfLetters(apart);
+  std::move(more.begin(), more.end(), std::back_inserter(rows));
 }
 
 std::vector<TextLine> linesOf(Glyphs glyphs) {
@@ -187,20 +240,27 @@ bool areColumns(const std::vector<TextLine>& left, const std::vector<TextLine>& 
   if (left.size() < fewest || right.size() < fewest) return false;
   const auto paired = [](const TextLine& line, const std::vector<TextLine>& others) {
     return std::any_of(others.begin(), others.end(), [&](const TextLine& other) {
-      return std::abs(line.baseline - other.baseline) * 4 <= line.letterHeight;
+      const int top = std::max(line.box.top, other.box.top);
+      const int bottom = std::min(line.box.bottom, other.box.bottom);
+      const int lower = std::min(line.box.bottom - line.box.top, other.box.bottom - other.box.top);
+      return 4 * (bottom - top) >= 3 * lower;
     });
   };
   std::size_t pairs = 0;
   for (const TextLine& line : left) pairs += paired(line, right);
   if (pairs * 10 < std::min(left.size(), right.size()) * 7) return true;
-  constexpr std::size_t fewestOfText = 4;
-  if (gutter.width < 3 * usual || left.size() < fewestOfText || right.size() < fewestOfText) return false;
-  // Running text fills its column's width; the cells of a table and the items of a menu don't.
-  const auto isRunningText = [](const std::vector<TextLine>& lines) {
+  if (2 * gutter.width < 5 * usual) return false;
+  // Running text has several words a line and fills its column's width; the cells of a table and the items of
+  // a menu don't.
+  const auto isRunningText = [&](const std::vector<TextLine>& lines) {
     std::vector<int> widths;
-    for (const TextLine& line : lines) widths.push_back(line.box.right - line.box.left);
+    std::size_t words = 0;
+    for (const TextLine& line : lines) {
+      widths.push_back(line.box.right - line.box.left);
+      words += 1 + gutters(line.glyphs, 3 * usual / 5).size();
+    }
     const int widest = *std::max_element(widths.begin(), widths.end());
-    return widest > 15 * lines.front().letterHeight && levelAt(widths, 0.4) * 10 >= widest * 8;
+    return 10 * words >= 33 * lines.size() && widest > 12 * usual && levelAt(widths, 0.5) * 10 >= widest * 7;
   };
   return isRunningText(left) && isRunningText(right);
 }
@@ -226,11 +286,14 @@ std::vector<TextLine> linesInReadingOrder(const Glyphs& glyphs) {
 std::vector<TextLine> findTextLines(const GreyBitmap& ink) {
   const std::optional<int> threshold = inkThreshold(ink);
   if (!threshold) return {};
-  Glyphs glyphs = connectedPieces(ink, *threshold);
+  const Glyphs glyphs = connectedPieces(ink, *threshold);
   const int usual = usualHeight(glyphs);
   if (usual == 0) return {};
-  std::erase_if(glyphs, [&](const Glyph& glyph) { return isRuleOrFrame(glyph, usual); });
-  return linesInReadingOrder(glyphs);
+  Glyphs kept;
+  std::copy_if(glyphs.begin(), glyphs.end(), std::back_inserter(kept),
+               [&](const Glyph& glyph) { return !isRuleOrFrame(glyph, glyphs, usual, ink); });
+  if (const auto caret = caretIn(kept, usual)) kept.erase(kept.begin() + static_cast<std::ptrdiff_t>(*caret));
+  return linesInReadingOrder(kept);
 }
 
 }  // namespace lumiscan::desktop

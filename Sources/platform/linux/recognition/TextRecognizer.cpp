@@ -2,6 +2,7 @@
 
 #include <malloc.h>
 
+#include <algorithm>
 #include <chrono>
 #include <exception>
 #include <mutex>
@@ -14,6 +15,7 @@
 #include "platform/linux/recognition/ImagePreparation.h"
 #include "platform/linux/recognition/LanguageData.h"
 #include "platform/linux/recognition/LineImage.h"
+#include "platform/linux/recognition/Plausibility.h"
 #include "platform/linux/recognition/TextLayout.h"
 #include "platform/linux/recognition/Utf8.h"
 
@@ -32,25 +34,38 @@ std::string join(const std::vector<Symbol>& symbols) {
   return repairedUtf8(text);
 }
 
+/// English last among languages of the Latin script: its models lack the others' letters, and a first
+/// language's reading without accents would stand before the right one is asked for.
+void moveEnglishBack(std::vector<std::string>& names) {
+  constexpr std::string_view otherScripts[] = {"chi_sim", "chi_tra", "jpn", "kor", "rus", "ukr", "ara", "bel",
+                                               "bul",     "ben",     "ell", "fas", "heb", "hin", "hye", "kat",
+                                               "mkd",     "srp",     "tam", "tel", "tha", "urd"};
+  const auto isLatin = [&](const std::string& name) {
+    return std::find(std::begin(otherScripts), std::end(otherScripts), name) == std::end(otherScripts);
+  };
+  const auto english = std::find(names.begin(), names.end(), "eng");
+  if (english != names.end() && std::all_of(names.begin(), names.end(), isLatin))
+    std::rotate(english, english + 1, names.end());
+}
+
 bool isBlank(const std::string& text) { return text.find_first_not_of(" \t\r\n\f\v") == std::string::npos; }
 
-/// The text of one line; blank when there is none in it.
-std::string readLine(Engine& engine, const GreyBitmap& ink, const TextLine& line) {
+ReadLine readLine(Engine& engine, const GreyBitmap& ink, const TextLine& line) {
   std::vector<Glyph> letters = line.glyphs;
   const std::vector<Glyph> underscores = takeUnderscores(letters, line);
-  std::vector<Symbol> symbols;
-  if (!letters.empty()) {
-    const LineImage image = drawLine(ink, line, letters);
-    LineReading reading = engine.readLine(image.bitmap);
-    constexpr double leastConfidence = 30;
-    if (reading.confidence < leastConfidence) return {};
-    symbols = std::move(reading.symbols);
-    for (Symbol& symbol : symbols) symbol.box = image.toImage(symbol.box);
-  }
+  // Strokes below nothing are a rule.
+  if (letters.empty()) return {};
+  const LineImage image = drawLine(ink, line, letters);
+  LineReading reading = engine.readLine(image.bitmap);
+  std::vector<Symbol>& symbols = reading.symbols;
+  for (Symbol& symbol : symbols) symbol.box = image.toImage(symbol.box);
+  const std::size_t count = symbols.size();
+  correctSpaces(symbols, letters, line);
   insertUnderscores(symbols, underscores, letters, line.letterHeight);
   correctQuotes(symbols, letters, ink, line);
   correctDashes(symbols, letters, line);
-  return join(symbols);
+  correctHexadecimals(symbols);
+  return {join(symbols), reading.confidence, line.letterHeight, count, letters.size()};
 }
 
 }  // namespace
@@ -81,6 +96,7 @@ struct TesseractRecognizer::State {
     LanguageData::Selection selection = data.select(languages);
     for (const std::string& tag : selection.missing) logMissing(tag);
     if (selection.names.empty()) return std::nullopt;
+    moveEnglishBack(selection.names);
     return EngineKey{std::move(selection.names), dictionaries};
   }
 
@@ -100,11 +116,14 @@ struct TesseractRecognizer::State {
     if (!borrowed.ok()) return borrowed.error();
     const std::shared_ptr<Engine> engine = std::move(borrowed).value();
     const GreyBitmap ink = inkOf(image);
-    std::vector<TextObservation> observations;
+    std::vector<ReadLine> lines;
     for (const TextLine& line : findTextLines(ink)) {
-      std::string text = readLine(*engine, ink, line);
-      if (!isBlank(text)) observations.push_back({{std::move(text)}});
+      lines.push_back(readLine(*engine, ink, line));
+      if (isBlank(lines.back().text)) lines.pop_back();
     }
+    dropImplausible(lines);
+    std::vector<TextObservation> observations;
+    for (ReadLine& line : lines) observations.push_back({{std::move(line.text)}});
     return observations;
   }
 };

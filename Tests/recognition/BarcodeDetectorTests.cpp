@@ -1,0 +1,157 @@
+#include "platform/linux/recognition/BarcodeDetector.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "Pictures.h"
+
+namespace lumiscan::desktop {
+namespace {
+
+using platform::Image;
+using platform::Symbology;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using ZXing::BarcodeFormat;
+
+const std::vector<Symbology> allSymbologies{
+    Symbology::qr,   Symbology::aztec,   Symbology::dataMatrix, Symbology::pdf417, Symbology::ean13,
+    Symbology::ean8, Symbology::code128, Symbology::code39,     Symbology::code93, Symbology::upce};
+
+std::vector<std::string> payloads(const Image& image,
+                                  const std::vector<Symbology>& symbologies = allSymbologies) {
+  const auto result = ZXingDetector().perform(symbologies, image);
+  if (!result.ok()) return {"error: " + result.error().text};
+  std::vector<std::string> texts;
+  for (const auto& observation : result.value())
+    texts.push_back(observation.payloadStringValue.value_or("(no text)"));
+  return texts;
+}
+
+struct Sample {
+  Symbology symbology;
+  BarcodeFormat format;
+  std::string payload;
+};
+
+const std::vector<Sample> samples{
+    {Symbology::qr, BarcodeFormat::QRCode, "https://example.com/a?b=c"},
+    {Symbology::aztec, BarcodeFormat::Aztec, "Boarding pass 12A"},
+    {Symbology::dataMatrix, BarcodeFormat::DataMatrix, "part 4711-B"},
+    {Symbology::pdf417, BarcodeFormat::PDF417, "Stacked rows of bars"},
+    {Symbology::ean13, BarcodeFormat::EAN13, "4006381333931"},
+    {Symbology::ean8, BarcodeFormat::EAN8, "73513537"},
+    {Symbology::code128, BarcodeFormat::Code128, "Shelf 12/c"},
+    {Symbology::code39, BarcodeFormat::Code39, "PARCEL 88"},
+    {Symbology::code93, BarcodeFormat::Code93, "ASSET-0042"},
+    {Symbology::upce, BarcodeFormat::UPCE, "01234565"},
+};
+
+TEST(BarcodeDetector, ReadsEverySymbology) {
+  for (const Sample& sample : samples) {
+    SCOPED_TRACE(ZXing::ToString(sample.format));
+    const Image code = codePicture(sample.format, sample.payload);
+    const auto result = ZXingDetector().perform(allSymbologies, code);
+    ASSERT_TRUE(result.ok());
+    ASSERT_EQ(result.value().size(), 1U);
+    EXPECT_EQ(result.value().front().symbology, sample.symbology);
+    EXPECT_EQ(result.value().front().payloadStringValue, sample.payload);
+
+    EXPECT_THAT(payloads(invertedPicture(code)), ElementsAre(sample.payload)) << "light on dark";
+    EXPECT_THAT(payloads(quarterTurned(code)), ElementsAre(sample.payload)) << "turned";
+    EXPECT_THAT(payloads(asXrgb(withLongRows(code))), ElementsAre(sample.payload)) << "other pixels";
+    EXPECT_THAT(payloads(codePicture(sample.format, sample.payload, 1)), ElementsAre(sample.payload))
+        << "a pixel a module";
+  }
+}
+
+TEST(BarcodeDetector, ReadsOnlyTheSymbologiesAskedFor) {
+  const Image others = Page(500, 400)
+                           .lay(codePicture(BarcodeFormat::ITF, "12345678901231", 2), 10, 10)
+                           .lay(codePicture(BarcodeFormat::Codabar, "A40156B", 2), 10, 200)
+                           .image();
+  EXPECT_THAT(payloads(others), IsEmpty());
+  for (const Sample& sample : samples) {
+    std::vector<Symbology> rest = allSymbologies;
+    std::erase(rest, sample.symbology);
+    // Eight digits of UPC-E are also the start of no other code, so nothing may be made of them.
+    EXPECT_THAT(payloads(codePicture(sample.format, sample.payload), rest), IsEmpty())
+        << ZXing::ToString(sample.format);
+  }
+  EXPECT_THAT(payloads(codePicture(BarcodeFormat::QRCode, "text"), {}), IsEmpty());
+}
+
+TEST(BarcodeDetector, FindsAllCodesFromTopToBottomAndLeftToRight) {
+  const Image page = Page(900, 900)
+                         .lay(codePicture(BarcodeFormat::QRCode, "third"), 20, 420)
+                         .lay(codePicture(BarcodeFormat::EAN13, "4006381333931"), 450, 20)
+                         .lay(codePicture(BarcodeFormat::Code128, "first"), 20, 40)
+                         .lay(codePicture(BarcodeFormat::DataMatrix, "fourth"), 500, 450)
+                         .lay(codePicture(BarcodeFormat::Aztec, "fifth"), 720, 460)
+                         .lay(codePicture(BarcodeFormat::PDF417, "sixth"), 20, 680)
+                         .image();
+  EXPECT_THAT(payloads(page), ElementsAre("first", "4006381333931", "third", "fourth", "fifth", "sixth"));
+}
+
+TEST(BarcodeDetector, LinearCodesSideBySideAndEqualOnesDontEndTheProcess) {
+  const Image code = codePicture(BarcodeFormat::Code128, "twice", 2);
+  EXPECT_THAT(payloads(Page(700, 300).lay(code, 10, 10).lay(code, 10, 150).image()),
+              ElementsAre("twice", "twice"));
+  EXPECT_THAT(payloads(Page(900, 200).lay(code, 10, 10).lay(code, 400, 10).image()),
+              ElementsAre("twice", "twice"));
+  // Large enough to be searched in reduced sizes too.
+  const Image large = codePicture(BarcodeFormat::EAN13, "4006381333931", 8);
+  EXPECT_THAT(payloads(Page(1100, 1200).lay(large, 0, 100).lay(quarterTurned(code), 10, 700).image()),
+              ElementsAre("4006381333931", "twice"));
+
+  Page shelf(900, 1000);
+  std::vector<std::string> expected;
+  for (int i = 0; i < 12; ++i) {
+    expected.push_back("item " + std::to_string(i));
+    shelf.lay(codePicture(BarcodeFormat::Code128, expected.back(), 2), 10 + 420 * (i % 2),
+              10 + 150 * (i / 2));
+  }
+  EXPECT_EQ(payloads(shelf.image()), expected);
+}
+
+TEST(BarcodeDetector, EqualMatrixCodesAreReportedOnceEach) {
+  const Image code = codePicture(BarcodeFormat::QRCode, "same");
+  EXPECT_THAT(payloads(Page(400, 200).lay(code, 10, 10).lay(code, 200, 10).image()),
+              ElementsAre("same", "same"));
+}
+
+TEST(BarcodeDetector, ReadsCodesCutOutTightly) {
+  for (const auto& [format, payload] :
+       {std::pair(BarcodeFormat::QRCode, "no margin"), std::pair(BarcodeFormat::DataMatrix, "none here"),
+        std::pair(BarcodeFormat::Code128, "bars only")}) {
+    const Image code = codePicture(format, payload, 2);
+    // The writer parts a linear code's margin between both sides, and gives it none above and below.
+    const bool linear = format == BarcodeFormat::Code128;
+    const double beside = linear ? 10 : 8;
+    const double above = linear ? 0 : 8;
+    const auto tight =
+        code.cropped({{beside, above}, {code.width() - 2 * beside, code.height() - 2 * above}});
+    ASSERT_TRUE(tight);
+    EXPECT_THAT(payloads(*tight), ElementsAre(payload));
+    EXPECT_THAT(payloads(invertedPicture(*tight)), ElementsAre(payload));
+  }
+}
+
+TEST(BarcodeDetector, NothingInImagesWithoutCodes) {
+  EXPECT_THAT(payloads(Page(1, 1).image()), IsEmpty());
+  EXPECT_THAT(payloads(Page(1, 300).image()), IsEmpty());
+  EXPECT_THAT(payloads(pictureOf({"||| lllIIl | ||l IIIl ||", "Plain words beside bars ||||| |||"})),
+              IsEmpty());
+}
+
+TEST(BarcodeDetector, RefusesImagesThatAreTooLarge) {
+  const auto pixels = std::make_shared<std::vector<std::uint32_t>>(20'000);
+  const Image wide(20'000, 1, 80'000, platform::PixelFormat::xrgb,
+                   {pixels, reinterpret_cast<const std::byte*>(pixels->data())});
+  const auto result = ZXingDetector().perform(allSymbologies, wide);
+  ASSERT_FALSE(result.ok());
+  EXPECT_FALSE(result.error().text.empty());
+}
+
+}  // namespace
+}  // namespace lumiscan::desktop

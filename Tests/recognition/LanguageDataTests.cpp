@@ -1,0 +1,69 @@
+#include "platform/linux/recognition/LanguageData.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <fstream>
+
+namespace lumiscan::desktop {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class LanguageDataTest : public testing::Test {
+ public:
+  LanguageDataTest() {
+    std::string pattern = (fs::temp_directory_path() / "lumiscan-data-XXXXXX").string();
+    folder_ = mkdtemp(pattern.data());
+  }
+  ~LanguageDataTest() override { fs::remove_all(folder_); }
+
+ protected:
+  void install(std::initializer_list<const char*> names) {
+    for (const std::string name : names) std::ofstream(folder_ / (name + ".traineddata")) << "data";
+  }
+
+  fs::path folder_;
+};
+
+TEST_F(LanguageDataTest, TagsSelectTrainedDataInTheirOrder) {
+  install(
+      {"eng", "deu", "fra", "ita", "spa", "por", "chi_sim", "chi_tra", "jpn", "kor", "rus", "ukr", "gsw"});
+  const LanguageData data(folder_);
+  EXPECT_THAT(data.select({"en-US", "fr-FR", "it-IT", "de-DE", "es-ES", "pt-BR", "zh-Hans", "zh-Hant",
+                           "ja-JP", "ko-KR", "ru-RU", "uk-UA"})
+                  .names,
+              ElementsAre("eng", "fra", "ita", "deu", "spa", "por", "chi_sim", "chi_tra", "jpn", "kor", "rus",
+                          "ukr"));
+  EXPECT_THAT(data.select({"de-AT", "en-GB", "en-US", "DE", "gsw-CH"}).names,
+              ElementsAre("deu", "eng", "gsw"));
+  EXPECT_THAT(data.select({"zh-TW", "zh-CN"}).names, ElementsAre("chi_tra", "chi_sim"));
+  EXPECT_THAT(data.select({"zh-Hans-HK"}).names, ElementsAre("chi_sim"));
+}
+
+TEST_F(LanguageDataTest, LanguagesThatAreNotThereAreNamed) {
+  install({"deu"});
+  const LanguageData data(folder_);
+  const auto selection = data.select({"en-US", "de-DE", "", "../etc", "tlh"});
+  EXPECT_THAT(selection.names, ElementsAre("deu"));
+  EXPECT_THAT(selection.missing, ElementsAre("en-US", "", "../etc", "tlh"));
+  EXPECT_TRUE(data.isInstalled("de"));
+  EXPECT_FALSE(data.isInstalled("en"));
+  EXPECT_THAT(LanguageData(folder_ / "nowhere").select({"de"}).names, IsEmpty());
+}
+
+TEST_F(LanguageDataTest, WithoutTagsEnglishOrElseWhateverIsThere) {
+  const LanguageData data(folder_);
+  EXPECT_THAT(data.select({}).names, IsEmpty());
+  install({"osd", "jpn", "deu"});
+  EXPECT_THAT(data.select({}).names, ElementsAre("deu"));
+  install({"eng"});
+  EXPECT_THAT(data.select({}).names, ElementsAre("eng"));
+  EXPECT_THAT(LanguageData(folder_ / "nowhere").select({}).names, IsEmpty());
+}
+
+}  // namespace
+}  // namespace lumiscan::desktop

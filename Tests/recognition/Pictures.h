@@ -1,0 +1,55 @@
+#pragma once
+
+#include <ZXing/BarcodeFormat.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "platform/Geometry.h"
+#include "platform/Graphics.h"
+#include "platform/Image.h"
+
+namespace lumiscan::desktop {
+
+/// How a picture of text looks.
+struct TextStyle {
+  double size = 16;  ///< Points, which are pixels here.
+  platform::Color ink = platform::Color::black();
+  platform::Color ground = platform::Color::white();
+  platform::Font::Design design = platform::Font::Design::sansSerif;
+};
+
+/// Lines of text below each other with a margin around them.
+platform::Image pictureOf(const std::vector<std::string>& lines, const TextStyle& style = {});
+
+/// The same pixels with other formats and row lengths; what is added is noise.
+platform::Image asXrgb(const platform::Image& image);
+platform::Image withLongRows(const platform::Image& image);
+
+/// A code as the library writes it, `module` pixels a module, with its quiet zone.
+platform::Image codePicture(ZXing::BarcodeFormat format, const std::string& payload, int module = 3);
+
+/// A white page on which pictures are laid.
+class Page {
+ public:
+  Page(int width, int height);
+  /// `origin` in pixels from the top left.
+  Page& lay(const platform::Image& picture, int x, int y);
+  platform::Image image() const;
+
+ private:
+  std::size_t index(int x, int y) const {
+    return static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) + static_cast<std::size_t>(x);
+  }
+
+  int width_;
+  int height_;
+  std::vector<std::uint32_t> pixels_;
+};
+
+platform::Image invertedPicture(const platform::Image& image);
+platform::Image quarterTurned(const platform::Image& image);
+
+}  // namespace lumiscan::desktop
