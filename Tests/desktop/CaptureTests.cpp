@@ -54,7 +54,7 @@ class CaptureTest : public ::testing::Test {
     int dark = 0;
     for (int y = 170; y < 200; ++y)
       for (int x = left; x < right; ++x)
-        if ((pixels[static_cast<std::size_t>(y * desktop_.width() + x)] & 0xFF) < 0x40) ++dark;
+        if ((pixels[desktop_.indexOf(x, y)] & 0xFF) < 0x40) ++dark;
     return dark > 200;
   }
 
@@ -157,7 +157,7 @@ TEST_F(CaptureTest, TheOverlayShowsTheDesktopWithACrosshairAndNothingElse) {
   pressShortcut();
   ASSERT_TRUE(waitForOverlays(1));
   const auto pixelAt = [this](const std::vector<std::uint32_t>& pixels, int x, int y) {
-    return pixels[static_cast<std::size_t>(y * desktop_.width() + x)];
+    return pixels[desktop_.indexOf(x, y)];
   };
   // An arm of the crosshair, white where the ground is black.
   ASSERT_TRUE(

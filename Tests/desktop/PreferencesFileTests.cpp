@@ -18,7 +18,7 @@ using platform::DefaultsValue;
 namespace fs = std::filesystem;
 
 class PreferencesFile : public ::testing::Test {
- protected:
+ public:
   PreferencesFile() {
     std::string name = fs::temp_directory_path() / "lumiscan-test-XXXXXX";
     base_ = mkdtemp(name.data());
@@ -26,6 +26,7 @@ class PreferencesFile : public ::testing::Test {
   }
   ~PreferencesFile() override { fs::remove_all(base_); }
 
+ protected:
   void write(const std::string& text) {
     fs::create_directories(file_.parent_path());
     std::ofstream(file_) << text;

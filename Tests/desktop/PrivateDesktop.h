@@ -50,6 +50,10 @@ class PrivateDesktop {
   xcb_window_t focusedWindow() const;
   /// The whole screen, a word 0x??RRGGBB a pixel, row by row.
   std::vector<std::uint32_t> screenPixels() const;
+  /// Where a pixel of the screen stands in `screenPixels`.
+  std::size_t indexOf(int x, int y) const {
+    return static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) + static_cast<std::size_t>(x);
+  }
   int width() const { return width_; }
   int height() const { return height_; }
 

@@ -85,7 +85,7 @@ TEST_P(Snapshot, IsTheScreenToThePixelAndNothingOfOurs) {
 
   const auto screen = displays().screens().at(0);
   const auto process = [] { QCoreApplication::processEvents(); };
-  const auto insideTheSquare = static_cast<std::size_t>((private_.height() - 125) * private_.width() + 125);
+  const auto insideTheSquare = private_.indexOf(125, private_.height() - 125);
   for (int i = 0; i < 3; ++i) {
     auto overlay = std::make_shared<platform::Window>(screen.frame, platform::windowStyleBorderless);
     overlay->attributes().level = platform::windowLevelScreenSaver + 1;
