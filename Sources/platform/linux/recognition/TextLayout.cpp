@@ -10,17 +10,14 @@
 #include <optional>
 #include <utility>
 
+#include "platform/linux/recognition/Columns.h"
+#include "platform/linux/recognition/Level.h"
+
 namespace lumiscan::desktop {
 
 namespace {
 
 using Glyphs = std::vector<Glyph>;
-
-int levelAt(std::vector<int> values, double share) {
-  const auto nth = static_cast<std::ptrdiff_t>(share * static_cast<double>(values.size() - 1));
-  std::nth_element(values.begin(), values.begin() + nth, values.end());
-  return values[static_cast<std::size_t>(nth)];
-}
 
 template <typename Measure>
 int medianOf(const Glyphs& glyphs, Measure measure) {
@@ -212,57 +209,6 @@ std::vector<TextLine> linesOf(Glyphs glyphs) {
     lines.push_back({std::move(row.glyphs), box, alone || height == 0 ? usual : height, row.bottom + 1});
   }
   return lines;
-}
-
-/// A stretch along x that is free of glyphs.
-struct Gutter {
-  int width;
-  int end;  // Where the glyphs to its right begin.
-};
-
-std::vector<Gutter> gutters(const Glyphs& glyphs, int least) {
-  std::vector<PixelBox> boxes;
-  for (const Glyph& glyph : glyphs) boxes.push_back(glyph.box);
-  std::sort(boxes.begin(), boxes.end(), [](const PixelBox& a, const PixelBox& b) { return a.left < b.left; });
-  std::vector<Gutter> found;
-  int reached = boxes.front().right;
-  for (const PixelBox& box : boxes) {
-    if (box.left - reached > least) found.push_back({box.left - reached - 1, box.left});
-    reached = std::max(reached, box.right);
-  }
-  return found;
-}
-
-/// Whether lines left and right of a gutter are those of columns, and not the cells of rows.
-bool areColumns(const std::vector<TextLine>& left, const std::vector<TextLine>& right, const Gutter& gutter,
-                int usual) {
-  constexpr std::size_t fewest = 3;
-  if (left.size() < fewest || right.size() < fewest) return false;
-  const auto paired = [](const TextLine& line, const std::vector<TextLine>& others) {
-    return std::any_of(others.begin(), others.end(), [&](const TextLine& other) {
-      const int top = std::max(line.box.top, other.box.top);
-      const int bottom = std::min(line.box.bottom, other.box.bottom);
-      const int lower = std::min(line.box.bottom - line.box.top, other.box.bottom - other.box.top);
-      return 4 * (bottom - top) >= 3 * lower;
-    });
-  };
-  std::size_t pairs = 0;
-  for (const TextLine& line : left) pairs += paired(line, right);
-  if (pairs * 10 < std::min(left.size(), right.size()) * 7) return true;
-  if (2 * gutter.width < 5 * usual) return false;
-  // Running text has several words a line and fills its column's width; the cells of a table and the items of
-  // a menu don't.
-  const auto isRunningText = [&](const std::vector<TextLine>& lines) {
-    std::vector<int> widths;
-    std::size_t words = 0;
-    for (const TextLine& line : lines) {
-      widths.push_back(line.box.right - line.box.left);
-      words += 1 + gutters(line.glyphs, 3 * usual / 5).size();
-    }
-    const int widest = *std::max_element(widths.begin(), widths.end());
-    return 10 * words >= 33 * lines.size() && widest > 12 * usual && levelAt(widths, 0.5) * 10 >= widest * 7;
-  };
-  return isRunningText(left) && isRunningText(right);
 }
 
 /// The lines of the glyphs, parted into columns where there are some.
