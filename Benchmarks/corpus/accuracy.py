@@ -1,10 +1,10 @@
-"""How far readings are from true texts: the measures of the recognition benchmark, for any recogniser's output."""
+"""How far readings are from true texts, measured as the recognition benchmark does, for any recogniser."""
 
 import numpy
 
 
 def normalised(text):
-    """Lines without what recognisers report differently and nobody misses: empty lines and space around a line."""
+    """Lines without what recognisers differ in and nobody misses: empty lines, space around a line."""
     return [line for line in (" ".join(line.split()) for line in text.splitlines()) if line]
 
 

@@ -1,4 +1,4 @@
-"""From a drawn sample to the image of a selection: crops to the ink and adds what a selection catches besides."""
+"""From a drawn sample to the image of a selection: crops to the ink, adds what a selection also catches."""
 
 import numpy
 from PIL import Image, ImageColor, ImageDraw

@@ -1,4 +1,4 @@
-"""Draws samples with a headless Chromium: many samples a page, one page for each scale and kind of anti-aliasing."""
+"""Draws samples with a headless Chromium, many a page; a page has one scale and one kind of anti-aliasing."""
 
 import html
 import itertools
@@ -50,7 +50,7 @@ def _room(sample):
 
 
 def _cell_size(sample):
-    """Generous: text is cropped to its ink afterwards. In the page's pixels, multiples of four for whole pixels."""
+    """In the page's pixels, in fours to be whole pixels of the picture. Generous: it is cropped later."""
     longest = sum(max(len(line.text) for line in block) for block in sample.blocks)
     width = (
         longest * sample.size * 0.8 + 3 * sample.size + sample.gap * len(sample.blocks) + 2 * _room(sample)
@@ -61,7 +61,6 @@ def _cell_size(sample):
 
 def _cell(sample, y, size):
     weight, style = ("bold" if sample.bold else "normal"), ("italic" if sample.italic else "normal")
-    # After the font, which resets it.
     ligatures = "none" if sample.font in WITH_LIGATURES else "normal"
     pad = sample.line_height / 4
     blocks = ""
@@ -76,11 +75,14 @@ def _cell(sample, y, size):
             )
             blocks += f'<div class="line" style="height:{sample.line_height}px;{ground}">{spans}</div>'
         blocks += "</div>"
-    return (
-        f'<div class="cell" style="top:{y}px;width:{size[0]}px;height:{size[1]}px;background:{sample.theme.background}">'
-        f'<div class="blocks" style="left:{_room(sample)}px;top:{_room(sample)}px;'
-        f"font:{style} {weight} {sample.size}px/{sample.line_height}px '{sample.font}';font-variant-ligatures:{ligatures}\">{blocks}</div></div>"
+    place = f"top:{y}px;width:{size[0]}px;height:{size[1]}px;background:{sample.theme.background}"
+    # The ligatures come after the font, which resets them.
+    font = (
+        f"left:{_room(sample)}px;top:{_room(sample)}px;"
+        f"font:{style} {weight} {sample.size}px/{sample.line_height}px '{sample.font}';"
+        f"font-variant-ligatures:{ligatures}"
     )
+    return f'<div class="cell" style="{place}"><div class="blocks" style="{font}">{blocks}</div></div>'
 
 
 _STYLE = """body{margin:0;background:#fff}.cell{position:absolute;left:0;overflow:hidden}

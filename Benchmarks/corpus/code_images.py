@@ -142,7 +142,7 @@ def _single(random, half, symbology):
 
 
 def _several(random, half):
-    """Two to five symbols in rows, each under a line of text. Tops of a row are level, so the order is plain."""
+    """Two to five symbols in rows, each under a line of text. A row's tops are level: the order is plain."""
     scheme = random.choice(["dark-on-light", "dark-on-light", "light-on-dark"])
     colours = random.choice(SCHEMES[scheme])
     font, gap, count = ImageFont.truetype(SANS, 13), random.randrange(24, 50), random.randrange(2, 6)

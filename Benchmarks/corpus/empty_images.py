@@ -5,8 +5,6 @@ import random as random_numbers
 import numpy
 from PIL import Image, ImageDraw, ImageFilter
 
-STYLES = ("photograph", "gradient", "icons", "plain", "border", "noise", "chart")
-
 
 def _colour(random):
     return tuple(random.randrange(256) for _ in range(3))
@@ -89,10 +87,21 @@ def _chart(random, noise, size):
     return image
 
 
+STYLES = {
+    "photograph": _photograph,
+    "gradient": _gradient,
+    "icons": _icons,
+    "plain": _plain,
+    "border": _border,
+    "noise": _noise,
+    "chart": _chart,
+}
+
+
 def empty_image(half, number):
     """An image without text, the same at every call, and the style it is in."""
     random = random_numbers.Random(f"empty/{half}/{number}")
     noise = numpy.random.default_rng(random.getrandbits(64))
-    style = random.choice(STYLES)
+    style = random.choice(list(STYLES))
     size = random.randrange(20, 700), random.randrange(16, 420)
-    return globals()[f"_{style}"](random, noise, size), style
+    return STYLES[style](random, noise, size), style

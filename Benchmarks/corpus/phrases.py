@@ -1,45 +1,49 @@
-"""Made-up text as user interfaces, file managers and terminals show it. The halves draw on different words."""
+"""Made-up text as user interfaces and terminals show it. The halves draw on different words."""
 
 from passages import TRAINING
 
 LABELS = (
-    "File|Edit|View|Insert|Format|Tools|Window|Help|Open…|Save As…|Save All|Close Tab|New Window|Print…|Undo|Redo|"
-    "Cut|Copy|Paste|Select All|Find Next|Replace…|Zoom In|Zoom Out|Full Screen|Preferences|About|Quit|Cancel|OK|"
-    "Apply|Don't Save|Delete|Rename|Move to Trash|Empty Trash|Properties|Sign in|Log out|Forgot password?|Continue|"
-    "Back|Next|Finish|Skip|Retry|Ignore|Yes|No|Browse…|Download|Upload|Share|Send|Reply|Reply All|Forward|Archive|"
-    "Mark as read|Inbox (12)|Drafts|Sent|Spam|Settings|Accounts|Privacy & Security|Notifications|Wi-Fi|Bluetooth|"
-    "Sound|Displays|Keyboard|Mouse & Touchpad|Printers|Power|Date & Time|Language|Users|Appearance|Dark mode|"
-    "Night Light|Battery: 87%|Connected|Disconnected|Not available|Loading…|Searching|No results|Show more|Show all|"
-    "Learn more|Add to cart|Checkout|Subtotal|Total|Quantity|In stock|Sold out|Free shipping|Order now|Buy now|"
-    "Sort by: Price|Filter|Reset|Clear all|Name|Size|Type|Modified|Kind|Owner|Status|Priority|Assignee|Due date|"
-    "To do|In progress|Done|Blocked|Open in Terminal|Run|Debug|Build|Test|Deploy|Commit|Push|Pull|Merge|Rebase|"
-    "Branch: main|Terminal|Output|Problems|Ln 12, Col 8|Spaces: 2|UTF-8|Home|Documents|Downloads|Music|Pictures|"
-    "Videos|Trash|Recent|Starred|Other Locations|Username|Password|E-mail address|First name|Last name|Street|City|"
-    "Postal code|Country|Phone|Submit|I agree to the terms|Remember me|Update available|Restart now|Later|"
-    "Install|Remove|Enable|Disable|Allow|Deny|Always on top|Minimise|Maximise|Resize|Volume|Mute|Play|Pause|Stop|"
-    "Previous|Shuffle|Repeat|Subscribe|Follow|Like|Comment|Report|Mon|Tue|Wed|Thu|Fri|Sat|Sun|January|February|March|"
-    "Today|Tomorrow|All day|Invite|Join|Leave|Raise hand|Chat|Participants|Record|Leave meeting|Ctrl+C|Alt+F4|"
-    "Ctrl+Shift+T|F11|Esc"
+    "File|Edit|View|Insert|Format|Tools|Window|Help|Open…|Save As…|Save All|Close Tab|New Window|Print…|"
+    "Undo|Redo|Cut|Copy|Paste|Select All|Find Next|Replace…|Zoom In|Zoom Out|Full Screen|Preferences|"
+    "About|Quit|Cancel|OK|Apply|Don't Save|Delete|Rename|Move to Trash|Empty Trash|Properties|Sign in|"
+    "Log out|Forgot password?|Continue|Back|Next|Finish|Skip|Retry|Ignore|Yes|No|Browse…|Download|Upload|"
+    "Share|Send|Reply|Reply All|Forward|Archive|Mark as read|Inbox (12)|Drafts|Sent|Spam|Settings|"
+    "Accounts|Privacy & Security|Notifications|Wi-Fi|Bluetooth|Sound|Displays|Keyboard|Mouse & Touchpad|"
+    "Printers|Power|Date & Time|Language|Users|Appearance|Dark mode|Night Light|Battery: 87%|Connected|"
+    "Disconnected|Not available|Loading…|Searching|No results|Show more|Show all|Learn more|Add to cart|"
+    "Checkout|Subtotal|Total|Quantity|In stock|Sold out|Free shipping|Order now|Buy now|Sort by: Price|"
+    "Filter|Reset|Clear all|Name|Size|Type|Modified|Kind|Owner|Status|Priority|Assignee|Due date|To do|"
+    "In progress|Done|Blocked|Open in Terminal|Run|Debug|Build|Test|Deploy|Commit|Push|Pull|Merge|Rebase|"
+    "Branch: main|Terminal|Output|Problems|Ln 12, Col 8|Spaces: 2|UTF-8|Home|Documents|Downloads|Music|"
+    "Pictures|Videos|Trash|Recent|Starred|Other Locations|Username|Password|E-mail address|First name|"
+    "Last name|Street|City|Postal code|Country|Phone|Submit|I agree to the terms|Remember me|"
+    "Update available|Restart now|Later|Install|Remove|Enable|Disable|Allow|Deny|Always on top|Minimise|"
+    "Maximise|Resize|Volume|Mute|Play|Pause|Stop|Previous|Shuffle|Repeat|Subscribe|Follow|Like|Comment|"
+    "Report|Mon|Tue|Wed|Thu|Fri|Sat|Sun|January|February|March|Today|Tomorrow|All day|Invite|Join|Leave|"
+    "Raise hand|Chat|Participants|Record|Leave meeting|Ctrl+C|Alt+F4|Ctrl+Shift+T|F11|Esc"
 ).split("|")
 
 GERMAN_LABELS = (
-    "Datei|Bearbeiten|Ansicht|Einfügen|Fenster|Hilfe|Öffnen …|Speichern unter …|Schließen|Drucken …|Rückgängig|"
-    "Wiederholen|Ausschneiden|Kopieren|Alles auswählen|Suchen und Ersetzen|Vergrößern|Verkleinern|Vollbild|"
-    "Einstellungen|Über dieses Programm|Beenden|Abbrechen|Übernehmen|Nicht speichern|Löschen|Umbenennen|"
-    "In den Papierkorb verschieben|Eigenschaften|Anmelden|Abmelden|Passwort vergessen?|Weiter|Zurück|Fertigstellen|"
-    "Überspringen|Durchsuchen …|Herunterladen|Hochladen|Teilen|Antworten|Allen antworten|Weiterleiten|Entwürfe|"
-    "Gesendet|Datenschutz und Sicherheit|Benachrichtigungen|Lautstärke|Bildschirme|Tastatur|Drucker|Energie|"
-    "Datum und Uhrzeit|Sprache|Benutzer|Erscheinungsbild|Verbunden|Nicht verfügbar|Wird geladen …|Keine Ergebnisse|"
-    "Mehr anzeigen|Warenkorb|Zur Kasse|Zwischensumme|Gesamtbetrag|Menge|Auf Lager|Ausverkauft|Größe|Geändert|"
-    "Fällig am|Persönlicher Ordner|Dokumente|Bilder|Zuletzt verwendet|Straße und Hausnummer|Postleitzahl|Vorname|"
-    "Änderungen übernehmen|Jetzt neu starten|Später|Hinzufügen|Entfernen|Montag|Dienstag|März|Schlüssel|Grüße"
+    "Datei|Bearbeiten|Ansicht|Einfügen|Fenster|Hilfe|Öffnen …|Speichern unter …|Schließen|Drucken …|"
+    "Rückgängig|Wiederholen|Ausschneiden|Kopieren|Alles auswählen|Suchen und Ersetzen|Vergrößern|"
+    "Verkleinern|Vollbild|Einstellungen|Über dieses Programm|Beenden|Abbrechen|Übernehmen|"
+    "Nicht speichern|Löschen|Umbenennen|In den Papierkorb verschieben|Eigenschaften|Anmelden|Abmelden|"
+    "Passwort vergessen?|Weiter|Zurück|Fertigstellen|Überspringen|Durchsuchen …|Herunterladen|Hochladen|"
+    "Teilen|Antworten|Allen antworten|Weiterleiten|Entwürfe|Gesendet|Datenschutz und Sicherheit|"
+    "Benachrichtigungen|Lautstärke|Bildschirme|Tastatur|Drucker|Energie|Datum und Uhrzeit|Sprache|"
+    "Benutzer|Erscheinungsbild|Verbunden|Nicht verfügbar|Wird geladen …|Keine Ergebnisse|Mehr anzeigen|"
+    "Warenkorb|Zur Kasse|Zwischensumme|Gesamtbetrag|Menge|Auf Lager|Ausverkauft|Größe|Geändert|Fällig am|"
+    "Persönlicher Ordner|Dokumente|Bilder|Zuletzt verwendet|Straße und Hausnummer|Postleitzahl|Vorname|"
+    "Änderungen übernehmen|Jetzt neu starten|Später|Hinzufügen|Entfernen|Montag|Dienstag|März|Schlüssel|"
+    "Grüße"
 ).split("|")
 
 WORDS = (
-    "cache|buffer|index|report|invoice|summary|module|worker|socket|parser|token|stream|config|render|layout|color|"
-    "screen|window|thread|handle|offset|length|matrix|vector|sample|filter|region|border|margin|policy|schema|query|"
-    "server|client|backup|archive|notes|budget|holiday|photo|avatar|banner|session|signal|device|driver|kernel|"
-    "memory|result|status|message|header|footer|widget|dialog|button|toolbar|locale|digest|cursor|branch|remote"
+    "cache|buffer|index|report|invoice|summary|module|worker|socket|parser|token|stream|config|render|"
+    "layout|color|screen|window|thread|handle|offset|length|matrix|vector|sample|filter|region|border|"
+    "margin|policy|schema|query|server|client|backup|archive|notes|budget|holiday|photo|avatar|banner|"
+    "session|signal|device|driver|kernel|memory|result|status|message|header|footer|widget|dialog|button|"
+    "toolbar|locale|digest|cursor|branch|remote"
 ).split("|")
 EXTENSIONS = (
     "txt pdf png jpeg md json yaml tar.gz docx xlsx cpp hpp py rs ts tsx svg mp4 zip deb log csv toml".split()
@@ -189,7 +193,8 @@ class Phrases:
             [
                 f'$ git commit -m "{self.word()}: {self.label()}"',
                 f"$ ls -la {self.path()}",
-                f"-rw-r--r-- 1 root root {r.randrange(99999)} {r.choice(MONTHS)} {r.randrange(1, 29)} {r.randrange(24):02}:{r.randrange(60):02} {self.file_name()}",
+                f"-rw-r--r-- 1 root root {r.randrange(99999)} {r.choice(MONTHS)} {r.randrange(1, 29)} "
+                f"{r.randrange(24):02}:{r.randrange(60):02} {self.file_name()}",
                 f"import {{ {self.identifier()} }} from '{self.path()}';",
                 f"const {self.word()} = (x) => x?.{self.word()} ?? [];",
                 f"if (!{self.word()} && {self.word()}[i] != 0x{r.getrandbits(16):04X}) return -1;",

@@ -1,4 +1,4 @@
-"""Draws samples with Qt, as Qt's programs do. Its own rasteriser and its own way of scaling differ from Cairo's."""
+"""Draws samples with Qt, as its programs do. It rasterises and scales glyphs otherwise than Cairo."""
 
 import os
 

@@ -30,7 +30,7 @@ OTHER_SYMBOLOGIES = {
 QUIET_ZONE = {"qr": 4, "aztec": 1, "data-matrix": 2, "pdf417": 2}
 PDF417_ROW_HEIGHT = 3  # in modules
 
-WORDS = "alpha bravo delta ferry garden harbor island kernel lumen meadow orbit parcel quartz river summit ticket".split()
+WORDS = "alpha bravo delta ferry garden harbor island kernel lumen meadow orbit parcel river ticket".split()
 
 
 def with_check_digit(digits):
