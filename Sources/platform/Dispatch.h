@@ -32,7 +32,6 @@ class WorkItem {
 
   /// From now on `perform` does nothing.
   void cancel() { work_ = nullptr; }
-  bool isCancelled() const { return !work_; }
   void perform() {
     // A copy, since the work may drop the last reference to this item.
     if (const auto work = work_) work();

@@ -106,10 +106,7 @@ LineImage drawLine(const GreyBitmap& ink, const TextLine& line, const std::vecto
   const auto margin = [&](double heights) {
     return static_cast<int>(std::lround(heights * line.letterHeight)) + 1;
   };
-  PixelBox box = glyphs.front().box;
-  for (const Glyph& glyph : glyphs)
-    box = {std::min(box.left, glyph.box.left), std::min(box.top, glyph.box.top),
-           std::max(box.right, glyph.box.right), std::max(box.bottom, glyph.box.bottom)};
+  const PixelBox box = boxAround(glyphs);
   const int left = box.left - margin(marginBeside);
   const int top = box.top - margin(marginAbove);
   GreyBitmap drawn(box.right + margin(marginBeside) - left + 1, box.bottom + margin(marginBelow) - top + 1,

@@ -116,14 +116,6 @@ std::optional<std::size_t> caretIn(const Glyphs& glyphs, int usual) {
   return static_cast<std::size_t>(stroke - glyphs.begin());
 }
 
-PixelBox boxAround(const Glyphs& glyphs) {
-  PixelBox box = glyphs.front().box;
-  for (const Glyph& glyph : glyphs)
-    box = {std::min(box.left, glyph.box.left), std::min(box.top, glyph.box.top),
-           std::max(box.right, glyph.box.right), std::max(box.bottom, glyph.box.bottom)};
-  return box;
-}
-
 /// A line while it is put together.
 struct Row {
   Glyphs glyphs;
@@ -228,6 +220,14 @@ std::vector<TextLine> linesInReadingOrder(const Glyphs& glyphs) {
 }
 
 }  // namespace
+
+PixelBox boxAround(const std::vector<Glyph>& glyphs) {
+  PixelBox box = glyphs.front().box;
+  for (const Glyph& glyph : glyphs)
+    box = {std::min(box.left, glyph.box.left), std::min(box.top, glyph.box.top),
+           std::max(box.right, glyph.box.right), std::max(box.bottom, glyph.box.bottom)};
+  return box;
+}
 
 std::vector<TextLine> findTextLines(const GreyBitmap& ink) {
   const std::optional<int> threshold = inkThreshold(ink);

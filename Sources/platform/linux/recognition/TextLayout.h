@@ -26,4 +26,7 @@ struct TextLine {
 /// bottom in each. What can't be text, such as frames and rules, is in no line.
 std::vector<TextLine> findTextLines(const GreyBitmap& ink);
 
+/// The smallest box around all glyphs. Precondition: there is one.
+PixelBox boxAround(const std::vector<Glyph>& glyphs);
+
 }  // namespace lumiscan::desktop
