@@ -41,6 +41,43 @@ std::size_t wordCount(const std::vector<TextLine>& lines, int usual) {
   return lines.size() + static_cast<std::size_t>(spaces);
 }
 
+/// The lines cut at the gutters, part by part.
+std::vector<std::vector<TextLine>> partsOf(const std::vector<TextLine>& lines,
+                                           const std::vector<Gutter>& cuts) {
+  std::vector<std::vector<TextLine>> parts(cuts.size() + 1);
+  for (const TextLine& line : lines) {
+    std::vector<std::vector<Glyph>> glyphs(parts.size());
+    for (const Glyph& glyph : line.glyphs) {
+      const auto before = [&](const Gutter& gutter) { return gutter.end <= glyph.box.left; };
+      glyphs[static_cast<std::size_t>(std::count_if(cuts.begin(), cuts.end(), before))].push_back(glyph);
+    }
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+      if (glyphs[i].empty()) continue;
+      const PixelBox box = boxAround(glyphs[i]);
+      parts[i].push_back({std::move(glyphs[i]), box, line.letterHeight, line.baseline});
+    }
+  }
+  return parts;
+}
+
+/// Running text has several words a line and fills its column's width; the cells of a table and the items of
+/// a menu don't. All of several columns must be such.
+bool isRunningText(const std::vector<TextLine>& lines, int usual) {
+  std::vector<Glyph> glyphs;
+  for (const TextLine& line : lines) glyphs.insert(glyphs.end(), line.glyphs.begin(), line.glyphs.end());
+  const std::vector<Gutter> cuts = gutters(glyphs, 2 * usual);
+  if (!cuts.empty()) {
+    const std::vector<std::vector<TextLine>> parts = partsOf(lines, cuts);
+    return std::all_of(parts.begin(), parts.end(),
+                       [&](const std::vector<TextLine>& part) { return isRunningText(part, usual); });
+  }
+  std::vector<int> widths;
+  for (const TextLine& line : lines) widths.push_back(line.box.right - line.box.left);
+  const int widest = *std::max_element(widths.begin(), widths.end());
+  return !isMonospaced(lines) && 10 * wordCount(lines, usual) >= 30 * lines.size() && widest > 12 * usual &&
+         levelAt(widths, 0.5) * 10 >= widest * 6;
+}
+
 }  // namespace
 
 std::vector<Gutter> gutters(const std::vector<Glyph>& glyphs, int least) {
@@ -72,16 +109,7 @@ bool areColumns(const std::vector<TextLine>& left, const std::vector<TextLine>& 
   for (const TextLine& line : left) pairs += paired(line, right);
   if (pairs * 10 < std::min(left.size(), right.size()) * 7) return true;
   if (2 * gutter.width < 5 * usual) return false;
-  // Running text has several words a line and fills its column's width; the cells of a table and the items of
-  // a menu don't.
-  const auto isRunningText = [&](const std::vector<TextLine>& lines) {
-    std::vector<int> widths;
-    for (const TextLine& line : lines) widths.push_back(line.box.right - line.box.left);
-    const int widest = *std::max_element(widths.begin(), widths.end());
-    return !isMonospaced(lines) && 10 * wordCount(lines, usual) >= 33 * lines.size() && widest > 17 * usual &&
-           levelAt(widths, 0.5) * 10 >= widest * 7;
-  };
-  return isRunningText(left) && isRunningText(right);
+  return isRunningText(left, usual) && isRunningText(right, usual);
 }
 
 }  // namespace lumiscan::desktop
