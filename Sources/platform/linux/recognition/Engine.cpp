@@ -53,7 +53,8 @@ void appendLine(tesseract::ResultIterator& iterator, LineReading& reading) {
   do {
     const Text text(iterator.GetUTF8Text(tesseract::RIL_SYMBOL));
     if (!text || !text[0]) continue;
-    Symbol symbol{text.get(), spaceBefore, {}};
+    Symbol symbol{
+        text.get(), spaceBefore, {}, static_cast<double>(iterator.Confidence(tesseract::RIL_SYMBOL))};
     spaceBefore = false;
     // Which words have spaces between them differs by script; the text of the line knows.
     const std::size_t start = rest.find_first_not_of(' ');

@@ -21,7 +21,10 @@ struct EngineKey {
 struct Symbol {
   std::string text;  ///< UTF-8; usually one code point.
   bool spaceBefore = false;
-  PixelBox box;  ///< About where it is.
+  PixelBox box;            ///< About where it is.
+  double confidence = 0;   ///< The engine's, from 0 to 100.
+  bool hasOwnInk = false;  ///< Whether the box is that of its ink, and the ink no other's.
+  bool isLikely = false;   ///< Whether its ink looks like it, as far as its shape alone tells.
 };
 
 struct LineReading {

@@ -23,7 +23,7 @@ int middleOf(const PixelBox& box) { return (box.left + box.right) / 2; }
 
 Symbol underscores(const Glyph& glyph, int letterHeight, bool spaceBefore) {
   const auto count = std::max(1L, std::lround(glyph.width() / (underscoreWidth * letterHeight)));
-  return {std::string(static_cast<std::size_t>(count), '_'), spaceBefore, glyph.box};
+  return {std::string(static_cast<std::size_t>(count), '_'), spaceBefore, glyph.box, 100, true, true};
 }
 
 bool isQuote(std::string_view text) {
@@ -84,50 +84,29 @@ std::vector<QuoteMark> quoteMarks(const std::vector<Glyph>& glyphs, const GreyBi
   return marks;
 }
 
-// A gap as wide as most of a space, in per cent of the line's usual one, is a space whatever was read; one
-// that is far narrower is none.
-constexpr int spaceFrom = 80;
-constexpr int noSpaceBelow = 45;
-
-/// A stretch along the line without ink.
-struct Gap {
-  int start, end;  // The first free column and the first behind it.
-  int width() const { return end - start; }
-};
-
-std::vector<Gap> gapsOf(const std::vector<Glyph>& glyphs) {
-  std::vector<Gap> gaps;
-  if (glyphs.empty()) return gaps;
-  int reached = glyphs.front().box.right;  // They come from left to right.
-  for (const Glyph& glyph : glyphs) {
-    if (glyph.box.left > reached + 1) gaps.push_back({reached + 1, glyph.box.left});
-    reached = std::max(reached, glyph.box.right);
+/// How many strokes lie one behind the other, also where their smoothed ends meet: there the ink is fainter.
+int strokesAlong(const GreyBitmap& ink, const PixelBox& box) {
+  constexpr int fainter = 80;  // Per cent of the ink before and behind.
+  int strokes = 0;
+  int peak = 0;    // Of this stroke so far,
+  int valley = 0;  // and the least ink behind it.
+  for (int x = box.left; x <= box.right; ++x) {
+    int most = 0;
+    for (int y = box.top; y <= box.bottom; ++y) most = std::max<int>(most, ink.at(x, y));
+    if (strokes == 0 || (100 * valley <= fainter * peak && 100 * valley <= fainter * most)) {
+      ++strokes;
+      peak = valley = most;
+    }
+    if (most > peak) peak = valley = most;
+    valley = std::min(valley, most);
   }
-  return gaps;
-}
-
-/// The symbols that may come right after the gap, as far as the engine's rough boxes tell; the likeliest
-/// first.
-std::vector<std::size_t> symbolsAfter(const Gap& gap, const std::vector<Symbol>& symbols, int tolerance) {
-  std::vector<std::pair<int, std::size_t>> found;
-  for (std::size_t i = 1; i < symbols.size(); ++i) {
-    const PixelBox& left = symbols[i - 1].box;
-    const PixelBox& right = symbols[i].box;
-    const int off = std::abs(left.right + right.left - gap.start - gap.end) / 2;
-    if (off <= tolerance) found.emplace_back(off, i);
-  }
-  std::sort(found.begin(), found.end());
-  std::vector<std::size_t> indices;
-  for (const auto& [off, i] : found) indices.push_back(i);
-  return indices;
+  return strokes;
 }
 
 bool isWordCharacter(const Symbol& symbol) {
   const auto c = static_cast<unsigned char>(symbol.text.front());
   return std::isalnum(c) || c == '_' || c >= 0x80;
 }
-
-bool isDigit(const Symbol& symbol) { return std::isdigit(static_cast<unsigned char>(symbol.text.front())); }
 
 }  // namespace
 
@@ -182,58 +161,14 @@ void correctQuotes(std::vector<Symbol>& symbols, const std::vector<Glyph>& glyph
   }
 }
 
-void correctDashes(std::vector<Symbol>& symbols, const std::vector<Glyph>& glyphs, const TextLine& line) {
+void correctDashes(std::vector<Symbol>& symbols, const GreyBitmap& ink, const TextLine& line) {
+  constexpr std::string_view dashes[] = {"-", "–", "—"};
   for (Symbol& symbol : symbols) {
-    if (symbol.text != "—" && symbol.text != "–") continue;
-    std::vector<int> widths;
-    for (const Glyph& glyph : glyphs) {
-      const bool flat = glyph.height() * 4 <= line.letterHeight + 4 && glyph.width() >= 2 * glyph.height();
-      const int middle = middleOf(glyph.box);
-      if (flat && glyph.box.bottom < line.baseline && middle >= symbol.box.left && middle <= symbol.box.right)
-        widths.push_back(glyph.width());
-    }
-    if (widths.size() > 1) symbol.text = std::string(widths.size(), '-');
-  }
-}
-
-void correctSpaces(std::vector<Symbol>& symbols, const std::vector<Glyph>& glyphs, const TextLine& line) {
-  const int tolerance = std::max(2, line.letterHeight / 2);
-  const std::vector<Gap> gaps = gapsOf(glyphs);
-  const auto spaceAmong = [&](const std::vector<std::size_t>& indices) {
-    return std::find_if(indices.begin(), indices.end(),
-                        [&](std::size_t i) { return symbols[i].spaceBefore; });
-  };
-  // The widest gap that each space that was read may be.
-  std::vector<int> widths(symbols.size());
-  for (const Gap& gap : gaps) {
-    const std::vector<std::size_t> after = symbolsAfter(gap, symbols, tolerance);
-    if (const auto i = spaceAmong(after); i != after.end()) widths[*i] = std::max(widths[*i], gap.width());
-  }
-  std::vector<int> spaces;
-  std::copy_if(widths.begin(), widths.end(), std::back_inserter(spaces), [](int width) { return width > 0; });
-  // With few spaces there is no telling how wide one is.
-  constexpr std::size_t fewest = 3;
-  if (spaces.size() < fewest) return;
-  const auto middle = spaces.begin() + static_cast<std::ptrdiff_t>(spaces.size() / 2);
-  std::nth_element(spaces.begin(), middle, spaces.end());
-  const int usual = *middle;
-
-  for (std::size_t i = 1; i < symbols.size(); ++i) {
-    // Letters may reach under their neighbour, as j does; then the gap is no measure.
-    const bool inWord = isWordCharacter(symbols[i - 1]) && isWordCharacter(symbols[i]);
-    if (widths[i] > 0 && widths[i] * 100 < usual * noSpaceBelow && !inWord) symbols[i].spaceBefore = false;
-  }
-  for (const Gap& gap : gaps) {
-    if (gap.width() * 100 < usual * spaceFrom) continue;
-    const std::vector<std::size_t> after = symbolsAfter(gap, symbols, tolerance);
-    if (after.empty() || spaceAmong(after) != after.end()) continue;
-    const std::size_t i = after.front();
-    // In small text the boxes may be off by a character, and the space there already.
-    constexpr int small = 8;
-    const bool isNear = line.letterHeight < small && (symbols[i - 1].spaceBefore ||
-                                                      (i + 1 < symbols.size() && symbols[i + 1].spaceBefore));
-    // Digits have one width, and some much room in it.
-    if (!isNear && !isDigit(symbols[i]) && !isDigit(symbols[i - 1])) symbols[i].spaceBefore = true;
+    const bool isDash = std::find(std::begin(dashes), std::end(dashes), symbol.text) != std::end(dashes);
+    const bool isFlat = 4 * (symbol.box.bottom - symbol.box.top + 1) <= line.letterHeight + 4;
+    if (!isDash || !isFlat || !symbol.hasOwnInk) continue;
+    const int strokes = strokesAlong(ink, symbol.box);
+    if (strokes > 1) symbol.text = std::string(static_cast<std::size_t>(strokes), '-');
   }
 }
 

@@ -22,10 +22,7 @@ void correctQuotes(std::vector<Symbol>& symbols, const std::vector<Glyph>& glyph
                    const TextLine& line);
 
 /// Makes a dash as many hyphens where there are several strokes.
-void correctDashes(std::vector<Symbol>& symbols, const std::vector<Glyph>& glyphs, const TextLine& line);
-
-/// Adds and removes spaces where the width of the gap leaves no doubt.
-void correctSpaces(std::vector<Symbol>& symbols, const std::vector<Glyph>& glyphs, const TextLine& line);
+void correctDashes(std::vector<Symbol>& symbols, const GreyBitmap& ink, const TextLine& line);
 
 /// Reads the zero in front of hexadecimal digits as one.
 void correctHexadecimals(std::vector<Symbol>& symbols);

@@ -15,6 +15,9 @@ struct LineImage {
   PixelBox toImage(const PixelBox& box) const;
 };
 
+/// The ink that most of the glyphs' strokes reach, so that faint lines become as black as others.
+int fullInk(const GreyBitmap& ink, const std::vector<Glyph>& glyphs);
+
 /// Draws the given glyphs of a line alone: what else crosses the line's box stays out.
 LineImage drawLine(const GreyBitmap& ink, const TextLine& line, const std::vector<Glyph>& glyphs);
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <set>
 
 namespace lumiscan::desktop {
 
@@ -18,20 +19,41 @@ std::size_t lettersIn(const std::string& text) {
   return count;
 }
 
-bool isSure(const ReadLine& line) {
-  const std::size_t letters = lettersIn(line.text);
-  if (letters < 3 || line.glyphs > 4 * line.symbols) return false;
-  if (line.confidence >= 85) return true;
-  // Patterns make a few letters now and then, but hardly many, and hardly letters alone.
-  if (line.confidence >= 75) return 2 * letters >= line.symbols;
-  return line.confidence >= 60 && letters >= 8 && 4 * letters >= 3 * line.symbols;
+/// Letters that touch make fewer pieces than symbols; what is no text is read piece by piece, if at all.
+bool hasTouchingLetters(const ReadLine& line) { return 10 * line.pieces <= 8 * line.symbols; }
+
+/// Whether there is a word of several different letters: patterns make the same few again and again.
+bool hasLongWord(const std::string& text) {
+  constexpr std::size_t fewestLetters = 6;
+  constexpr std::size_t fewestDifferent = 5;
+  std::string word;
+  for (const char c : text + ' ') {
+    if (std::isalpha(static_cast<unsigned char>(c))) {
+      word += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+      continue;
+    }
+    if (word.size() >= fewestLetters && std::set<char>(word.begin(), word.end()).size() >= fewestDifferent)
+      return true;
+    word.clear();
+  }
+  return false;
 }
 
-/// A key cap, a counter: so little text that the engine must be very sure of it.
+bool isSure(const ReadLine& line) {
+  if (line.likely >= 3 && 2 * line.likely >= line.symbols) return true;
+  const std::size_t letters = lettersIn(line.text);
+  if (letters < 3 || (line.likely == 0 && !hasTouchingLetters(line))) return false;
+  return line.confidence >= 85 ||
+         (line.confidence >= 55 && hasTouchingLetters(line) && hasLongWord(line.text));
+}
+
+/// A key cap, a counter, a bracket: so little text that the engine must be very sure of it, or its shape.
 bool isLoneLabel(const ReadLine& line) {
-  constexpr double leastConfidence = 85;
-  return line.confidence >= leastConfidence && 2 * lettersIn(line.text) >= line.symbols &&
-         line.glyphs <= 2 * line.symbols + 1;
+  const std::size_t letters = lettersIn(line.text);
+  const bool isStroke = line.text.find_first_not_of("_-|Il. ") == std::string::npos;
+  if (line.likely == line.symbols && !isStroke && line.confidence >= (line.symbols > 1 ? 40 : 70))
+    return true;
+  return line.confidence >= 85 && 2 * letters >= line.symbols && line.pieces <= line.symbols;
 }
 
 }  // namespace
@@ -49,8 +71,9 @@ void dropImplausible(std::vector<ReadLine>& lines) {
   const auto [smallest, largest] = std::minmax_element(sureHeights.begin(), sureHeights.end());
   std::erase_if(lines, [smallest = *smallest, largest = *largest](const ReadLine& line) {
     constexpr double leastConfidence = 20;
-    const bool ofTheirSize = 3 * line.letterHeight >= smallest && line.letterHeight <= 3 * largest;
-    return line.confidence < leastConfidence || (!ofTheirSize && !isLoneLabel(line));
+    const bool isOfTheirSize = 3 * line.letterHeight >= smallest && line.letterHeight <= 3 * largest;
+    const bool isRead = line.confidence >= leastConfidence || 2 * line.likely >= line.symbols;
+    return !isRead || (!isOfTheirSize && !isLoneLabel(line));
   });
 }
 

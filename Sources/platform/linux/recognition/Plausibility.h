@@ -11,11 +11,12 @@ struct ReadLine {
   double confidence = 0;    ///< The engine's, from 0 to 100.
   int letterHeight = 0;     ///< Pixels.
   std::size_t symbols = 0;  ///< Read,
-  std::size_t glyphs = 0;   ///< from so many pieces of ink.
+  std::size_t likely = 0;   ///< so many of which look like what they were read as,
+  std::size_t pieces = 0;   ///< from so many pieces of ink that stand side by side.
 };
 
-/// Drops the lines that were read into what is no text: icons, pictures, patterns. Lines with several letters
-/// or digits, surely read, vouch for the others of an image.
+/// Drops the lines that were read into what is no text: icons, pictures, patterns. Lines that surely are text
+/// vouch for the others of an image.
 void dropImplausible(std::vector<ReadLine>& lines);
 
 }  // namespace lumiscan::desktop

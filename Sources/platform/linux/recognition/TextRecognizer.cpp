@@ -11,13 +11,9 @@
 #include <utility>
 
 #include "platform/linux/recognition/EnginePool.h"
-#include "platform/linux/recognition/GlyphCorrections.h"
 #include "platform/linux/recognition/ImagePreparation.h"
 #include "platform/linux/recognition/LanguageData.h"
-#include "platform/linux/recognition/LineImage.h"
-#include "platform/linux/recognition/Plausibility.h"
-#include "platform/linux/recognition/TextLayout.h"
-#include "platform/linux/recognition/Utf8.h"
+#include "platform/linux/recognition/LineReader.h"
 
 namespace lumiscan::desktop {
 
@@ -27,12 +23,6 @@ using platform::Error;
 using platform::Image;
 using platform::Result;
 using platform::TextObservation;
-
-std::string join(const std::vector<Symbol>& symbols) {
-  std::string text;
-  for (const Symbol& symbol : symbols) text += (symbol.spaceBefore ? " " : "") + symbol.text;
-  return repairedUtf8(text);
-}
 
 /// English last among languages of the Latin script: its models lack the others' letters, and a first
 /// language's reading without accents would stand before the right one is asked for.
@@ -46,26 +36,6 @@ void moveEnglishBack(std::vector<std::string>& names) {
   const auto english = std::find(names.begin(), names.end(), "eng");
   if (english != names.end() && std::all_of(names.begin(), names.end(), isLatin))
     std::rotate(english, english + 1, names.end());
-}
-
-bool isBlank(const std::string& text) { return text.find_first_not_of(" \t\r\n\f\v") == std::string::npos; }
-
-ReadLine readLine(Engine& engine, const GreyBitmap& ink, const TextLine& line) {
-  std::vector<Glyph> letters = line.glyphs;
-  const std::vector<Glyph> underscores = takeUnderscores(letters, line);
-  // Strokes below nothing are a rule.
-  if (letters.empty()) return {};
-  const LineImage image = drawLine(ink, line, letters);
-  LineReading reading = engine.readLine(image.bitmap);
-  std::vector<Symbol>& symbols = reading.symbols;
-  for (Symbol& symbol : symbols) symbol.box = image.toImage(symbol.box);
-  const std::size_t count = symbols.size();
-  correctSpaces(symbols, letters, line);
-  insertUnderscores(symbols, underscores, letters, line.letterHeight);
-  correctQuotes(symbols, letters, ink, line);
-  correctDashes(symbols, letters, line);
-  correctHexadecimals(symbols);
-  return {join(symbols), reading.confidence, line.letterHeight, count, letters.size()};
 }
 
 }  // namespace
@@ -116,14 +86,8 @@ struct TesseractRecognizer::State {
     if (!borrowed.ok()) return borrowed.error();
     const std::shared_ptr<Engine> engine = std::move(borrowed).value();
     const GreyBitmap ink = inkOf(image);
-    std::vector<ReadLine> lines;
-    for (const TextLine& line : findTextLines(ink)) {
-      lines.push_back(readLine(*engine, ink, line));
-      if (isBlank(lines.back().text)) lines.pop_back();
-    }
-    dropImplausible(lines);
     std::vector<TextObservation> observations;
-    for (ReadLine& line : lines) observations.push_back({{std::move(line.text)}});
+    for (std::string& text : readLines(*engine, ink)) observations.push_back({{std::move(text)}});
     return observations;
   }
 };

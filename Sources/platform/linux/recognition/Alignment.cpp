@@ -1,0 +1,134 @@
+#include "platform/linux/recognition/Alignment.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "platform/linux/recognition/Utf8.h"
+
+namespace lumiscan::desktop {
+
+namespace {
+
+// Costs of a match; about the logarithm of how unlikely it is.
+constexpr double inkWithoutSymbol = 3;
+constexpr double symbolWithoutInk = 3;
+constexpr double touching = 0.8;         // For each symbol but one of a cluster.
+constexpr double inPieces = 0.5;         // For each cluster but one of a symbol.
+constexpr double perLetterHeight = 0.5;  // Between where a symbol was seen and where its ink is.
+constexpr double farthest = 3;
+constexpr double unknownShape = 0.7;
+constexpr std::size_t mostTouching = 6;
+constexpr std::size_t mostPieces = 3;
+
+class Aligner {
+ public:
+  Aligner(LineShapes& shapes, const std::vector<Symbol>& symbols)
+      : shapes_(shapes),
+        symbols_(symbols),
+        clusterCount_(shapes.clusters().size()),
+        letterHeight_(std::max(1, shapes.line().letterHeight)),
+        steps_((clusterCount_ + 1) * (symbols.size() + 1)) {}
+
+  std::vector<Match> align() {
+    at(0, 0).cost = 0;
+    for (std::size_t c = 0; c <= clusterCount_; ++c)
+      for (std::size_t s = 0; s <= symbols_.size(); ++s)
+        if (at(c, s).cost < impossible) extend(c, s);
+    std::vector<Match> matches;
+    std::size_t c = clusterCount_;
+    std::size_t s = symbols_.size();
+    while (c > 0 || s > 0) {
+      const Step& step = at(c, s);
+      c -= step.clusters;
+      s -= step.symbols;
+      matches.push_back({c, step.clusters, s, step.symbols});
+    }
+    std::reverse(matches.begin(), matches.end());
+    return matches;
+  }
+
+ private:
+  static constexpr double impossible = std::numeric_limits<double>::infinity();
+
+  struct Step {
+    double cost = impossible;
+    std::size_t clusters = 0, symbols = 0;  // Of the last match.
+  };
+
+  Step& at(std::size_t cluster, std::size_t symbol) {
+    return steps_[cluster * (symbols_.size() + 1) + symbol];
+  }
+
+  /// Tries every match that begins with this cluster and this symbol.
+  void extend(std::size_t c, std::size_t s) {
+    const double cost = at(c, s).cost;
+    const auto offer = [&](std::size_t clusters, std::size_t symbols, double more) {
+      Step& next = at(c + clusters, s + symbols);
+      if (cost + more < next.cost) next = {cost + more, clusters, symbols};
+    };
+    const bool hasCluster = c < clusterCount_;
+    const bool hasSymbol = s < symbols_.size();
+    if (hasCluster) offer(1, 0, inkWithoutSymbol);
+    if (hasSymbol) offer(0, 1, symbolWithoutInk);
+    if (!hasCluster || !hasSymbol || distance(c, 1, s, 1) > farthest + 2) return;
+    offer(1, 1, pairCost(c, 1, s));
+    for (std::size_t n = 2; n <= mostPieces && c + n <= clusterCount_ && areNear(c + n - 2); ++n)
+      offer(n, 1, pairCost(c, n, s) + inPieces * static_cast<double>(n - 1));
+    for (std::size_t n = 2; n <= mostTouching && s + n <= symbols_.size(); ++n) {
+      if (symbols_[s + n - 1].spaceBefore) break;
+      offer(1, n, touchingCost(c, s, n));
+    }
+  }
+
+  /// Whether the cluster and the next may be pieces of one character.
+  bool areNear(std::size_t c) const {
+    const auto& clusters = shapes_.clusters();
+    return 5 * (clusters[c + 1].box.left - clusters[c].box.right) <= 2 * letterHeight_ + 5;
+  }
+
+  /// Between the middles, in heights of a letter.
+  double distance(std::size_t c, std::size_t clusters, std::size_t s, std::size_t symbols) const {
+    const int ink = shapes_.clusters()[c].box.left + shapes_.clusters()[c + clusters - 1].box.right;
+    const int seen = symbols_[s].box.left + symbols_[s + symbols - 1].box.right;
+    return std::abs(ink - seen) / 2.0 / letterHeight_;
+  }
+
+  double placeCost(std::size_t c, std::size_t clusters, std::size_t s, std::size_t symbols) const {
+    return perLetterHeight * std::min(farthest, distance(c, clusters, s, symbols));
+  }
+
+  double pairCost(std::size_t c, std::size_t clusters, std::size_t s) {
+    const char32_t character = onlyCodePoint(symbols_[s].text);
+    const Classification& shape = shapes_.classification(c, clusters);
+    double cost = unknownShape;
+    if (shape.knows(character)) {
+      constexpr double least = 1e-3;
+      cost = -0.3 * std::log(std::max(least, static_cast<double>(shape.of(character))));
+    }
+    return cost + placeCost(c, clusters, s, 1);
+  }
+
+  double touchingCost(std::size_t c, std::size_t s, std::size_t count) {
+    const PixelBox& box = shapes_.clusters()[c].box;
+    // Even l needs a fourth of its height.
+    const double width = static_cast<double>(box.right - box.left + 1) / letterHeight_;
+    if (width < 0.3 * static_cast<double>(count)) return impossible;
+    const double single = 1 - static_cast<double>(shapes_.classification(c).of(Classification::noCharacter));
+    return touching * static_cast<double>(count - 1) * single + 0.3 * single + placeCost(c, 1, s, count);
+  }
+
+  LineShapes& shapes_;
+  const std::vector<Symbol>& symbols_;
+  std::size_t clusterCount_;
+  int letterHeight_;
+  std::vector<Step> steps_;
+};
+
+}  // namespace
+
+std::vector<Match> align(LineShapes& shapes, const std::vector<Symbol>& symbols) {
+  return Aligner(shapes, symbols).align();
+}
+
+}  // namespace lumiscan::desktop

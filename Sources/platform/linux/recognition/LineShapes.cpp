@@ -1,0 +1,20 @@
+#include "platform/linux/recognition/LineShapes.h"
+
+namespace lumiscan::desktop {
+
+LineShapes::LineShapes(const GreyBitmap& ink, const TextLine& line, const std::vector<Glyph>& glyphs)
+    : ink_(ink), line_(line), clusters_(clustersOf(glyphs)) {}
+
+const Classification& LineShapes::classification(std::size_t first, std::size_t count) {
+  const auto known = classified_.find({first, count});
+  if (known != classified_.end()) return known->second;
+  const GlyphShape shape = shapeOf(ink_, joined(clusters_, first, count), line_);
+  return classified_.emplace(std::pair(first, count), GlyphClassifier::shared().classify(shape))
+      .first->second;
+}
+
+PixelBox LineShapes::box(std::size_t first, std::size_t count) const {
+  return joined(clusters_, first, count).box;
+}
+
+}  // namespace lumiscan::desktop

@@ -1,0 +1,121 @@
+#include "platform/linux/recognition/ShapeCorrections.h"
+
+#include <unicode/uchar.h>
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+#include "platform/linux/recognition/Alignment.h"
+#include "platform/linux/recognition/Utf8.h"
+
+namespace lumiscan::desktop {
+
+namespace {
+
+bool isLetter(char32_t c) { return u_isalpha(static_cast<UChar32>(c)); }
+
+bool isQuote(char32_t c) { return std::u32string_view(U"'\"`‘’“”´").find(c) != std::u32string_view::npos; }
+
+bool areCasesOfOne(char32_t a, char32_t b) {
+  return u_foldCase(static_cast<UChar32>(a), U_FOLD_CASE_DEFAULT) ==
+         u_foldCase(static_cast<UChar32>(b), U_FOLD_CASE_DEFAULT);
+}
+
+/// How sure the classifier must be of its own character, and how sure that the engine's is wrong. The engine
+/// knows words: among letters it is seldom wrong, among quotation marks it is partial to those of books.
+struct Demand {
+  float least;  // Probability of the classifier's character,
+  float most;   // and of the engine's.
+};
+
+Demand demandFor(char32_t read, char32_t seen, double confidence) {
+  const bool isSure = confidence >= 98;
+  if (isQuote(seen) && !isLetter(read)) return {0.5F, 0.3F};
+  if (isSure || (isLetter(read) && isLetter(seen))) return {0.99F, 0.001F};
+  if (isLetter(seen)) return {0.98F, 0.01F};
+  if (isLetter(read)) return {0.8F, 0.02F};
+  return confidence > 90 ? Demand{0.98F, 0.01F} : Demand{0.8F, 0.1F};
+}
+
+/// What the symbol becomes by its shape.
+void correctSymbol(Symbol& symbol, const Classification& shape) {
+  const char32_t read = onlyCodePoint(symbol.text);
+  const char32_t seen = shape.best();
+  if (read == seen || seen == Classification::noCharacter || !shape.knows(read) || areCasesOfOne(read, seen))
+    return;
+  const Demand demand = demandFor(read, seen, symbol.confidence);
+  if (shape.bestProbability() >= demand.least && shape.of(read) <= demand.most) symbol.text = utf8Of(seen);
+}
+
+/// A stroke that ends on the line was no bar, as bars reach below it: the letter that sounds alone or begins
+/// a word is I, one within a word l.
+void correctBar(Symbol& symbol, const Classification& shape, bool isAfterLetter) {
+  constexpr float rarely = 0.1F;
+  constexpr float mostly = 0.6F;
+  if (symbol.text == "|" && shape.of(U'|') < rarely && shape.of(U'I') + shape.of(U'l') > mostly)
+    symbol.text.assign(1, isAfterLetter ? 'l' : 'I');
+}
+
+/// Shares the ink of a cluster among symbols that touch.
+void divide(const PixelBox& box, std::vector<Symbol>& symbols, const Match& match) {
+  const auto count = static_cast<int>(match.symbolCount);
+  for (int i = 0; i < count; ++i) {
+    const auto edge = [&](int k) { return box.left + (box.right - box.left + 1) * k / count; };
+    symbols[match.firstSymbol + static_cast<std::size_t>(i)].box = {edge(i), box.top, edge(i + 1) - 1,
+                                                                    box.bottom};
+  }
+}
+
+/// Ink that the engine passed over, where it surely is a sign.
+bool isSurelyMissing(const Classification& shape) {
+  constexpr float sure = 0.9F;
+  return shape.best() != Classification::noCharacter && shape.bestProbability() >= sure;
+}
+
+bool isOneToOne(const Match& match) { return match.clusterCount > 0 && match.symbolCount == 1; }
+
+}  // namespace
+
+void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
+  const std::vector<Match> matches = align(shapes, symbols);
+  // Beside letters that touch there may be a slip of the alignment.
+  const auto isSteady = [&](std::size_t i) {
+    const auto isPlain = [](const Match& match) { return match.clusterCount > 0 && match.symbolCount < 2; };
+    return (i == 0 || isPlain(matches[i - 1])) && (i + 1 == matches.size() || isPlain(matches[i + 1]));
+  };
+  std::vector<Symbol> corrected;
+  for (std::size_t m = 0; m < matches.size(); ++m) {
+    const Match& match = matches[m];
+    if (match.symbolCount == 0) {
+      const Classification& shape = shapes.classification(match.firstCluster);
+      if (isSurelyMissing(shape))
+        corrected.push_back({utf8Of(shape.best()), false, shapes.box(match.firstCluster), 50, true, true});
+      continue;
+    }
+    if (match.clusterCount > 0) divide(shapes.box(match.firstCluster, match.clusterCount), symbols, match);
+    Symbol& first = symbols[match.firstSymbol];
+    first.hasOwnInk = isOneToOne(match);
+    constexpr double mild = 90;
+    const bool isAfterLetter =
+        !corrected.empty() && !first.spaceBefore && isLetter(onlyCodePoint(corrected.back().text));
+    if (first.hasOwnInk)
+      correctBar(first, shapes.classification(match.firstCluster, match.clusterCount), isAfterLetter);
+    if (first.hasOwnInk && (first.confidence < mild || isSteady(m)))
+      correctSymbol(first, shapes.classification(match.firstCluster, match.clusterCount));
+    constexpr float likely = 0.3F;
+    first.isLikely =
+        first.hasOwnInk &&
+        shapes.classification(match.firstCluster, match.clusterCount).of(onlyCodePoint(first.text)) >= likely;
+    for (std::size_t i = 0; i < match.symbolCount; ++i)
+      corrected.push_back(std::move(symbols[match.firstSymbol + i]));
+  }
+  symbols = std::move(corrected);
+}
+
+std::size_t likelyCount(const std::vector<Symbol>& symbols) {
+  return static_cast<std::size_t>(
+      std::count_if(symbols.begin(), symbols.end(), [](const Symbol& symbol) { return symbol.isLikely; }));
+}
+
+}  // namespace lumiscan::desktop
