@@ -27,14 +27,11 @@ struct Levels {
 
 constexpr int leastContrast = 48;  // Of a code.
 
-/// Whether about as much is dark as light between two levels: of text at most a quarter is ink.
-bool areBalanced(const Levels& levels, int darkest, int lightest) {
+/// Whether about as much is dark as light between two levels: of text at most a quarter is ink. `least` in
+/// percent, of either.
+bool areBalanced(const Levels& levels, int darkest, int lightest, int least) {
   const int lightShare = 100 * (levels.sum / levels.count - darkest) / (lightest - darkest);
-  return lightShare >= 24 && lightShare <= 76;
-}
-
-bool areBalanced(const Levels& levels) {
-  return levels.contrast() >= leastContrast && areBalanced(levels, levels.darkest, levels.lightest);
+  return lightShare >= least && lightShare <= 100 - least;
 }
 
 /// `count` pixels, each `step` after the one before.
@@ -54,6 +51,8 @@ struct Strip {
   Levels levels;
   int changes = 0;  ///< How often dark and light alternate.
 };
+
+bool isPlain(const Levels& levels) { return levels.contrast() < leastContrast / 2; }
 
 /// A part of the image without the ground around it, row by row and column by column.
 class Strips {
@@ -92,8 +91,6 @@ class Strips {
   }
   Levels rowAt(int y) const { return levelsOf(pixelAt(box_.left, y), box_.width()); }
   Levels columnAt(int x) const { return levelsOf(pixelAt(x, box_.top), box_.height(), image_.width); }
-  static bool isPlain(const Levels& levels) { return levels.contrast() < leastContrast / 2; }
-
   int changes(const std::uint8_t* pixels, int count, std::ptrdiff_t step) const {
     const int margin = all_.contrast() / 8;
     const int middle = (all_.darkest + all_.lightest) / 2;
@@ -116,7 +113,8 @@ class Strips {
   /// its height and little elsewhere, and its columns as the letters have it.
   bool areEven(const std::vector<Strip>& strips) const {
     const auto even = std::count_if(strips.begin(), strips.end(), [&](const Strip& strip) {
-      return areBalanced(strip.levels, all_.darkest, all_.lightest);
+      constexpr int least = 24;
+      return areBalanced(strip.levels, all_.darkest, all_.lightest, least);
     });
     constexpr double leastEven = 0.6;
     return static_cast<double>(even) >= leastEven * static_cast<double>(strips.size());
@@ -158,7 +156,7 @@ class BalancedCells {
       }
     for (int row = 0; row < rows_; ++row)
       for (int column = 0; column < columns_; ++column)
-        balanced_[index(column, row)] = areBalanced(around(column, row));
+        balanced_[index(column, row)] = isBalanced(around(column, row));
   }
 
   /// The box, in cells, around each group of balanced neighbours.
@@ -174,6 +172,12 @@ class BalancedCells {
   std::size_t index(int column, int row) const {
     return static_cast<std::size_t>(row) * static_cast<std::size_t>(columns_) +
            static_cast<std::size_t>(column);
+  }
+
+  static bool isBalanced(const Levels& levels) {
+    // A little less than in a code, since its ground may be among them.
+    constexpr int least = 20;
+    return levels.contrast() >= leastContrast && areBalanced(levels, levels.darkest, levels.lightest, least);
   }
 
   Levels around(int column, int row) const {
@@ -209,6 +213,24 @@ class BalancedCells {
   std::vector<bool> balanced_;
 };
 
+/// The box with each side moved outwards to where the ground shows, if that is at most `most` pixels away.
+PixelBox grown(const GreyBitmap& image, const PixelBox& box, int most) {
+  const auto rowAt = [&](int y) {
+    return levelsOf(&image.pixels[0] + static_cast<std::ptrdiff_t>(y) * image.width + box.left, box.width());
+  };
+  const auto columnAt = [&](int x) {
+    return levelsOf(&image.pixels[0] + static_cast<std::ptrdiff_t>(box.top) * image.width + x, box.height(),
+                    image.width);
+  };
+  const auto moved = [&](int side, int step, int end, const auto& stripAt) {
+    for (int i = 0, at = side; i <= most && at != end; ++i, at += step)
+      if (isPlain(stripAt(at))) return at;
+    return side;
+  };
+  return {moved(box.left, -1, -1, columnAt), moved(box.top, -1, -1, rowAt),
+          moved(box.right, 1, image.width, columnAt), moved(box.bottom, 1, image.height, rowAt)};
+}
+
 }  // namespace
 
 std::vector<PixelBox> regionsOfInterest(const GreyBitmap& image) {
@@ -216,9 +238,10 @@ std::vector<PixelBox> regionsOfInterest(const GreyBitmap& image) {
   std::vector<PixelBox> regions;
   for (const int cellSize : {8, 24})
     for (const PixelBox& cells : BalancedCells(image, cellSize).groups()) {
-      const PixelBox box{std::max(0, (cells.left - 1) * cellSize), std::max(0, (cells.top - 1) * cellSize),
-                         std::min(image.width, (cells.right + 2) * cellSize) - 1,
-                         std::min(image.height, (cells.bottom + 2) * cellSize) - 1};
+      PixelBox box{std::max(0, (cells.left - 1) * cellSize), std::max(0, (cells.top - 1) * cellSize),
+                   std::min(image.width, (cells.right + 2) * cellSize) - 1,
+                   std::min(image.height, (cells.bottom + 2) * cellSize) - 1};
+      box = grown(image, box, 2 * cellSize);
       if (std::min(box.width(), box.height()) >= smallestSide && Strips(image, box).mayBeCode())
         regions.push_back(box);
     }
