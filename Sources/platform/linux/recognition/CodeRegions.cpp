@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <tuple>
 #include <utility>
 
 namespace lumiscan::desktop {
@@ -44,6 +45,10 @@ Levels levelsOf(const std::uint8_t* pixels, int count, std::ptrdiff_t step = 1) 
   }
   levels.count = count;
   return levels;
+}
+
+bool isBalanced(const Levels& levels, int least) {
+  return levels.contrast() >= leastContrast && areBalanced(levels, levels.darkest, levels.lightest, least);
 }
 
 /// A row or a column of pixels.
@@ -141,8 +146,8 @@ class Strips {
 class BalancedCells {
  public:
   /// `cellSize` in pixels: codes whose margin is narrower fall into one group, and modules much larger are
-  /// no balance.
-  BalancedCells(const GreyBitmap& image, int cellSize)
+  /// no balance. `least` in percent: how much must be dark, and how much light.
+  BalancedCells(const GreyBitmap& image, int cellSize, int least)
       : columns_((image.width + cellSize - 1) / cellSize),
         rows_((image.height + cellSize - 1) / cellSize),
         cells_(static_cast<std::size_t>(columns_) * static_cast<std::size_t>(rows_)),
@@ -156,7 +161,7 @@ class BalancedCells {
       }
     for (int row = 0; row < rows_; ++row)
       for (int column = 0; column < columns_; ++column)
-        balanced_[index(column, row)] = isBalanced(around(column, row));
+        balanced_[index(column, row)] = isBalanced(around(column, row), least);
   }
 
   /// The box, in cells, around each group of balanced neighbours.
@@ -172,12 +177,6 @@ class BalancedCells {
   std::size_t index(int column, int row) const {
     return static_cast<std::size_t>(row) * static_cast<std::size_t>(columns_) +
            static_cast<std::size_t>(column);
-  }
-
-  static bool isBalanced(const Levels& levels) {
-    // A little less than in a code, since its ground may be among them.
-    constexpr int least = 20;
-    return levels.contrast() >= leastContrast && areBalanced(levels, levels.darkest, levels.lightest, least);
   }
 
   Levels around(int column, int row) const {
@@ -236,8 +235,9 @@ PixelBox grown(const GreyBitmap& image, const PixelBox& box, int most) {
 std::vector<PixelBox> regionsOfInterest(const GreyBitmap& image) {
   constexpr int smallestSide = 10;  // Pixels.
   std::vector<PixelBox> regions;
-  for (const int cellSize : {8, 24})
-    for (const PixelBox& cells : BalancedCells(image, cellSize).groups()) {
+  // Among the cells of a small code are some of its ground; close to text only its very middle stands out.
+  for (const auto& [cellSize, least] : {std::pair(8, 20), std::pair(8, 30), std::pair(24, 24)})
+    for (const PixelBox& cells : BalancedCells(image, cellSize, least).groups()) {
       PixelBox box{std::max(0, (cells.left - 1) * cellSize), std::max(0, (cells.top - 1) * cellSize),
                    std::min(image.width, (cells.right + 2) * cellSize) - 1,
                    std::min(image.height, (cells.bottom + 2) * cellSize) - 1};
@@ -245,8 +245,12 @@ std::vector<PixelBox> regionsOfInterest(const GreyBitmap& image) {
       if (std::min(box.width(), box.height()) >= smallestSide && Strips(image, box).mayBeCode())
         regions.push_back(box);
     }
-  std::stable_sort(regions.begin(), regions.end(),
-                   [](const PixelBox& a, const PixelBox& b) { return a.area() < b.area(); });
+  const auto order = [](const PixelBox& box) {
+    return std::tuple(box.area(), box.top, box.left, box.width());
+  };
+  std::sort(regions.begin(), regions.end(),
+            [&](const PixelBox& a, const PixelBox& b) { return order(a) < order(b); });
+  regions.erase(std::unique(regions.begin(), regions.end()), regions.end());
   return regions;
 }
 

@@ -21,6 +21,7 @@ struct PixelBox {
   int width() const { return right - left + 1; }
   int height() const { return bottom - top + 1; }
   std::int64_t area() const { return std::int64_t{width()} * height(); }
+  bool operator==(const PixelBox&) const = default;
 };
 
 /// Luminances of an image's pixels, 0 black to 255 white; origin at the top left, y downwards.
