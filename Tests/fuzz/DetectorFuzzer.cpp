@@ -11,7 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::vector<Symbology> symbologies{
       Symbology::qr,   Symbology::aztec,   Symbology::dataMatrix, Symbology::pdf417, Symbology::ean13,
       Symbology::ean8, Symbology::code128, Symbology::code39,     Symbology::code93, Symbology::upce};
-  constexpr std::size_t mostPixels = 40'000;
+  constexpr std::size_t mostPixels = 20'000;
   const platform::Image image = fuzzing::imageFromBytes({data, size}, mostPixels);
   const auto codes = desktop::ZXingDetector().perform(symbologies, image);
   // The library must come to an end by itself, not by an exception; only a side beyond the limit is refused.

@@ -236,7 +236,8 @@ std::vector<PixelBox> regionsOfInterest(const GreyBitmap& image) {
   constexpr int smallestSide = 10;  // Pixels.
   std::vector<PixelBox> regions;
   // Among the cells of a small code are some of its ground; close to text only its very middle stands out.
-  for (const auto& [cellSize, least] : {std::pair(8, 20), std::pair(8, 30), std::pair(24, 24)})
+  for (const auto& [cellSize, least] :
+       {std::pair(4, 28), std::pair(8, 20), std::pair(8, 30), std::pair(24, 24)})
     for (const PixelBox& cells : BalancedCells(image, cellSize, least).groups()) {
       PixelBox box{std::max(0, (cells.left - 1) * cellSize), std::max(0, (cells.top - 1) * cellSize),
                    std::min(image.width, (cells.right + 2) * cellSize) - 1,

@@ -47,12 +47,22 @@ void paintOver(GreyBitmap& bitmap, const std::vector<FoundCode>& codes) {
   }
 }
 
+bool isPlain(const GreyBitmap& image) {
+  const auto [darkest, lightest] = std::minmax_element(image.pixels.begin(), image.pixels.end());
+  return *darkest == *lightest;
+}
+
 /// The image as it is, in both polarities.
 std::vector<FoundCode> searchWhole(const GreyBitmap& image, BarcodeFormats formats) {
   std::vector<FoundCode> found[2];
-  inParallel(2, [&](std::size_t polarity) {
+  const auto read = [&](std::size_t polarity) {
     found[polarity] = readCodes(polarity == 0 ? image : inverted(image), {formats, shortestBars});
-  });
+  };
+  constexpr std::size_t mostAtOnce = 50'000'000;  // Pixels; each polarity takes some bytes a pixel.
+  if (image.pixels.size() <= mostAtOnce)
+    inParallel(2, read);
+  else
+    for (const std::size_t polarity : {0, 1}) read(polarity);
   for (FoundCode& code : found[1]) addIfNew(found[0], std::move(code));
   return std::move(found[0]);
 }
@@ -99,7 +109,7 @@ std::vector<FoundCode> searchCodes(const GreyBitmap& image, BarcodeFormats forma
       // The whole of a small image too: what was selected to be read may be all code.
       constexpr std::int64_t smallImage = 500'000;
       const PixelBox whole{0, 0, image.width - 1, image.height - 1};
-      if (found.empty() && whole.area() <= smallImage) regions->push_back(whole);
+      if (found.empty() && whole.area() <= smallImage && !isPlain(image)) regions->push_back(whole);
     }
     constexpr std::int64_t largestView =
         4'000'000;  // Pixels; a part that is large itself holds no small code.
