@@ -142,26 +142,66 @@ class Strips {
   Levels all_;
 };
 
+/// The image in square cells. Codes whose margin is narrower than a cell fall into one group, and modules
+/// much larger than one are no balance.
+struct CellGrid {
+  int cellSize;  ///< In pixels.
+  int columns, rows;
+  std::vector<Levels> cells;
+
+  CellGrid(int size, int width, int height)
+      : cellSize(size),
+        columns((width + size - 1) / size),
+        rows((height + size - 1) / size),
+        cells(static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows)) {}
+
+  Levels& at(int column, int row) { return cells[index(column, row)]; }
+  const Levels& at(int column, int row) const { return cells[index(column, row)]; }
+
+  Levels around(int column, int row) const {
+    Levels levels;
+    for (int y = std::max(0, row - 1); y <= std::min(rows - 1, row + 1); ++y)
+      for (int x = std::max(0, column - 1); x <= std::min(columns - 1, column + 1); ++x) levels.add(at(x, y));
+    return levels;
+  }
+
+ private:
+  std::size_t index(int column, int row) const {
+    return static_cast<std::size_t>(row) * static_cast<std::size_t>(columns) +
+           static_cast<std::size_t>(column);
+  }
+};
+
+CellGrid gridOf(const GreyBitmap& image, int cellSize) {
+  CellGrid grid(cellSize, image.width, image.height);
+  for (int y = 0; y < image.height; ++y)
+    for (int column = 0; column < grid.columns; ++column) {
+      const int left = column * cellSize;
+      grid.at(column, y / cellSize)
+          .add(levelsOf(&image.pixels[0] + static_cast<std::ptrdiff_t>(y) * image.width + left,
+                        std::min(cellSize, image.width - left)));
+    }
+  return grid;
+}
+
+/// Each `factor` by `factor` cells as one.
+CellGrid coarser(const CellGrid& fine, int factor) {
+  CellGrid grid(fine.cellSize * factor, fine.columns * fine.cellSize, fine.rows * fine.cellSize);
+  for (int row = 0; row < fine.rows; ++row)
+    for (int column = 0; column < fine.columns; ++column)
+      grid.at(column / factor, row / factor).add(fine.at(column, row));
+  return grid;
+}
+
 /// The image in square cells: which of them lie among about as many dark as light pixels.
 class BalancedCells {
  public:
-  /// `cellSize` in pixels: codes whose margin is narrower fall into one group, and modules much larger are
-  /// no balance. `least` in percent: how much must be dark, and how much light.
-  BalancedCells(const GreyBitmap& image, int cellSize, int least)
-      : columns_((image.width + cellSize - 1) / cellSize),
-        rows_((image.height + cellSize - 1) / cellSize),
-        cells_(static_cast<std::size_t>(columns_) * static_cast<std::size_t>(rows_)),
-        balanced_(cells_.size()) {
-    for (int y = 0; y < image.height; ++y)
-      for (int column = 0; column < columns_; ++column) {
-        const int left = column * cellSize;
-        cells_[index(column, y / cellSize)].add(
-            levelsOf(&image.pixels[0] + static_cast<std::ptrdiff_t>(y) * image.width + left,
-                     std::min(cellSize, image.width - left)));
-      }
+  /// `least` in percent: how much must be dark, and how much light.
+  BalancedCells(const CellGrid& grid, int least)
+      : columns_(grid.columns), rows_(grid.rows), balanced_(grid.cells.size()) {
     for (int row = 0; row < rows_; ++row)
       for (int column = 0; column < columns_; ++column)
-        balanced_[index(column, row)] = isBalanced(around(column, row), least);
+        balanced_[index(column, row)] = isBalanced(grid.around(column, row), least);
   }
 
   /// The box, in cells, around each group of balanced neighbours.
@@ -177,14 +217,6 @@ class BalancedCells {
   std::size_t index(int column, int row) const {
     return static_cast<std::size_t>(row) * static_cast<std::size_t>(columns_) +
            static_cast<std::size_t>(column);
-  }
-
-  Levels around(int column, int row) const {
-    Levels levels;
-    for (int y = std::max(0, row - 1); y <= std::min(rows_ - 1, row + 1); ++y)
-      for (int x = std::max(0, column - 1); x <= std::min(columns_ - 1, column + 1); ++x)
-        levels.add(cells_[index(x, y)]);
-    return levels;
   }
 
   PixelBox takeGroup(int startColumn, int startRow) {
@@ -208,7 +240,6 @@ class BalancedCells {
 
   int columns_;
   int rows_;
-  std::vector<Levels> cells_;
   std::vector<bool> balanced_;
 };
 
@@ -235,17 +266,24 @@ PixelBox grown(const GreyBitmap& image, const PixelBox& box, int most) {
 std::vector<PixelBox> regionsOfInterest(const GreyBitmap& image) {
   constexpr int smallestSide = 10;  // Pixels.
   std::vector<PixelBox> regions;
-  // Among the cells of a small code are some of its ground; close to text only its very middle stands out.
-  for (const auto& [cellSize, least] :
-       {std::pair(4, 28), std::pair(8, 20), std::pair(8, 30), std::pair(24, 24)})
-    for (const PixelBox& cells : BalancedCells(image, cellSize, least).groups()) {
-      PixelBox box{std::max(0, (cells.left - 1) * cellSize), std::max(0, (cells.top - 1) * cellSize),
-                   std::min(image.width, (cells.right + 2) * cellSize) - 1,
-                   std::min(image.height, (cells.bottom + 2) * cellSize) - 1};
-      box = grown(image, box, 2 * cellSize);
+  const auto addGroups = [&](const CellGrid& grid, int least) {
+    const int size = grid.cellSize;
+    for (const PixelBox& cells : BalancedCells(grid, least).groups()) {
+      PixelBox box{std::max(0, (cells.left - 1) * size), std::max(0, (cells.top - 1) * size),
+                   std::min(image.width, (cells.right + 2) * size) - 1,
+                   std::min(image.height, (cells.bottom + 2) * size) - 1};
+      box = grown(image, box, 2 * size);
       if (std::min(box.width(), box.height()) >= smallestSide && Strips(image, box).mayBeCode())
         regions.push_back(box);
     }
+  };
+  // Among the cells of a small code are some of its ground; close to text only its very middle stands out.
+  const CellGrid fine = gridOf(image, 4);
+  addGroups(fine, 28);
+  const CellGrid middle = coarser(fine, 2);
+  addGroups(middle, 20);
+  addGroups(middle, 30);
+  addGroups(coarser(middle, 3), 24);
   const auto order = [](const PixelBox& box) {
     return std::tuple(box.area(), box.top, box.left, box.width());
   };
