@@ -59,10 +59,12 @@ std::vector<FoundCode> searchWhole(const GreyBitmap& image, BarcodeFormats forma
     found[polarity] = readCodes(polarity == 0 ? image : inverted(image), {formats, shortestBars});
   };
   constexpr std::size_t mostAtOnce = 50'000'000;  // Pixels; each polarity takes some bytes a pixel.
-  if (image.pixels.size() <= mostAtOnce)
+  if (image.pixels.size() <= mostAtOnce) {
     inParallel(2, read);
-  else
-    for (const std::size_t polarity : {0, 1}) read(polarity);
+  } else {
+    read(0);
+    read(1);
+  }
   for (FoundCode& code : found[1]) addIfNew(found[0], std::move(code));
   return std::move(found[0]);
 }
