@@ -32,13 +32,16 @@ language_packages=(
   tesseract-ocr-rus tesseract-ocr-ukr
 )
 
-# To make the corpora of Benchmarks/corpus and to compare with other recognisers: Benchmarks/measure.
+# To make the corpora of Benchmarks/corpus and to compare with others: Benchmarks/measure, Benchmarks/compare-pipeline.
 benchmark_packages=(
   python3 python3-pil python3-numpy
   chromium python3-gi python3-gi-cairo gir1.2-pango-1.0 python3-pyqt6
-  zint
+  zint maim
   tesseract-ocr tesseract-ocr-eng tesseract-ocr-deu zbar-tools
   fonts-dejavu-core fonts-liberation fonts-noto-core fonts-noto-mono fonts-roboto fonts-cantarell fonts-open-sans
   fonts-lato fonts-inter fonts-hack fonts-firacode fonts-jetbrains-mono
   fortunes fortunes-de perl-modules-5.36 libpython3.11-stdlib libstdc++-12-dev linux-libc-dev cmake-data
 )
+
+# To feed arbitrary images to the recognition code: script/fuzz.
+fuzz_packages=(clang libclang-rt-14-dev libomp-dev python3 python3-pil python3-numpy zint fonts-dejavu-core)

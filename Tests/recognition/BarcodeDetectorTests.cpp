@@ -3,7 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <future>
+
 #include "Pictures.h"
+#include "platform/linux/recognition/CodeSearch.h"
 
 namespace lumiscan::desktop {
 namespace {
@@ -137,9 +141,46 @@ TEST(BarcodeDetector, ReadsCodesCutOutTightly) {
   }
 }
 
+TEST(BarcodeDetector, ReadsSmallCodesBesideLargeOnes) {
+  const Image card = Page(60, 60).lay(codePicture(BarcodeFormat::QRCode, "on a card", 2), 1, 1).image();
+  const Image dark = invertedPicture(Page(300, 100).image());
+  const Image page = Page(700, 500)
+                         .lay(codePicture(BarcodeFormat::QRCode, "large", 5), 10, 10)
+                         .lay(codePicture(BarcodeFormat::DataMatrix, "tiny", 1), 301, 57)
+                         .lay(codePicture(BarcodeFormat::Aztec, "small", 1), 405, 51)
+                         .lay(dark, 20, 300)
+                         .lay(*card.cropped({{2, 2}, {56, 56}}), 60, 320)
+                         .image();
+  EXPECT_THAT(payloads(page), ElementsAre("large", "tiny", "small", "on a card"));
+}
+
+TEST(BarcodeDetector, FaintEndsOfBarsAreNoSecondCode) {
+  GreyBitmap bars = greyBitmap(codePicture(BarcodeFormat::EAN13, "4006381333931"));
+  for (int y = 0; y < bars.height; ++y) {
+    const int fromEnd = std::min(y, bars.height - 1 - y);
+    for (int x = 0; x < bars.width && fromEnd < 8; ++x)
+      bars.at(x, y) = static_cast<std::uint8_t>(255 - (255 - bars.at(x, y)) * (fromEnd + 1) / 9);
+  }
+  EXPECT_EQ(searchCodes(bars, BarcodeFormat::EAN13).size(), 1U);
+}
+
+TEST(BarcodeDetector, ThreadsDontDisturbEachOther) {
+  Page page(900, 500);
+  for (std::size_t i = 0; i < samples.size(); ++i)
+    page.lay(codePicture(samples[i].format, samples[i].payload, 1), 10 + 220 * static_cast<int>(i % 4),
+             10 + 160 * static_cast<int>(i / 4));
+  const Image image = page.image();
+  const std::vector<std::string> expected = payloads(image);
+  EXPECT_EQ(expected.size(), samples.size());
+  std::vector<std::future<std::vector<std::string>>> others;
+  for (int i = 0; i < 4; ++i)
+    others.push_back(std::async(std::launch::async, [&] { return payloads(image); }));
+  for (auto& other : others) EXPECT_EQ(other.get(), expected);
+}
+
 TEST(BarcodeDetector, NothingInImagesWithoutCodes) {
   EXPECT_THAT(payloads(Page(1, 1).image()), IsEmpty());
-  EXPECT_THAT(payloads(Page(1, 300).image()), IsEmpty());
+  EXPECT_THAT(payloads(Page(1, 16'384).image()), IsEmpty());
   EXPECT_THAT(payloads(pictureOf({"||| lllIIl | ||l IIIl ||", "Plain words beside bars ||||| |||"})),
               IsEmpty());
 }

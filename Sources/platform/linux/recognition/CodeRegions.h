@@ -6,14 +6,8 @@
 
 namespace lumiscan::desktop {
 
-/// The parts of an image that may each hold a matrix code: compact and full of contrast, with a plain
-/// margin where the image has one. The largest first.
+/// The parts of an image that may each hold a code, with the ground around it where the image has some: full
+/// of contrast and about as much dark as light, which text is not. The smallest first.
 std::vector<PixelBox> regionsOfInterest(const GreyBitmap& image);
-
-/// A part of an image, each pixel `factor` times as wide and high: as a square, or smoothly.
-GreyBitmap enlargedPart(const GreyBitmap& image, const PixelBox& part, int factor, bool smooth);
-
-/// The image with `margin` pixels of one value on each side.
-GreyBitmap withMargin(const GreyBitmap& image, int margin, std::uint8_t value);
 
 }  // namespace lumiscan::desktop

@@ -1,266 +1,135 @@
 #include "platform/linux/recognition/CodeSearch.h"
 
-#include <ZXing/ReadBarcode.h>
-
 #include <algorithm>
-#include <array>
+#include <atomic>
 #include <cmath>
-#include <tuple>
+#include <future>
+#include <optional>
+#include <thread>
 #include <utility>
 
+#include "platform/linux/recognition/CodeReader.h"
 #include "platform/linux/recognition/CodeRegions.h"
+#include "platform/linux/recognition/CodeView.h"
 
 namespace lumiscan::desktop {
 
 namespace {
 
-using ZXing::BarcodeFormat;
 using ZXing::BarcodeFormats;
 
-constexpr std::uint8_t light = 255;
+constexpr int shortestBars = 4;  // Pixels.
 
-BarcodeFormats common(BarcodeFormats formats, BarcodeFormat group) { return formats & BarcodeFormats(group); }
-
-PixelBox boxAround(const ZXing::Position& position) {
-  const auto [left, right] = std::minmax({position[0].x, position[1].x, position[2].x, position[3].x});
-  const auto [top, bottom] = std::minmax({position[0].y, position[1].y, position[2].y, position[3].y});
-  return {left, top, right, bottom};
+/// Calls work(0) to work(count - 1) on all processors; returns when all are done. Throws what one threw.
+template <typename Work>
+void inParallel(std::size_t count, const Work& work) {
+  std::atomic<std::size_t> next{0};
+  const auto worker = [&] {
+    for (std::size_t i = next++; i < count; i = next++) work(i);
+  };
+  std::vector<std::future<void>> helpers;
+  const std::size_t processors = std::max(1U, std::thread::hardware_concurrency());
+  for (std::size_t i = 1; i < std::min(count, processors); ++i)
+    helpers.push_back(std::async(std::launch::async, worker));
+  worker();
+  for (std::future<void>& helper : helpers) helper.get();
 }
 
-bool overlap(const PixelBox& a, const PixelBox& b) {
-  return a.left <= b.right && b.left <= a.right && a.top <= b.bottom && b.top <= a.bottom;
+/// Paints the codes over with the ground around them, so that nothing is left of them to look at.
+void paintOver(GreyBitmap& bitmap, const std::vector<FoundCode>& codes) {
+  for (const FoundCode& code : codes) {
+    // A box may lie in the middle of the outermost modules.
+    const int beyond = 2 + std::max(code.box.width(), code.box.height()) / 25;
+    const PixelBox box{std::max(0, code.box.left - beyond), std::max(0, code.box.top - beyond),
+                       std::min(bitmap.width - 1, code.box.right + beyond),
+                       std::min(bitmap.height - 1, code.box.bottom + beyond)};
+    if (box.left <= box.right && box.top <= box.bottom) fillBox(bitmap, box, bitmap.at(box.left, box.top));
+  }
 }
 
-/// Whether the same code is among those found already.
-bool isKnown(const FoundCode& code, const std::vector<FoundCode>& found) {
-  return std::any_of(found.begin(), found.end(), [&](const FoundCode& other) {
-    return other.result.format() == code.result.format() && other.result.bytes() == code.result.bytes() &&
-           overlap(other.box, code.box);
-  });
+bool isPlain(const GreyBitmap& image) {
+  const auto [darkest, lightest] = std::minmax_element(image.pixels.begin(), image.pixels.end());
+  return *darkest == *lightest;
 }
 
-/// One image, or a part of one enlarged, and what was found in it. What is found is painted over, so that
-/// no later look at the same pixels finds it again.
-class Search {
- public:
-  Search(GreyBitmap bitmap, BarcodeFormats formats) : bitmap_(std::move(bitmap)), formats_(formats) {}
-
-  void findDarkOnLight() {
-    findMatrixCodes();
-    findLinearCodes();
-  }
-
-  void findLightOnDark() {
-    bitmap_ = inverted(bitmap_);
-    findDarkOnLight();
-    bitmap_ = inverted(bitmap_);
-  }
-
-  std::vector<FoundCode> takeFound() { return std::move(found_); }
-
- private:
-  ZXing::ImageView view() const {
-    return {bitmap_.pixels.data(), bitmap_.width, bitmap_.height, ZXing::ImageFormat::Lum};
-  }
-
-  void findMatrixCodes() {
-    const BarcodeFormats formats = common(formats_, BarcodeFormat::MatrixCodes);
-    if (formats.empty()) return;
-    ZXing::DecodeHints hints;
-    hints.setFormats(formats);
-    for (ZXing::Result& result : ZXing::ReadBarcodes(view(), hints)) addMatrixCode(std::move(result), 0, 0);
-    // For some symbologies the library looks at the middle of the image only.
-    for (const PixelBox& region : regionsOfInterest(bitmap_)) {
-      const ZXing::ImageView part = view().cropped(region.left, region.top, region.right - region.left + 1,
-                                                   region.bottom - region.top + 1);
-      if (part.width() == bitmap_.width && part.height() == bitmap_.height) continue;
-      for (ZXing::Result& result : ZXing::ReadBarcodes(part, hints))
-        addMatrixCode(std::move(result), region.left, region.top);
-    }
-  }
-
-  void addMatrixCode(ZXing::Result result, int dx, int dy) {
-    if (!result.isValid()) return;
-    PixelBox box = boxAround(result.position());
-    box = {box.left + dx, box.top + dy, box.right + dx, box.bottom + dy};
-    FoundCode code{std::move(result), box};
-    if (isKnown(code, found_)) return;
-    paintOver(box);
-    found_.push_back(std::move(code));
-  }
-
-  void paintOver(const PixelBox& box) {
-    for (int y = std::max(0, box.top); y <= std::min(bitmap_.height - 1, box.bottom); ++y)
-      for (int x = std::max(0, box.left); x <= std::min(bitmap_.width - 1, box.right); ++x)
-        bitmap_.at(x, y) = light;
-  }
-
-  /// The library compares linear codes only while it has seen them on one line, and ends the process by an
-  /// assertion otherwise: with two equal codes in one image, or one code in two of its reduced sizes. Asked
-  /// for a single code in a single size it compares none; so linear codes are asked for one at a time.
-  void findLinearCodes() {
-    const BarcodeFormats formats = common(formats_, BarcodeFormat::LinearCodes);
-    if (formats.empty()) return;
-    ZXing::DecodeHints hints;
-    hints.setFormats(formats).setMaxNumberOfSymbols(1).setTryDownscale(false);
-    constexpr int mostCodes = 200;
-    for (int i = 0; i < mostCodes; ++i) {
-      ZXing::Result result = ZXing::ReadBarcode(view(), hints);
-      if (!result.isValid()) return;
-      const auto [box, length] = paintOverBars(result.position());
-      // Letters make bars of a few pixels' length now and then; a code's are longer.
-      constexpr int shortestBars = 4;
-      if (length >= shortestBars) found_.push_back({std::move(result), box});
-    }
-  }
-
-  struct BarLine {
-    double x, y;    // Where it starts,
-    double dx, dy;  // its direction, of length 1,
-    int length;     // and its length in pixels.
+/// The image as it is, in both polarities.
+std::vector<FoundCode> searchWhole(const GreyBitmap& image, BarcodeFormats formats) {
+  std::vector<FoundCode> found[2];
+  const auto read = [&](std::size_t polarity) {
+    found[polarity] = readCodes(polarity == 0 ? image : inverted(image), {formats, shortestBars});
   };
-
-  static std::pair<int, int> pixelOf(const BarLine& line, double along, double across) {
-    return {static_cast<int>(std::lround(line.x + along * line.dx - across * line.dy)),
-            static_cast<int>(std::lround(line.y + along * line.dy + across * line.dx))};
+  constexpr std::size_t mostAtOnce = 50'000'000;  // Pixels; each polarity takes some bytes a pixel.
+  if (image.pixels.size() <= mostAtOnce) {
+    inParallel(2, read);
+  } else {
+    read(0);
+    read(1);
   }
+  for (FoundCode& code : found[1]) addIfNew(found[0], std::move(code));
+  return std::move(found[0]);
+}
 
-  std::vector<std::uint8_t> sample(const BarLine& line, double shift, double across) const {
-    std::vector<std::uint8_t> values(static_cast<std::size_t>(line.length), light);
-    for (int i = 0; i < line.length; ++i) {
-      const auto [x, y] = pixelOf(line, i + shift, across);
-      if (bitmap_.contains(x, y)) values[static_cast<std::size_t>(i)] = bitmap_.at(x, y);
-    }
-    return values;
+std::vector<FoundCode> searchPart(const GreyBitmap& image, const PixelBox& part, BarcodeFormats formats,
+                                  Look look) {
+  double tilt = 0;
+  if (look.upright) {
+    constexpr double leastTilt = 0.01;  // Radians; less doesn't matter to the library.
+    tilt = tiltOf(image, part);
+    if (std::abs(tilt) < leastTilt) return {};
   }
-
-  /// The share of the pixels that are dark in both or light in both.
-  static double likeness(const std::vector<std::uint8_t>& a, const std::vector<std::uint8_t>& b) {
-    const auto [darkest, lightest] = std::minmax_element(a.begin(), a.end());
-    const int threshold = (*darkest + *lightest) / 2;
-    std::size_t same = 0;
-    for (std::size_t i = 0; i < a.size(); ++i) same += (a[i] > threshold) == (b[i] > threshold);
-    return static_cast<double>(same) / static_cast<double>(a.size());
+  for (const bool negative : {false, true}) {
+    look.negative = negative;
+    const CodeView view(image, part, look, tilt);
+    std::vector<FoundCode> found =
+        readCodes(view.bitmap(), {formats, shortestBars * look.factor, look.fixedThreshold});
+    for (FoundCode& code : found) code.box = view.toImage(code.box);
+    if (!found.empty()) return found;
   }
-
-  /// A line across the bars, `across` pixels from the one on which the code was read and moved by `shift`
-  /// along itself.
-  struct Trace {
-    double shift, across;
-  };
-
-  /// Follows the bars to one side of the line, as far as they look as they do on it.
-  std::vector<Trace> follow(const BarLine& line, int side) const {
-    constexpr double alike = 0.8;
-    constexpr int longestGap = 3;  // A line drawn through the bars doesn't end them.
-    const std::vector<std::uint8_t> pattern = sample(line, 0, 0);
-    std::vector<Trace> traces;
-    double shift = 0;  // Bars may lean.
-    int gap = 0;
-    for (int step = 1; step < bitmap_.width + bitmap_.height && gap <= longestGap; ++step) {
-      const double across = side * step;
-      double best = 0;
-      double bestShift = shift;
-      for (const double candidate : {shift, shift - 1, shift + 1}) {
-        const double value = likeness(pattern, sample(line, candidate, across));
-        if (value > best) std::tie(best, bestShift) = std::pair(value, candidate);
-      }
-      gap = best < alike ? gap + 1 : 0;
-      if (gap > 0) continue;
-      shift = bestShift;
-      traces.push_back({shift, across});
-    }
-    return traces;
-  }
-
-  struct Bars {
-    PixelBox box;
-    std::size_t length = 0;  // In pixels.
-  };
-
-  Bars paintOverBars(const ZXing::Position& position) {
-    const double startX = (position[0].x + position[3].x) / 2.0;
-    const double startY = (position[0].y + position[3].y) / 2.0;
-    const double dx = (position[1].x + position[2].x) / 2.0 - startX;
-    const double dy = (position[1].y + position[2].y) / 2.0 - startY;
-    const double length = std::max(1.0, std::hypot(dx, dy));
-    const BarLine line{startX, startY, dx / length, dy / length, static_cast<int>(length) + 1};
-    std::vector<Trace> traces{{0, 0}};
-    for (const int side : {-1, 1}) {
-      const std::vector<Trace> more = follow(line, side);
-      traces.insert(traces.end(), more.begin(), more.end());
-    }
-    PixelBox box{bitmap_.width, bitmap_.height, -1, -1};
-    constexpr int beyondEnds = 2;
-    for (const Trace& trace : traces)
-      for (int i = -beyondEnds; i < line.length + beyondEnds; ++i) {
-        const auto [px, py] = pixelOf(line, i + trace.shift, trace.across);
-        // The neighbours too: lines that lean leave pixels out between them.
-        for (const auto& [x, y] : {std::pair(px, py), std::pair(px + 1, py), std::pair(px, py + 1)})
-          if (bitmap_.contains(x, y)) bitmap_.at(x, y) = light;
-        box = {std::min(box.left, px), std::min(box.top, py), std::max(box.right, px),
-               std::max(box.bottom, py)};
-      }
-    return {box, traces.size()};
-  }
-
-  GreyBitmap bitmap_;
-  BarcodeFormats formats_;
-  std::vector<FoundCode> found_;
-};
-
-/// A second look at a part in which nothing was found as it is.
-struct Enlargement {
-  int factor;
-  bool smooth;
-};
-
-std::vector<FoundCode> searchEnlarged(const GreyBitmap& image, const PixelBox& part, BarcodeFormats formats,
-                                      Enlargement how, bool lightOnDark) {
-  GreyBitmap enlarged = enlargedPart(image, part, how.factor, how.smooth);
-  if (lightOnDark) enlarged = inverted(enlarged);
-  // A code cut out tightly gets the light margin that its symbology demands.
-  const int margin = 12 * how.factor;
-  Search search(withMargin(enlarged, margin, light), formats);
-  search.findDarkOnLight();
-  std::vector<FoundCode> found = search.takeFound();
-  for (FoundCode& code : found) {
-    const auto back = [&](int value, int origin) { return (value - margin) / how.factor + origin; };
-    code.box = {back(code.box.left, part.left), back(code.box.top, part.top), back(code.box.right, part.left),
-                back(code.box.bottom, part.top)};
-  }
-  return found;
+  return {};
 }
 
 }  // namespace
 
 std::vector<FoundCode> searchCodes(const GreyBitmap& image, BarcodeFormats formats) {
-  Search search(image, formats);
-  search.findDarkOnLight();
-  search.findLightOnDark();
-  std::vector<FoundCode> found = search.takeFound();
-  if (!found.empty()) return found;
+  std::vector<FoundCode> found = searchWhole(image, formats);
+  GreyBitmap rest = image;
+  paintOver(rest, found);
 
-  // Of a large image only what may be a code is enlarged, and a part that is large itself holds no small one.
-  constexpr int largestPart = 500'000;  // Pixels.
-  const auto isSmall = [](const PixelBox& box) {
-    return (box.right - box.left + 1) * (box.bottom - box.top + 1) <= largestPart;
-  };
-  std::vector<PixelBox> parts{{0, 0, image.width - 1, image.height - 1}};
-  if (!isSmall(parts.front())) {
-    parts = regionsOfInterest(image);
-    std::erase_if(parts, [&](const PixelBox& box) { return !isSmall(box); });
-  }
-  constexpr std::array<Enlargement, 4> looks{{{1, false}, {3, false}, {2, true}, {4, true}}};
-  for (const Enlargement& look : looks) {
-    for (const PixelBox& part : parts)
-      for (const bool lightOnDark : {false, true}) {
-        std::vector<FoundCode> more = searchEnlarged(image, part, formats, look, lightOnDark);
-        for (FoundCode& code : more)
-          if (!isKnown(code, found)) found.push_back(std::move(code));
-        if (!more.empty()) break;
-      }
-    if (!found.empty()) break;
+  constexpr Look looks[] = {{.factor = 1},
+                            {.factor = 3},
+                            {.factor = 2, .smooth = true},
+                            {.factor = 2, .smooth = true, .fixedThreshold = true},
+                            {.factor = 4, .smooth = true},
+                            {.factor = 1, .upright = true},
+                            {.factor = 2, .smooth = true, .upright = true},
+                            {.factor = 3, .smooth = true, .upright = true, .fixedThreshold = true}};
+  std::optional<std::vector<PixelBox>> regions;
+  std::int64_t work = 20'000'000;  // Pixels to look at, at most.
+  for (const Look& look : looks) {
+    if (!regions) {
+      regions = regionsOfInterest(rest);
+      // The whole of a small image too: what was selected to be read may be all code.
+      constexpr std::int64_t smallImage = 500'000;
+      const PixelBox whole{0, 0, image.width - 1, image.height - 1};
+      if (found.empty() && whole.area() <= smallImage && !isPlain(image)) regions->push_back(whole);
+    }
+    constexpr std::int64_t largestView =
+        4'000'000;  // Pixels; a part that is large itself holds no small code.
+    std::vector<PixelBox> parts;
+    for (const PixelBox& region : *regions) {
+      const std::int64_t pixels = region.area() * look.factor * look.factor;
+      if (pixels > largestView || pixels > work) break;
+      work -= pixels;
+      parts.push_back(region);
+    }
+    std::vector<std::vector<FoundCode>> results(parts.size());
+    inParallel(parts.size(), [&](std::size_t i) { results[i] = searchPart(rest, parts[i], formats, look); });
+    for (std::vector<FoundCode>& result : results) {
+      if (result.empty()) continue;
+      paintOver(rest, result);
+      regions.reset();
+      for (FoundCode& code : result) addIfNew(found, std::move(code));
+    }
   }
   return found;
 }

@@ -49,4 +49,10 @@ GreyBitmap inverted(const GreyBitmap& bitmap) {
   return result;
 }
 
+void fillBox(GreyBitmap& bitmap, const PixelBox& box, std::uint8_t value) {
+  for (int y = std::max(0, box.top); y <= std::min(bitmap.height - 1, box.bottom); ++y)
+    for (int x = std::max(0, box.left); x <= std::min(bitmap.width - 1, box.right); ++x)
+      bitmap.at(x, y) = value;
+}
+
 }  // namespace lumiscan::desktop

@@ -17,6 +17,11 @@ struct PixelBox {
   int top = 0;
   int right = 0;
   int bottom = 0;
+
+  int width() const { return right - left + 1; }
+  int height() const { return bottom - top + 1; }
+  std::int64_t area() const { return std::int64_t{width()} * height(); }
+  bool operator==(const PixelBox&) const = default;
 };
 
 /// Luminances of an image's pixels, 0 black to 255 white; origin at the top left, y downwards.
@@ -44,5 +49,8 @@ void copyOpaqueRow(const platform::Image& image, int y, std::span<std::uint32_t>
 
 GreyBitmap greyBitmap(const platform::Image& image);
 GreyBitmap inverted(const GreyBitmap& bitmap);
+
+/// Gives the pixels of the box one value, as far as it lies in the bitmap.
+void fillBox(GreyBitmap& bitmap, const PixelBox& box, std::uint8_t value);
 
 }  // namespace lumiscan::desktop
