@@ -48,6 +48,13 @@ void moveEnglishBack(std::vector<std::string>& names) {
     std::rotate(english, english + 1, names.end());
 }
 
+Characters charactersOf(const std::vector<std::string>& names) {
+  const bool wide = std::any_of(names.begin(), names.end(), [](const std::string& name) {
+    return name == "chi_sim" || name == "chi_tra" || name == "jpn" || name == "kor";
+  });
+  return wide ? Characters::wide : Characters::alphabetic;
+}
+
 bool isBlank(const std::string& text) { return text.find_first_not_of(" \t\r\n\f\v") == std::string::npos; }
 
 ReadLine readLine(Engine& engine, const GreyBitmap& ink, const TextLine& line) {
@@ -117,7 +124,7 @@ struct TesseractRecognizer::State {
     const std::shared_ptr<Engine> engine = std::move(borrowed).value();
     const GreyBitmap ink = inkOf(image);
     std::vector<ReadLine> lines;
-    for (const TextLine& line : findTextLines(ink)) {
+    for (const TextLine& line : findTextLines(ink, charactersOf(key->names))) {
       lines.push_back(readLine(*engine, ink, line));
       if (isBlank(lines.back().text)) lines.pop_back();
     }
