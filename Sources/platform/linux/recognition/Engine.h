@@ -21,7 +21,8 @@ struct EngineKey {
 struct Symbol {
   std::string text;  ///< UTF-8; usually one code point.
   bool spaceBefore = false;
-  PixelBox box;  ///< About where it is.
+  PixelBox box;           ///< About where it is.
+  double confidence = 0;  ///< From 0 to 100.
 };
 
 struct LineReading {

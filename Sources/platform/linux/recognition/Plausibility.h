@@ -12,6 +12,7 @@ struct ReadLine {
   int letterHeight = 0;     ///< Pixels.
   std::size_t symbols = 0;  ///< Read,
   std::size_t glyphs = 0;   ///< from so many pieces of ink.
+  double sureness = 0;      ///< The mean of the symbols' confidence, from 0 to 100.
 };
 
 /// Drops the lines that were read into what is no text: icons, pictures, patterns. Lines with several letters

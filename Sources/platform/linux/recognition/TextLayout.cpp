@@ -58,8 +58,8 @@ Glyphs connectedPieces(const GreyBitmap& ink, int threshold) {
   return glyphs;
 }
 
-/// Half the letters of an alphabet have the usual height. Few pieces of a character of many strokes are as high
-/// as the character.
+/// Half the letters of an alphabet have the usual height. Few pieces of a character of many strokes are as
+/// high as the character.
 double usualShare(Characters characters) { return characters == Characters::alphabetic ? 0.5 : 0.8; }
 
 /// The usual height of the glyphs that may be letters.
@@ -165,8 +165,8 @@ int markDistance(const Row& row, const Glyph& mark, int usual) {
   return row.distance(mark) + (flat && mark.box.bottom < row.top ? usual / 2 : 0);
 }
 
-/// Dots, accents, quotation marks, strokes: each to the row that is nearest, if it is within reach. Returns the
-/// others.
+/// Dots, accents, quotation marks, strokes: each to the row that is nearest, if it is within reach. Returns
+/// the others.
 Glyphs addMarks(std::vector<Row>& rows, const Glyphs& marks, int usual, int reach) {
   Glyphs apart;
   for (const Glyph& mark : marks) {
@@ -190,8 +190,8 @@ std::vector<Row> rowsOf(const Glyphs& glyphs, int usual, Characters characters) 
   std::vector<Row> rows = rowsOfLetters(letters);
   const bool wide = characters == Characters::wide;
   const Glyphs apart = addMarks(rows, marks, usual, wide ? usual / 4 : usual);
-  // Among wide characters the lines of an alphabet, whose letters are small beside them; else lines of nothing
-  // but marks.
+  // Among wide characters the lines of an alphabet, whose letters are small beside them; else lines of
+  // nothing but marks.
   std::vector<Row> more = wide && !apart.empty() && !rows.empty()
                               ? rowsOf(apart, std::max(1, usualHeight(apart)), Characters::alphabetic)
                               : rowsOfLetters(apart);

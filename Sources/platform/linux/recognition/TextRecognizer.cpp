@@ -6,16 +6,20 @@
 #include <chrono>
 #include <exception>
 #include <mutex>
+#include <numeric>
 #include <set>
 #include <thread>
 #include <utility>
 
+#include "platform/linux/recognition/Columns.h"
 #include "platform/linux/recognition/EnginePool.h"
 #include "platform/linux/recognition/GlyphCorrections.h"
 #include "platform/linux/recognition/ImagePreparation.h"
+#include "platform/linux/recognition/LanguageChoice.h"
 #include "platform/linux/recognition/LanguageData.h"
 #include "platform/linux/recognition/LineImage.h"
 #include "platform/linux/recognition/Plausibility.h"
+#include "platform/linux/recognition/Scripts.h"
 #include "platform/linux/recognition/TextLayout.h"
 #include "platform/linux/recognition/Utf8.h"
 
@@ -34,28 +38,14 @@ std::string join(const std::vector<Symbol>& symbols) {
   return repairedUtf8(text);
 }
 
-/// English last among languages of the Latin script: its models lack the others' letters, and a first
-/// language's reading without accents would stand before the right one is asked for.
-void moveEnglishBack(std::vector<std::string>& names) {
-  constexpr std::string_view otherScripts[] = {"chi_sim", "chi_tra", "jpn", "kor", "rus", "ukr", "ara", "bel",
-                                               "bul",     "ben",     "ell", "fas", "heb", "hin", "hye", "kat",
-                                               "mkd",     "srp",     "tam", "tel", "tha", "urd"};
-  const auto isLatin = [&](const std::string& name) {
-    return std::find(std::begin(otherScripts), std::end(otherScripts), name) == std::end(otherScripts);
-  };
-  const auto english = std::find(names.begin(), names.end(), "eng");
-  if (english != names.end() && std::all_of(names.begin(), names.end(), isLatin))
-    std::rotate(english, english + 1, names.end());
-}
-
-Characters charactersOf(const std::vector<std::string>& names) {
-  const bool wide = std::any_of(names.begin(), names.end(), [](const std::string& name) {
-    return name == "chi_sim" || name == "chi_tra" || name == "jpn" || name == "kor";
-  });
-  return wide ? Characters::wide : Characters::alphabetic;
-}
-
 bool isBlank(const std::string& text) { return text.find_first_not_of(" \t\r\n\f\v") == std::string::npos; }
+
+double meanConfidence(const std::vector<Symbol>& symbols) {
+  if (symbols.empty()) return 0;
+  return std::accumulate(symbols.begin(), symbols.end(), 0.0,
+                         [](double sum, const Symbol& symbol) { return sum + symbol.confidence; }) /
+         static_cast<double>(symbols.size());
+}
 
 ReadLine readLine(Engine& engine, const GreyBitmap& ink, const TextLine& line) {
   std::vector<Glyph> letters = line.glyphs;
@@ -67,12 +57,19 @@ ReadLine readLine(Engine& engine, const GreyBitmap& ink, const TextLine& line) {
   std::vector<Symbol>& symbols = reading.symbols;
   for (Symbol& symbol : symbols) symbol.box = image.toImage(symbol.box);
   const std::size_t count = symbols.size();
+  const double sureness = meanConfidence(symbols);
   correctSpaces(symbols, letters, line);
   insertUnderscores(symbols, underscores, letters, line.letterHeight);
   correctQuotes(symbols, letters, ink, line);
   correctDashes(symbols, letters, line);
   correctHexadecimals(symbols);
-  return {join(symbols), reading.confidence, line.letterHeight, count, letters.size()};
+  if (isWideText(symbols)) {
+    correctWideText(symbols);
+    // A line without spaces is one word to the engine, which is as sure of a word as of its worst character.
+    // And characters are of many pieces, but none of them is beside the other by much.
+    return {join(symbols), sureness, line.letterHeight, count, gutters(letters, 0).size() + 1, sureness};
+  }
+  return {join(symbols), reading.confidence, line.letterHeight, count, letters.size(), sureness};
 }
 
 }  // namespace
@@ -98,13 +95,11 @@ struct TesseractRecognizer::State {
     return Error{std::string("The recognition engine can't start: ") + exception.what()};
   }
 
-  /// The engine for the languages whose data is there; nothing when none is.
-  std::optional<EngineKey> keyFor(const std::vector<std::string>& languages, bool dictionaries) {
+  /// The engines for the languages whose data is there, each by the names of its data.
+  std::vector<std::vector<std::string>> enginesFor(const std::vector<std::string>& languages) {
     LanguageData::Selection selection = data.select(languages);
     for (const std::string& tag : selection.missing) logMissing(tag);
-    if (selection.names.empty()) return std::nullopt;
-    moveEnglishBack(selection.names);
-    return EngineKey{std::move(selection.names), dictionaries};
+    return engineLanguages(std::move(selection.names), data.isInstalled("en"));
   }
 
   void logMissing(const std::string& tag) {
@@ -117,17 +112,20 @@ struct TesseractRecognizer::State {
 
   Result<std::vector<TextObservation>> recognize(const platform::TextRecognitionRequest& request,
                                                  const Image& image) {
-    const auto key = keyFor(request.recognitionLanguages, request.usesLanguageCorrection);
-    if (!key) return Error{"No recognition data is installed for any of the languages"};
-    auto borrowed = pool.borrow(*key);
-    if (!borrowed.ok()) return borrowed.error();
-    const std::shared_ptr<Engine> engine = std::move(borrowed).value();
-    const GreyBitmap ink = inkOf(image);
-    std::vector<ReadLine> lines;
-    for (const TextLine& line : findTextLines(ink, charactersOf(key->names))) {
-      lines.push_back(readLine(*engine, ink, line));
-      if (isBlank(lines.back().text)) lines.pop_back();
+    const auto languages = enginesFor(request.recognitionLanguages);
+    if (languages.empty()) return Error{"No recognition data is installed for any of the languages"};
+    std::vector<std::shared_ptr<Engine>> engines;
+    for (const std::vector<std::string>& names : languages) {
+      auto borrowed = pool.borrow({names, request.usesLanguageCorrection});
+      if (!borrowed.ok()) return borrowed.error();
+      engines.push_back(std::move(borrowed).value());
     }
+    const bool wide = std::any_of(languages.begin(), languages.end(), hasWideCharacters);
+    const GreyBitmap ink = inkOf(image);
+    std::vector<ReadLine> lines = readInBestLanguage(
+        findTextLines(ink, wide ? Characters::wide : Characters::alphabetic), languages,
+        [&](std::size_t engine, const TextLine& line) { return readLine(*engines[engine], ink, line); });
+    std::erase_if(lines, [](const ReadLine& line) { return isBlank(line.text); });
     dropImplausible(lines);
     std::vector<TextObservation> observations;
     for (ReadLine& line : lines) observations.push_back({{std::move(line.text)}});
@@ -156,10 +154,14 @@ Result<std::vector<TextObservation>> TesseractRecognizer::perform(
 }
 
 void TesseractRecognizer::prepare(const std::vector<std::string>& languages) {
-  const auto key = state_->keyFor(languages, true);
-  if (!key || !state_->pool.announce(*key)) return;
+  std::vector<EngineKey> keys;
+  for (std::vector<std::string>& names : state_->enginesFor(languages))
+    if (EngineKey key{std::move(names), true}; state_->pool.announce(key)) keys.push_back(std::move(key));
+  if (keys.empty()) return;
   // The task may outlive the recogniser; the state lives as long as it does.
-  auto task = [state = state_, key = *key] { state->pool.loadAhead(key); };
+  auto task = [state = state_, keys = std::move(keys)] {
+    for (const EngineKey& key : keys) state->pool.loadAhead(key);
+  };
   if (state_->options.runInBackground) return state_->options.runInBackground(std::move(task));
   const std::lock_guard lock(state_->mutex);
   state_->threads.emplace_back(std::move(task));
