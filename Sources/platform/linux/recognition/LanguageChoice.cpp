@@ -59,8 +59,8 @@ class Candidates {
   /// letters of the others and is as sure of them without their accents; and models of other scripts know
   /// Latin letters, but no model of Latin script knows theirs.
   std::optional<double> sureness(std::size_t engine) const {
-    constexpr double englishHandicap = 2;
-    constexpr double guestHandicap = 8;
+    constexpr double englishHandicap = 0.15;
+    constexpr double guestHandicap = 1;
     if (!readings_[engine]) return std::nullopt;
     const std::string& language = (*engines_)[engine].front();
     const double handicap = language == english ? englishHandicap
@@ -99,7 +99,7 @@ std::vector<std::size_t> longestFirst(const std::vector<Candidates>& lines) {
 void askEngines(std::vector<Candidates>& lines, std::size_t engineCount) {
   constexpr std::size_t fewEngines = 2;
   constexpr std::size_t sampleLines = 3;
-  constexpr double sure = 88;
+  constexpr double sure = 98.5;
   std::vector<std::size_t> needed;
   std::size_t asked = 0;
   for (const std::size_t i : longestFirst(lines)) {
@@ -151,7 +151,7 @@ std::vector<ReadLine> readInBestLanguage(const std::vector<TextLine>& lines,
   std::vector<ReadLine> readings;
   for (Candidates& line : candidates) {
     // Labels may be words of several languages; those around them are likely of the same.
-    constexpr double leadersBonus = 2;
+    constexpr double leadersBonus = 0.3;
     const std::size_t best = line.best();
     const auto leaders = line.sureness(leading);
     readings.push_back(

@@ -188,13 +188,19 @@ std::vector<Row> rowsOf(const Glyphs& glyphs, int usual, Characters characters) 
   Glyphs letters, marks;
   for (const Glyph& glyph : glyphs) (isMark(glyph) ? marks : letters).push_back(glyph);
   std::vector<Row> rows = rowsOfLetters(letters);
-  const bool wide = characters == Characters::wide;
-  const Glyphs apart = addMarks(rows, marks, usual, wide ? usual / 4 : usual);
-  // Among wide characters the lines of an alphabet, whose letters are small beside them; else lines of
-  // nothing but marks.
-  std::vector<Row> more = wide && !apart.empty() && !rows.empty()
-                              ? rowsOf(apart, std::max(1, usualHeight(apart)), Characters::alphabetic)
-                              : rowsOfLetters(apart);
+  if (characters == Characters::alphabetic) {
+    // Lines of nothing but marks.
+    std::vector<Row> more = rowsOfLetters(addMarks(rows, marks, usual, usual));
+    std::move(more.begin(), more.end(), std::back_inserter(rows));
+    return rows;
+  }
+  // Among wide characters may be lines of an alphabet, whose letters are low beside them.
+  Glyphs lowLetters, accents;
+  for (const Glyph& glyph : addMarks(rows, marks, usual, usual / 4))
+    (5 * glyph.height() >= 2 * usual ? lowLetters : accents).push_back(glyph);
+  std::vector<Row> more = rowsOfLetters(lowLetters);
+  std::move(more.begin(), more.end(), std::back_inserter(rows));
+  more = rowsOfLetters(addMarks(rows, accents, usual, usual));
   std::move(more.begin(), more.end(), std::back_inserter(rows));
   return rows;
 }

@@ -40,6 +40,14 @@ std::string join(const std::vector<Symbol>& symbols) {
 
 bool isBlank(const std::string& text) { return text.find_first_not_of(" \t\r\n\f\v") == std::string::npos; }
 
+/// How sure an engine is of a line of words. Of single letters it is nearly as sure where it reads a script
+/// that it doesn't know; but it knows that no words come of it.
+double surenessOfWords(double ofSymbols, double ofWords) {
+  constexpr double usual = 95;
+  constexpr double weight = 0.1;
+  return ofSymbols - weight * std::max(0.0, usual - ofWords);
+}
+
 double meanConfidence(const std::vector<Symbol>& symbols) {
   if (symbols.empty()) return 0;
   return std::accumulate(symbols.begin(), symbols.end(), 0.0,
@@ -69,7 +77,8 @@ ReadLine readLine(Engine& engine, const GreyBitmap& ink, const TextLine& line) {
     // And characters are of many pieces, but none of them is beside the other by much.
     return {join(symbols), sureness, line.letterHeight, count, gutters(letters, 0).size() + 1, sureness};
   }
-  return {join(symbols), reading.confidence, line.letterHeight, count, letters.size(), sureness};
+  return {join(symbols), reading.confidence, line.letterHeight,
+          count,         letters.size(),     surenessOfWords(sureness, reading.confidence)};
 }
 
 }  // namespace
