@@ -102,8 +102,11 @@ bool isRuleOrFrame(const Glyph& glyph, const Glyphs& all, int usual, const GreyB
 
 /// A text cursor before or behind all text: the one tall stroke there is. A vertical bar in text has others
 /// beside it, in tables and pipes, or stands between words.
-std::optional<std::size_t> caretIn(const Glyphs& glyphs, int usual) {
+std::optional<std::size_t> caretIn(const Glyphs& glyphs, int usual, Characters characters) {
   const auto isTallStroke = [&](const Glyph& glyph) {
+    // A cursor is hardly higher than wide characters, but thinner than their brackets.
+    if (characters == Characters::wide)
+      return glyph.height() >= 8 * glyph.width() && 10 * glyph.height() >= 12 * usual;
     return glyph.width() <= std::max(3, usual / 3) && 10 * glyph.height() >= 19 * usual;
   };
   if (std::count_if(glyphs.begin(), glyphs.end(), isTallStroke) != 1) return std::nullopt;
@@ -260,7 +263,8 @@ std::vector<TextLine> findTextLines(const GreyBitmap& ink, Characters characters
   Glyphs kept;
   std::copy_if(glyphs.begin(), glyphs.end(), std::back_inserter(kept),
                [&](const Glyph& glyph) { return !isRuleOrFrame(glyph, glyphs, usual, ink); });
-  if (const auto caret = caretIn(kept, usual)) kept.erase(kept.begin() + static_cast<std::ptrdiff_t>(*caret));
+  if (const auto caret = caretIn(kept, usual, characters))
+    kept.erase(kept.begin() + static_cast<std::ptrdiff_t>(*caret));
   return linesInReadingOrder(kept, characters);
 }
 
