@@ -55,6 +55,13 @@ double meanConfidence(const std::vector<Symbol>& symbols) {
          static_cast<double>(symbols.size());
 }
 
+/// The confidence in a line of wide characters. It is one word to the engine, which is as sure of a word as
+/// of its worst character; so the mean counts. That is 98 and more for text, and up to 93 for what is none.
+double confidenceOfWide(double ofSymbols) {
+  constexpr double spread = 5;
+  return std::max(0.0, 100 - spread * (100 - ofSymbols));
+}
+
 ReadLine readLine(Engine& engine, const GreyBitmap& ink, const TextLine& line) {
   std::vector<Glyph> letters = line.glyphs;
   const std::vector<Glyph> underscores = takeUnderscores(letters, line);
@@ -73,9 +80,9 @@ ReadLine readLine(Engine& engine, const GreyBitmap& ink, const TextLine& line) {
   correctHexadecimals(symbols);
   if (isWideText(symbols)) {
     correctWideText(symbols);
-    // A line without spaces is one word to the engine, which is as sure of a word as of its worst character.
-    // And characters are of many pieces, but none of them is beside the other by much.
-    return {join(symbols), sureness, line.letterHeight, count, gutters(letters, 0).size() + 1, sureness};
+    // Characters are of many pieces, but few of these stand side by side.
+    const std::size_t pieces = gutters(letters, 0).size() + 1;
+    return {join(symbols), confidenceOfWide(sureness), line.letterHeight, count, pieces, sureness};
   }
   return {join(symbols), reading.confidence, line.letterHeight,
           count,         letters.size(),     surenessOfWords(sureness, reading.confidence)};
