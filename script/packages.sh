@@ -37,10 +37,13 @@ benchmark_packages=(
   python3 python3-pil python3-numpy
   chromium python3-gi python3-gi-cairo gir1.2-pango-1.0 python3-pyqt6
   zint maim
-  tesseract-ocr tesseract-ocr-eng tesseract-ocr-deu zbar-tools
+  tesseract-ocr tesseract-ocr-eng zbar-tools
   fonts-dejavu-core fonts-liberation fonts-noto-core fonts-noto-mono fonts-roboto fonts-cantarell fonts-open-sans
   fonts-lato fonts-inter fonts-hack fonts-firacode fonts-jetbrains-mono
+  fonts-noto-cjk fonts-ipafont-gothic fonts-nanum fonts-wqy-microhei
   fortunes fortunes-de perl-modules-5.36 libpython3.11-stdlib libstdc++-12-dev linux-libc-dev cmake-data
+  gnome-user-docs debian-reference-zh-tw nautilus-data libgtk-3-common
+  "${language_packages[@]}"
 )
 
 # To feed arbitrary images to the recognition code: script/fuzz.

@@ -5,6 +5,7 @@ import itertools
 import os
 import subprocess
 import tempfile
+import unicodedata
 
 import numpy
 from PIL import Image
@@ -49,9 +50,14 @@ def _room(sample):
     return ROOM / sample.scale
 
 
+def _breadth(text):
+    """How many letters of usual width a text is as wide as, in fonts of any."""
+    return sum(1.3 if unicodedata.east_asian_width(c) in "WF" else 1 for c in text)
+
+
 def _cell_size(sample):
     """In the page's pixels, in fours to be whole pixels of the picture. Generous: it is cropped later."""
-    longest = sum(max(len(line.text) for line in block) for block in sample.blocks)
+    longest = sum(max(_breadth(line.text) for line in block) for block in sample.blocks)
     width = (
         longest * sample.size * 0.8 + 3 * sample.size + sample.gap * len(sample.blocks) + 2 * _room(sample)
     )

@@ -7,6 +7,7 @@ from dataclasses import dataclass, field
 import passages
 from phrases import Phrases
 from themes import THEMES, coloured
+from translations import TRANSLATED_KINDS, fonts_of, translated_lines
 
 RENDERERS = ("chromium", "pango", "qt")
 
@@ -41,6 +42,8 @@ MONOSPACED = ["DejaVu Sans Mono", "Liberation Mono", "Noto Sans Mono", "Hack"]
 WITH_LIGATURES = ["Fira Code", "JetBrains Mono"]
 
 SIZES = [10, 11, 12, 13, 13, 14, 14, 15, 16, 16, 18, 20, 24, 28]
+# Nobody sets characters of many strokes in less.
+WIDE_SIZES = [12, 13, 14, 14, 15, 16, 16, 18, 20, 24, 28]
 SCALES = [1, 1, 1, 1.25, 1.5, 2]
 ANTIALIASING = ["grey", "grey", "subpixel", "subpixel"]
 HINTING = ["none", "slight", "slight", "full"]
@@ -84,13 +87,16 @@ class Sample:
     def truth(self):
         """A line of text a line. A gap within a line is one space, indentation and empty lines are left out.
 
-        An ellipsis is three full stops: most fonts draw the one sign as the other three.
+        An ellipsis is three full stops: most fonts draw the one sign as the other three. Fonts of wide
+        characters don't.
         """
         if self.by_rows:
             lines = [" ".join(line.text for line in row) for row in zip(*self.blocks)]
         else:
             lines = [line.text for block in self.blocks for line in block]
-        cleaned = [re.sub(r"\s+", " ", line).strip().replace("…", "...") for line in lines]
+        cleaned = [re.sub(r"\s+", " ", line).strip() for line in lines]
+        if not fonts_of(self.kind):
+            cleaned = [line.replace("…", "...") for line in cleaned]
         return [line for line in cleaned if line]
 
     @property
@@ -117,6 +123,11 @@ class Sample:
 
 def _stream(half, kind, number):
     return random_numbers.Random(f"text/{half}/{kind}/{number}")
+
+
+def translated_kinds(count):
+    """The kind of each image of a corpus of all languages: as many of each, one after the other."""
+    return [TRANSLATED_KINDS[number % len(TRANSLATED_KINDS)] for number in range(count)]
 
 
 def mixed_kinds(count, half):
@@ -182,6 +193,8 @@ def _fill(sample, random):
             paragraphs = (passages.german_paragraphs if german else passages.english_paragraphs)(half)
             texts = passages.prose_passage(random, paragraphs, random.choice([24, 36, 50, 64, 80, 96]), count)
         sample.blocks = [_plain(texts, theme)]
+    elif sample.kind in TRANSLATED_KINDS:
+        sample.blocks = [_plain(translated_lines(random, sample.kind, half), theme)]
     elif sample.kind == "code":
         texts, language = passages.code_passage(random, half, max(2, count))
         sample.blocks = [[Line(coloured(text, language, theme)) for text in texts]]
@@ -213,7 +226,10 @@ def make_sample(kind, half, number, renderer):
     sample.font = random.choice(MONOSPACED + ligatures if monospaced else PROPORTIONAL)
     sample.bold = random.random() < 0.12
     sample.italic = not monospaced and sample.font != "Cantarell" and random.random() < 0.05
-    sample.size, sample.scale = random.choice(SIZES), random.choice(SCALES)
+    wide_fonts = fonts_of(kind)
+    if wide_fonts:
+        sample.font, sample.italic = random.choice(wide_fonts), False
+    sample.size, sample.scale = random.choice(WIDE_SIZES if wide_fonts else SIZES), random.choice(SCALES)
     sample.line_height = round(sample.size * random.choice([1.3, 1.4, 1.5, 1.6]))
     if kind == "interface":
         sample.line_height = round(sample.size * random.choice([1.4, 1.8, 2.2]))

@@ -92,7 +92,8 @@ class Writer {
 };
 
 void addSheet(const GreyBitmap& ink, const std::vector<std::vector<std::u32string>>& truth, Writer& writer) {
-  const std::vector<TextLine> lines = lumiscan::desktop::findTextLines(ink);
+  const std::vector<TextLine> lines =
+      lumiscan::desktop::findTextLines(ink, lumiscan::desktop::Characters::alphabetic);
   if (!truth.empty() && lines.size() != truth.size()) return;
   for (std::size_t i = 0; i < lines.size(); ++i) {
     const std::vector<Cluster> clusters = lumiscan::desktop::clustersOf(lines[i].glyphs);

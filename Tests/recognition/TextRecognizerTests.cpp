@@ -78,6 +78,9 @@ TEST(TextRecognizer, ReadsSeveralLanguagesInOneText) {
   EXPECT_THAT(linesOf(pictureOf(german), {"en-US", "de-DE"}), ElementsAreArray(german));
   const std::vector<std::string> russian{"Добрый вечер, друзья"};
   EXPECT_THAT(linesOf(pictureOf(russian), {"ru-RU"}), ElementsAreArray(russian));
+  const std::vector<std::string> mixed{german[0], paragraph[0], russian[0], paragraph[1], german[1]};
+  EXPECT_THAT(linesOf(pictureOf(mixed), {"en-US", "fr-FR", "de-DE", "uk-UA", "ru-RU"}),
+              ElementsAreArray(mixed));
 }
 
 TEST(TextRecognizer, LinesDrawnAroundTextAreNoText) {

@@ -64,6 +64,7 @@ void appendLine(tesseract::ResultIterator& iterator, LineReading& reading) {
     }
     iterator.BoundingBox(tesseract::RIL_SYMBOL, &symbol.box.left, &symbol.box.top, &symbol.box.right,
                          &symbol.box.bottom);
+    symbol.confidence = static_cast<double>(iterator.Confidence(tesseract::RIL_SYMBOL));
     reading.symbols.push_back(std::move(symbol));
   } while (!iterator.IsAtFinalElement(tesseract::RIL_TEXTLINE, tesseract::RIL_SYMBOL) &&
            iterator.Next(tesseract::RIL_SYMBOL));

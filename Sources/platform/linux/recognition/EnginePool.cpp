@@ -7,7 +7,7 @@ namespace lumiscan::desktop {
 
 namespace {
 constexpr std::size_t mostIdlePerKey = 2;
-constexpr std::size_t mostIdle = 4;
+constexpr std::size_t mostIdle = 16;  // One for each language, and a few.
 }  // namespace
 
 EnginePool::EnginePool(Load load) : load_(std::move(load)) {}

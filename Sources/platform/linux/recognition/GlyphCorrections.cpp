@@ -31,6 +31,19 @@ bool isQuote(std::string_view text) {
   return std::find(std::begin(quotes), std::end(quotes), text) != std::end(quotes);
 }
 
+/// Whether the symbol stands where a Romance language leaves a vowel out, as in l'on or qu'il.
+bool isElision(const std::vector<Symbol>& symbols, std::size_t apostrophe) {
+  if (apostrophe == 0 || apostrophe + 1 == symbols.size()) return false;
+  const auto startsWord = [&](std::size_t i) { return i == 0 || symbols[i].spaceBefore; };
+  const auto is = [&](std::size_t i, std::string_view letters) {
+    return symbols[i].text.size() == 1 && letters.find(symbols[i].text) != std::string_view::npos;
+  };
+  const std::size_t before = apostrophe - 1;
+  const bool elided = (startsWord(before) && is(before, "cdjlmnstCDJLMNST")) ||
+                      (before > 0 && startsWord(before - 1) && is(before - 1, "qQ") && is(before, "uU"));
+  return elided && !startsWord(apostrophe) && !startsWord(apostrophe + 1);
+}
+
 /// An apostrophe or quotation mark at the height of capitals.
 struct QuoteMark {
   PixelBox box;
@@ -156,8 +169,12 @@ void correctQuotes(std::vector<Symbol>& symbols, const std::vector<Glyph>& glyph
     };
     for (Symbol& symbol : symbols)
       if (isQuote(symbol.text) && (!nearest || distance(symbol) < distance(*nearest))) nearest = &symbol;
-    if (nearest && distance(*nearest) <= line.letterHeight && mark.straight)
-      nearest->text = std::string(1, mark.strokes == 1 ? '\'' : '"');
+    if (!nearest || distance(*nearest) > line.letterHeight) continue;
+    // Models of Romance languages know no apostrophe but the straight one.
+    if (!mark.straight && nearest->text == "'" &&
+        isElision(symbols, static_cast<std::size_t>(nearest - symbols.data())))
+      nearest->text = "’";
+    if (mark.straight) nearest->text = std::string(1, mark.strokes == 1 ? '\'' : '"');
   }
 }
 

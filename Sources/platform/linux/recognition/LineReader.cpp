@@ -1,11 +1,16 @@
 #include "platform/linux/recognition/LineReader.h"
 
+#include <algorithm>
+#include <numeric>
 #include <utility>
 
+#include "platform/linux/recognition/Columns.h"
 #include "platform/linux/recognition/GlyphCorrections.h"
+#include "platform/linux/recognition/LanguageChoice.h"
 #include "platform/linux/recognition/LineImage.h"
 #include "platform/linux/recognition/LineShapes.h"
 #include "platform/linux/recognition/Plausibility.h"
+#include "platform/linux/recognition/Scripts.h"
 #include "platform/linux/recognition/ShapeCorrections.h"
 #include "platform/linux/recognition/Spacing.h"
 #include "platform/linux/recognition/TextLayout.h"
@@ -15,32 +20,78 @@ namespace lumiscan::desktop {
 
 namespace {
 
-/// A line between the engine and its text.
-struct Draft {
-  TextLine line;
-  std::vector<Glyph> letters;      // Of the line, without
-  std::vector<Glyph> underscores;  // these.
-  std::vector<Symbol> symbols;
-  double confidence = 0;
-  std::size_t pieces = 0;  // Side by side.
-};
+/// How sure an engine is of a line of words. Of single letters it is nearly as sure where it reads a script
+/// that it doesn't know; but it knows that no words come of it.
+double surenessOfWords(double ofSymbols, double ofWords) {
+  constexpr double usual = 95;
+  constexpr double weight = 0.1;
+  return ofSymbols - weight * std::max(0.0, usual - ofWords);
+}
 
-Draft draftOf(Engine& engine, const GreyBitmap& ink, TextLine line) {
-  Draft draft;
+double meanConfidence(const std::vector<Symbol>& symbols) {
+  if (symbols.empty()) return 0;
+  return std::accumulate(symbols.begin(), symbols.end(), 0.0,
+                         [](double sum, const Symbol& symbol) { return sum + symbol.confidence; }) /
+         static_cast<double>(symbols.size());
+}
+
+/// The confidence in a line of wide characters. It is one word to the engine, which is as sure of a word as
+/// of its worst character; so the mean counts. That is 98 and more for text, and up to 93 for what is none.
+double confidenceOfWide(double ofSymbols) {
+  constexpr double spread = 5;
+  return std::max(0.0, 100 - spread * (100 - ofSymbols));
+}
+
+/// Characters of many pieces have no shape that the classifier knows; the engine must be sure of them itself.
+void finishWide(LineDraft& draft) {
+  constexpr double likely = 98;
+  for (Symbol& symbol : draft.symbols) symbol.isLikely = symbol.confidence >= likely;
+  draft.isWide = true;
+  draft.confidence = confidenceOfWide(draft.sureness);
+  draft.pieces = gutters(draft.letters, 0).size() + 1;
+}
+
+LineDraft draftOf(Engine& engine, const GreyBitmap& ink, const TextLine& line) {
+  LineDraft draft;
+  draft.line = &line;
   draft.letters = line.glyphs;
   draft.underscores = takeUnderscores(draft.letters, line);
-  draft.line = std::move(line);
   // Strokes below nothing are a rule.
   if (draft.letters.empty()) return draft;
-  const LineImage image = drawLine(ink, draft.line, draft.letters);
+  const LineImage image = drawLine(ink, line, draft.letters);
   LineReading reading = engine.readLine(image.bitmap);
   for (Symbol& symbol : reading.symbols) symbol.box = image.toImage(symbol.box);
   draft.symbols = std::move(reading.symbols);
+  draft.sureness = meanConfidence(draft.symbols);
+  if (isWideText(draft.symbols)) {
+    finishWide(draft);
+    return draft;
+  }
   draft.confidence = reading.confidence;
-  LineShapes shapes(ink, draft.line, draft.letters);
+  draft.sureness = surenessOfWords(draft.sureness, reading.confidence);
+  LineShapes shapes(ink, line, draft.letters);
   draft.pieces = shapes.clusters().size();
   correctByShape(draft.symbols, shapes);
   return draft;
+}
+
+/// The drafts of all lines that hold anything, each in the language that fits it best.
+std::vector<LineDraft> draftsOf(EngineCrew& crew, const std::vector<std::vector<std::string>>& languages,
+                                const GreyBitmap& ink, const std::vector<TextLine>& lines) {
+  std::vector<LineDraft> drafts =
+      readInBestLanguage(lines, languages, [&](const std::vector<Question>& questions) {
+        std::vector<LineDraft> answers(questions.size());
+        std::vector<EngineCrew::Task> tasks;
+        for (std::size_t i = 0; i < questions.size(); ++i) {
+          const TextLine& line = lines[questions[i].line];
+          tasks.push_back({questions[i].engine, line.glyphs.size(),
+                           [&, i](Engine& engine) { answers[i] = draftOf(engine, ink, line); }});
+        }
+        crew.run(std::move(tasks));
+        return answers;
+      });
+  std::erase_if(drafts, [](const LineDraft& draft) { return draft.symbols.empty(); });
+  return drafts;
 }
 
 std::string join(const std::vector<Symbol>& symbols) {
@@ -51,33 +102,32 @@ std::string join(const std::vector<Symbol>& symbols) {
 
 }  // namespace
 
-std::vector<std::string> readLines(Engine& engine, const GreyBitmap& ink) {
-  std::vector<Draft> drafts;
-  for (TextLine& line : findTextLines(ink)) {
-    drafts.push_back(draftOf(engine, ink, std::move(line)));
-    if (drafts.back().symbols.empty()) drafts.pop_back();
-  }
+std::vector<std::string> readLines(EngineCrew& crew, const std::vector<std::vector<std::string>>& languages,
+                                   const GreyBitmap& ink) {
+  const bool wide = std::any_of(languages.begin(), languages.end(), hasWideCharacters);
+  const std::vector<TextLine> lines = findTextLines(ink, wide ? Characters::wide : Characters::alphabetic);
+  std::vector<LineDraft> drafts = draftsOf(crew, languages, ink, lines);
   std::vector<SpacedLine> spaced;
-  for (Draft& draft : drafts) spaced.push_back({&draft.symbols, draft.line.letterHeight});
+  for (LineDraft& draft : drafts)
+    if (!draft.isWide) spaced.push_back({&draft.symbols, draft.line->letterHeight});
   correctSpaces(spaced);
-  std::vector<ReadLine> lines;
-  for (Draft& draft : drafts) {
-    ReadLine line{{},
-                  draft.confidence,
-                  draft.line.letterHeight,
-                  draft.symbols.size(),
-                  likelyCount(draft.symbols),
-                  draft.pieces};
-    insertUnderscores(draft.symbols, draft.underscores, draft.letters, draft.line.letterHeight);
-    correctQuotes(draft.symbols, draft.letters, ink, draft.line);
-    correctDashes(draft.symbols, ink, draft.line);
+  std::vector<ReadLine> read;
+  for (LineDraft& draft : drafts) {
+    const TextLine& line = *draft.line;
+    ReadLine result{
+        {},          draft.confidence, line.letterHeight, draft.symbols.size(), likelyCount(draft.symbols),
+        draft.pieces};
+    insertUnderscores(draft.symbols, draft.underscores, draft.letters, line.letterHeight);
+    correctQuotes(draft.symbols, draft.letters, ink, line);
+    correctDashes(draft.symbols, ink, line);
     correctHexadecimals(draft.symbols);
-    line.text = join(draft.symbols);
-    lines.push_back(std::move(line));
+    if (draft.isWide) correctWideText(draft.symbols);
+    result.text = join(draft.symbols);
+    read.push_back(std::move(result));
   }
-  dropImplausible(lines);
+  dropImplausible(read);
   std::vector<std::string> texts;
-  for (ReadLine& line : lines) texts.push_back(std::move(line.text));
+  for (ReadLine& line : read) texts.push_back(std::move(line.text));
   return texts;
 }
 

@@ -70,7 +70,16 @@ void divide(const PixelBox& box, std::vector<Symbol>& symbols, const Match& matc
 /// Ink that the engine passed over, where it surely is a sign.
 bool isSurelyMissing(const Classification& shape) {
   constexpr float sure = 0.9F;
-  return shape.best() != Classification::noCharacter && shape.bestProbability() >= sure;
+  return shape.best() != Classification::noCharacter && !isLetter(shape.best()) &&
+         shape.bestProbability() >= sure;
+}
+
+bool isLikely(const Symbol& symbol, const Classification& shape) {
+  constexpr float likely = 0.3F;
+  constexpr double sure = 90;
+  const char32_t character = onlyCodePoint(symbol.text);
+  // Of letters of other scripts the classifier knows nothing.
+  return shape.knows(character) ? shape.of(character) >= likely : symbol.confidence >= sure;
 }
 
 bool isOneToOne(const Match& match) { return match.clusterCount > 0 && match.symbolCount == 1; }
@@ -103,10 +112,8 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
       correctBar(first, shapes.classification(match.firstCluster, match.clusterCount), isAfterLetter);
     if (first.hasOwnInk && (first.confidence < mild || isSteady(m)))
       correctSymbol(first, shapes.classification(match.firstCluster, match.clusterCount));
-    constexpr float likely = 0.3F;
     first.isLikely =
-        first.hasOwnInk &&
-        shapes.classification(match.firstCluster, match.clusterCount).of(onlyCodePoint(first.text)) >= likely;
+        first.hasOwnInk && isLikely(first, shapes.classification(match.firstCluster, match.clusterCount));
     for (std::size_t i = 0; i < match.symbolCount; ++i)
       corrected.push_back(std::move(symbols[match.firstSymbol + i]));
   }

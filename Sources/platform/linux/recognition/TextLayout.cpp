@@ -58,12 +58,16 @@ Glyphs connectedPieces(const GreyBitmap& ink, int threshold) {
   return glyphs;
 }
 
+/// Half the letters of an alphabet have the usual height. Few pieces of a character of many strokes are as
+/// high as the character.
+double usualShare(Characters characters) { return characters == Characters::alphabetic ? 0.5 : 0.8; }
+
 /// The usual height of the glyphs that may be letters.
-int usualHeight(const Glyphs& glyphs) {
+int usualHeight(const Glyphs& glyphs, Characters characters = Characters::alphabetic) {
   std::vector<int> heights;
   for (const Glyph& glyph : glyphs)
     if (glyph.height() >= 4 && glyph.width() <= 4 * glyph.height()) heights.push_back(glyph.height());
-  return heights.empty() ? 0 : levelAt(std::move(heights), 0.5);
+  return heights.empty() ? 0 : levelAt(std::move(heights), usualShare(characters));
 }
 
 bool isInside(const PixelBox& inner, const PixelBox& outer) {
@@ -98,8 +102,11 @@ bool isRuleOrFrame(const Glyph& glyph, const Glyphs& all, int usual, const GreyB
 
 /// A text cursor before or behind all text: the one tall stroke there is. A vertical bar in text has others
 /// beside it, in tables and pipes, or stands between words.
-std::optional<std::size_t> caretIn(const Glyphs& glyphs, int usual) {
+std::optional<std::size_t> caretIn(const Glyphs& glyphs, int usual, Characters characters) {
   const auto isTallStroke = [&](const Glyph& glyph) {
+    // A cursor is hardly higher than wide characters, but thinner than their brackets.
+    if (characters == Characters::wide)
+      return glyph.height() >= 8 * glyph.width() && 10 * glyph.height() >= 12 * usual;
     return glyph.width() <= std::max(3, usual / 3) && 10 * glyph.height() >= 19 * usual;
   };
   if (std::count_if(glyphs.begin(), glyphs.end(), isTallStroke) != 1) return std::nullopt;
@@ -161,34 +168,52 @@ int markDistance(const Row& row, const Glyph& mark, int usual) {
   return row.distance(mark) + (flat && mark.box.bottom < row.top ? usual / 2 : 0);
 }
 
-/// Dots, accents, quotation marks, strokes: each to the row that is nearest.
-void addMarks(std::vector<Row>& rows, const Glyphs& marks, int usual) {
+/// Dots, accents, quotation marks, strokes: each to the row that is nearest, if it is within reach. Returns
+/// the others.
+Glyphs addMarks(std::vector<Row>& rows, const Glyphs& marks, int usual, int reach) {
   Glyphs apart;
   for (const Glyph& mark : marks) {
     const auto nearest = std::min_element(rows.begin(), rows.end(), [&](const Row& a, const Row& b) {
       return std::pair(markDistance(a, mark, usual), std::abs(a.middle() - mark.middle())) <
              std::pair(markDistance(b, mark, usual), std::abs(b.middle() - mark.middle()));
     });
-    if (nearest != rows.end() && nearest->distance(mark) <= usual)
+    if (nearest != rows.end() && nearest->distance(mark) <= reach)
       nearest->glyphs.push_back(mark);
     else
       apart.push_back(mark);
   }
-  // Lines of nothing but marks.
-  std::vector<Row> more = rowsOfLetters(apart);
-  std::move(more.begin(), more.end(), std::back_inserter(rows));
+  return apart;
 }
 
-std::vector<TextLine> linesOf(Glyphs glyphs) {
-  if (glyphs.empty()) return {};
-  const int usual = std::max(1, usualHeight(glyphs));
-  std::sort(glyphs.begin(), glyphs.end(),
-            [](const Glyph& a, const Glyph& b) { return a.box.left < b.box.left; });
+/// Rows of glyphs that are sorted from left to right.
+std::vector<Row> rowsOf(const Glyphs& glyphs, int usual, Characters characters) {
   const auto isMark = [&](const Glyph& glyph) { return glyph.height() * 5 < usual * 4; };
   Glyphs letters, marks;
   for (const Glyph& glyph : glyphs) (isMark(glyph) ? marks : letters).push_back(glyph);
   std::vector<Row> rows = rowsOfLetters(letters);
-  addMarks(rows, marks, usual);
+  if (characters == Characters::alphabetic) {
+    // Lines of nothing but marks.
+    std::vector<Row> more = rowsOfLetters(addMarks(rows, marks, usual, usual));
+    std::move(more.begin(), more.end(), std::back_inserter(rows));
+    return rows;
+  }
+  // Among wide characters may be lines of an alphabet, whose letters are low beside them.
+  Glyphs lowLetters, accents;
+  for (const Glyph& glyph : addMarks(rows, marks, usual, usual / 4))
+    (5 * glyph.height() >= 2 * usual ? lowLetters : accents).push_back(glyph);
+  std::vector<Row> more = rowsOfLetters(lowLetters);
+  std::move(more.begin(), more.end(), std::back_inserter(rows));
+  more = rowsOfLetters(addMarks(rows, accents, usual, usual));
+  std::move(more.begin(), more.end(), std::back_inserter(rows));
+  return rows;
+}
+
+std::vector<TextLine> linesOf(Glyphs glyphs, Characters characters) {
+  if (glyphs.empty()) return {};
+  const int usual = std::max(1, usualHeight(glyphs));
+  std::sort(glyphs.begin(), glyphs.end(),
+            [](const Glyph& a, const Glyph& b) { return a.box.left < b.box.left; });
+  std::vector<Row> rows = rowsOf(glyphs, std::max(1, usualHeight(glyphs, characters)), characters);
   std::sort(rows.begin(), rows.end(), [](const Row& a, const Row& b) { return a.top < b.top; });
   std::vector<TextLine> lines;
   for (Row& row : rows) {
@@ -204,19 +229,19 @@ std::vector<TextLine> linesOf(Glyphs glyphs) {
 }
 
 /// The lines of the glyphs, parted into columns where there are some.
-std::vector<TextLine> linesInReadingOrder(const Glyphs& glyphs) {
+std::vector<TextLine> linesInReadingOrder(const Glyphs& glyphs, Characters characters) {
   if (glyphs.empty()) return {};
-  const int usual = std::max(1, usualHeight(glyphs));
+  const int usual = std::max(1, usualHeight(glyphs, characters));
   for (const Gutter& gutter : gutters(glyphs, 2 * usual)) {
     Glyphs left, right;
     for (const Glyph& glyph : glyphs) (glyph.box.left < gutter.end ? left : right).push_back(glyph);
-    if (!areColumns(linesOf(left), linesOf(right), gutter, usual)) continue;
-    std::vector<TextLine> lines = linesInReadingOrder(left);
-    std::vector<TextLine> more = linesInReadingOrder(right);
+    if (!areColumns(linesOf(left, characters), linesOf(right, characters), gutter, usual)) continue;
+    std::vector<TextLine> lines = linesInReadingOrder(left, characters);
+    std::vector<TextLine> more = linesInReadingOrder(right, characters);
     std::move(more.begin(), more.end(), std::back_inserter(lines));
     return lines;
   }
-  return linesOf(glyphs);
+  return linesOf(glyphs, characters);
 }
 
 }  // namespace
@@ -229,17 +254,18 @@ PixelBox boxAround(const std::vector<Glyph>& glyphs) {
   return box;
 }
 
-std::vector<TextLine> findTextLines(const GreyBitmap& ink) {
+std::vector<TextLine> findTextLines(const GreyBitmap& ink, Characters characters) {
   const std::optional<int> threshold = inkThreshold(ink);
   if (!threshold) return {};
   const Glyphs glyphs = connectedPieces(ink, *threshold);
-  const int usual = usualHeight(glyphs);
+  const int usual = usualHeight(glyphs, characters);
   if (usual == 0) return {};
   Glyphs kept;
   std::copy_if(glyphs.begin(), glyphs.end(), std::back_inserter(kept),
                [&](const Glyph& glyph) { return !isRuleOrFrame(glyph, glyphs, usual, ink); });
-  if (const auto caret = caretIn(kept, usual)) kept.erase(kept.begin() + static_cast<std::ptrdiff_t>(*caret));
-  return linesInReadingOrder(kept);
+  if (const auto caret = caretIn(kept, usual, characters))
+    kept.erase(kept.begin() + static_cast<std::ptrdiff_t>(*caret));
+  return linesInReadingOrder(kept, characters);
 }
 
 }  // namespace lumiscan::desktop

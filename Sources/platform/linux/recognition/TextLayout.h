@@ -22,9 +22,15 @@ struct TextLine {
   int baseline = 0;      ///< The row below the feet of most letters.
 };
 
+/// What a text may be made of.
+enum class Characters {
+  alphabetic,  ///< Letters, most of them of one piece.
+  wide,        ///< Also characters of many pieces, as wide as they are high: Chinese, Japanese, Korean.
+};
+
 /// The lines of text in reading order: column by column where the text is set in columns, from top to
 /// bottom in each. What can't be text, such as frames and rules, is in no line.
-std::vector<TextLine> findTextLines(const GreyBitmap& ink);
+std::vector<TextLine> findTextLines(const GreyBitmap& ink, Characters characters);
 
 /// The smallest box around all glyphs. Precondition: there is one.
 PixelBox boxAround(const std::vector<Glyph>& glyphs);

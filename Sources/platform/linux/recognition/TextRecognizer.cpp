@@ -10,8 +10,10 @@
 #include <thread>
 #include <utility>
 
+#include "platform/linux/recognition/EngineCrew.h"
 #include "platform/linux/recognition/EnginePool.h"
 #include "platform/linux/recognition/ImagePreparation.h"
+#include "platform/linux/recognition/LanguageChoice.h"
 #include "platform/linux/recognition/LanguageData.h"
 #include "platform/linux/recognition/LineReader.h"
 
@@ -23,20 +25,6 @@ using platform::Error;
 using platform::Image;
 using platform::Result;
 using platform::TextObservation;
-
-/// English last among languages of the Latin script: its models lack the others' letters, and a first
-/// language's reading without accents would stand before the right one is asked for.
-void moveEnglishBack(std::vector<std::string>& names) {
-  constexpr std::string_view otherScripts[] = {"chi_sim", "chi_tra", "jpn", "kor", "rus", "ukr", "ara", "bel",
-                                               "bul",     "ben",     "ell", "fas", "heb", "hin", "hye", "kat",
-                                               "mkd",     "srp",     "tam", "tel", "tha", "urd"};
-  const auto isLatin = [&](const std::string& name) {
-    return std::find(std::begin(otherScripts), std::end(otherScripts), name) == std::end(otherScripts);
-  };
-  const auto english = std::find(names.begin(), names.end(), "eng");
-  if (english != names.end() && std::all_of(names.begin(), names.end(), isLatin))
-    std::rotate(english, english + 1, names.end());
-}
 
 }  // namespace
 
@@ -61,13 +49,11 @@ struct TesseractRecognizer::State {
     return Error{std::string("The recognition engine can't start: ") + exception.what()};
   }
 
-  /// The engine for the languages whose data is there; nothing when none is.
-  std::optional<EngineKey> keyFor(const std::vector<std::string>& languages, bool dictionaries) {
+  /// The engines for the languages whose data is there, each by the names of its data.
+  std::vector<std::vector<std::string>> enginesFor(const std::vector<std::string>& languages) {
     LanguageData::Selection selection = data.select(languages);
     for (const std::string& tag : selection.missing) logMissing(tag);
-    if (selection.names.empty()) return std::nullopt;
-    moveEnglishBack(selection.names);
-    return EngineKey{std::move(selection.names), dictionaries};
+    return engineLanguages(std::move(selection.names), data.isInstalled("en"));
   }
 
   void logMissing(const std::string& tag) {
@@ -80,14 +66,24 @@ struct TesseractRecognizer::State {
 
   Result<std::vector<TextObservation>> recognize(const platform::TextRecognitionRequest& request,
                                                  const Image& image) {
-    const auto key = keyFor(request.recognitionLanguages, request.usesLanguageCorrection);
-    if (!key) return Error{"No recognition data is installed for any of the languages"};
-    auto borrowed = pool.borrow(*key);
-    if (!borrowed.ok()) return borrowed.error();
-    const std::shared_ptr<Engine> engine = std::move(borrowed).value();
-    const GreyBitmap ink = inkOf(image);
+    const auto languages = enginesFor(request.recognitionLanguages);
+    if (languages.empty()) return Error{"No recognition data is installed for any of the languages"};
+    const auto borrow = [&](std::size_t engine) {
+      return pool.borrow({languages[engine], request.usesLanguageCorrection});
+    };
+    std::vector<std::shared_ptr<Engine>> engines;
+    for (std::size_t i = 0; i < languages.size(); ++i) {
+      auto borrowed = borrow(i);
+      if (!borrowed.ok()) return borrowed.error();
+      engines.push_back(std::move(borrowed).value());
+    }
+    EngineCrew crew(std::move(engines), [&](std::size_t engine) {
+      auto borrowed = borrow(engine);
+      return borrowed.ok() ? std::move(borrowed).value() : nullptr;
+    });
     std::vector<TextObservation> observations;
-    for (std::string& text : readLines(*engine, ink)) observations.push_back({{std::move(text)}});
+    for (std::string& text : readLines(crew, languages, inkOf(image)))
+      observations.push_back({{std::move(text)}});
     return observations;
   }
 };
@@ -113,10 +109,14 @@ Result<std::vector<TextObservation>> TesseractRecognizer::perform(
 }
 
 void TesseractRecognizer::prepare(const std::vector<std::string>& languages) {
-  const auto key = state_->keyFor(languages, true);
-  if (!key || !state_->pool.announce(*key)) return;
+  std::vector<EngineKey> keys;
+  for (std::vector<std::string>& names : state_->enginesFor(languages))
+    if (EngineKey key{std::move(names), true}; state_->pool.announce(key)) keys.push_back(std::move(key));
+  if (keys.empty()) return;
   // The task may outlive the recogniser; the state lives as long as it does.
-  auto task = [state = state_, key = *key] { state->pool.loadAhead(key); };
+  auto task = [state = state_, keys = std::move(keys)] {
+    for (const EngineKey& key : keys) state->pool.loadAhead(key);
+  };
   if (state_->options.runInBackground) return state_->options.runInBackground(std::move(task));
   const std::lock_guard lock(state_->mutex);
   state_->threads.emplace_back(std::move(task));
