@@ -123,6 +123,17 @@ std::optional<std::size_t> caretIn(const Glyphs& glyphs, int usual, Characters c
   return static_cast<std::size_t>(stroke - glyphs.begin());
 }
 
+/// A text cursor that the selection's edge almost cuts off: a thin stroke there, higher than any letter beside it.
+bool isCaretAtEdge(const Glyph& stroke, const Glyphs& all, int usual, int imageWidth) {
+  const int nearEdge = std::max(2, usual / 4);
+  const bool atEdge = stroke.box.left <= nearEdge || imageWidth - 1 - stroke.box.right <= nearEdge;
+  if (!atEdge || stroke.height() < 6 * stroke.width() || 5 * stroke.height() < 6 * usual) return false;
+  return std::all_of(all.begin(), all.end(), [&](const Glyph& other) {
+    const bool beside = other.box.top <= stroke.box.bottom && other.box.bottom >= stroke.box.top;
+    return &other == &stroke || !beside || 20 * stroke.height() >= 27 * other.height();
+  });
+}
+
 /// A line while it is put together.
 struct Row {
   Glyphs glyphs;
@@ -262,7 +273,9 @@ std::vector<TextLine> findTextLines(const GreyBitmap& ink, Characters characters
   if (usual == 0) return {};
   Glyphs kept;
   std::copy_if(glyphs.begin(), glyphs.end(), std::back_inserter(kept),
-               [&](const Glyph& glyph) { return !isRuleOrFrame(glyph, glyphs, usual, ink); });
+               [&](const Glyph& glyph) {
+                 return !isRuleOrFrame(glyph, glyphs, usual, ink) && !isCaretAtEdge(glyph, glyphs, usual, ink.width);
+               });
   if (const auto caret = caretIn(kept, usual, characters))
     kept.erase(kept.begin() + static_cast<std::ptrdiff_t>(*caret));
   return linesInReadingOrder(kept, characters);
