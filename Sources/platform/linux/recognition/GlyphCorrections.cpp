@@ -6,12 +6,12 @@
 #include <iterator>
 #include <string_view>
 
+#include "platform/linux/recognition/Level.h"
+#include "platform/linux/recognition/Spacing.h"
+
 namespace lumiscan::desktop {
 
 namespace {
-
-/// The width of one underscore in letter heights, in most fonts.
-constexpr double underscoreWidth = 1.05;
 
 bool isUnderscore(const Glyph& glyph, const TextLine& line) {
   const bool flat = glyph.height() <= std::max(2, line.letterHeight / 4);
@@ -21,8 +21,20 @@ bool isUnderscore(const Glyph& glyph, const TextLine& line) {
 
 int middleOf(const PixelBox& box) { return (box.left + box.right) / 2; }
 
-Symbol underscores(const Glyph& glyph, int letterHeight, bool spaceBefore) {
-  const auto count = std::max(1L, std::lround(glyph.width() / (underscoreWidth * letterHeight)));
+/// The width of one underscore: a place where all characters have one width; else most fonts make it a little
+/// narrower than the height of an x.
+double underscoreWidth(const std::vector<Symbol>& symbols, int letterHeight) {
+  constexpr std::string_view low = "acemnorsuvwxz";
+  if (const auto pitch = fixedPitch(symbols)) return *pitch;
+  std::vector<int> heights;
+  for (const Symbol& symbol : symbols)
+    if (symbol.hasOwnInk && symbol.text.size() == 1 && low.find(symbol.text) != std::string_view::npos)
+      heights.push_back(symbol.box.bottom - symbol.box.top + 1);
+  return heights.empty() ? 1.05 * letterHeight : 0.93 * levelAt(std::move(heights), 0.5);
+}
+
+Symbol underscores(const Glyph& glyph, double width, bool spaceBefore) {
+  const auto count = std::max(1L, std::lround(glyph.width() / width));
   return {std::string(static_cast<std::size_t>(count), '_'), spaceBefore, glyph.box, 100, true, true};
 }
 
@@ -140,6 +152,7 @@ std::vector<Glyph> takeUnderscores(std::vector<Glyph>& glyphs, const TextLine& l
 void insertUnderscores(std::vector<Symbol>& symbols, const std::vector<Glyph>& taken,
                        const std::vector<Glyph>& letters, int letterHeight) {
   const double space = 0.7 * letterHeight;
+  const double width = underscoreWidth(symbols, letterHeight);
   for (const Glyph& underscore : taken) {
     // Where the ink beside the underscore ends and begins, which the engine's boxes tell only roughly.
     int inkBefore = -1'000'000;
@@ -156,7 +169,7 @@ void insertUnderscores(std::vector<Symbol>& symbols, const std::vector<Glyph>& t
     });
     if (next != symbols.end()) next->spaceBefore = inkAfter - underscore.box.right > space;
     const bool spaceBefore = next != symbols.begin() && underscore.box.left - inkBefore > space;
-    symbols.insert(next, underscores(underscore, letterHeight, spaceBefore));
+    symbols.insert(next, underscores(underscore, width, spaceBefore));
   }
 }
 

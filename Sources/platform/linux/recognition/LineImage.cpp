@@ -9,10 +9,7 @@ namespace lumiscan::desktop {
 
 namespace {
 
-constexpr int modelHeight = 36;      // Pixels; larger lines are reduced to it by the engine.
-constexpr double marginAbove = 0.4;  // All margins in heights of a letter.
-constexpr double marginBelow = 0.4;
-constexpr double marginBeside = 0.6;
+constexpr double marginBeside = 0.6;  // In heights of a letter.
 constexpr std::uint8_t paper = 255;
 
 }  // namespace
@@ -37,15 +34,16 @@ PixelBox LineImage::toImage(const PixelBox& box) const {
   return {back(box.left, left), back(box.top, top), back(box.right, left), back(box.bottom, top)};
 }
 
-LineImage drawLine(const GreyBitmap& ink, const TextLine& line, const std::vector<Glyph>& glyphs) {
+LineImage drawLine(const GreyBitmap& ink, const TextLine& line, const std::vector<Glyph>& glyphs,
+                   const Rendition& rendition) {
   const auto margin = [&](double heights) {
     return static_cast<int>(std::lround(heights * line.letterHeight)) + 1;
   };
   const PixelBox box = boxAround(glyphs);
   const int left = box.left - margin(marginBeside);
-  const int top = box.top - margin(marginAbove);
-  GreyBitmap drawn(box.right + margin(marginBeside) - left + 1, box.bottom + margin(marginBelow) - top + 1,
-                   paper);
+  const int top = box.top - margin(rendition.margin);
+  GreyBitmap drawn(box.right + margin(marginBeside) - left + 1,
+                   box.bottom + margin(rendition.margin) - top + 1, paper);
   const int full = fullInk(ink, glyphs);
   for (const Glyph& glyph : glyphs) {
     // The smoothed edges lie outside the box of the inner ink.
@@ -57,9 +55,9 @@ LineImage drawLine(const GreyBitmap& ink, const TextLine& line, const std::vecto
         drawn.at(x - left, y - top) =
             static_cast<std::uint8_t>(255 - std::min(255, ink.at(x, y) * 255 / full));
   }
-  const double scale = static_cast<double>(modelHeight) / drawn.height;
+  const double scale = static_cast<double>(rendition.height) / drawn.height;
   const int width = std::max(1, static_cast<int>(std::lround(drawn.width * scale)));
-  return {resampled(drawn, width, modelHeight), scale, left, top};
+  return {resampled(drawn, width, rendition.height), scale, left, top};
 }
 
 }  // namespace lumiscan::desktop

@@ -18,7 +18,14 @@ struct LineImage {
 /// The ink that most of the glyphs' strokes reach, so that faint lines become as black as others.
 int fullInk(const GreyBitmap& ink, const std::vector<Glyph>& glyphs);
 
+/// How a line is drawn for the engine: its models read the same line a little otherwise at another size.
+struct Rendition {
+  int height;     ///< Of the bitmap, in pixels; larger ones are reduced to 36 by the engine.
+  double margin;  ///< Above and below the glyphs, in heights of a letter.
+};
+
 /// Draws the given glyphs of a line alone: what else crosses the line's box stays out.
-LineImage drawLine(const GreyBitmap& ink, const TextLine& line, const std::vector<Glyph>& glyphs);
+LineImage drawLine(const GreyBitmap& ink, const TextLine& line, const std::vector<Glyph>& glyphs,
+                   const Rendition& rendition);
 
 }  // namespace lumiscan::desktop

@@ -15,6 +15,7 @@
 #include "platform/linux/recognition/Spacing.h"
 #include "platform/linux/recognition/TextLayout.h"
 #include "platform/linux/recognition/Utf8.h"
+#include "platform/linux/recognition/Voting.h"
 
 namespace lumiscan::desktop {
 
@@ -42,6 +43,18 @@ double confidenceOfWide(double ofSymbols) {
   return std::max(0.0, 100 - spread * (100 - ofSymbols));
 }
 
+constexpr Rendition usualRendition{36, 0.3};
+constexpr Rendition otherRenditions[] = {{36, 0.2}, {30, 0.25}};
+
+/// Whether a line is worth reading more than once: the engine isn't sure of a symbol, or the symbol doesn't
+/// look like it.
+bool isDoubtful(const std::vector<Symbol>& symbols) {
+  constexpr double sure = 90;
+  return std::any_of(symbols.begin(), symbols.end(), [](const Symbol& symbol) {
+    return symbol.confidence < sure || (symbol.hasOwnInk && !symbol.isLikely);
+  });
+}
+
 /// Characters of many pieces have no shape that the classifier knows; the engine must be sure of them itself.
 void finishWide(LineDraft& draft) {
   constexpr double likely = 98;
@@ -51,6 +64,14 @@ void finishWide(LineDraft& draft) {
   draft.pieces = gutters(draft.letters, 0).size() + 1;
 }
 
+LineReading readRendition(Engine& engine, const GreyBitmap& ink, const LineDraft& draft,
+                          const Rendition& rendition) {
+  const LineImage image = drawLine(ink, *draft.line, draft.letters, rendition);
+  LineReading reading = engine.readLine(image.bitmap);
+  for (Symbol& symbol : reading.symbols) symbol.box = image.toImage(symbol.box);
+  return reading;
+}
+
 LineDraft draftOf(Engine& engine, const GreyBitmap& ink, const TextLine& line) {
   LineDraft draft;
   draft.line = &line;
@@ -58,9 +79,7 @@ LineDraft draftOf(Engine& engine, const GreyBitmap& ink, const TextLine& line) {
   draft.underscores = takeUnderscores(draft.letters, line);
   // Strokes below nothing are a rule.
   if (draft.letters.empty()) return draft;
-  const LineImage image = drawLine(ink, line, draft.letters);
-  LineReading reading = engine.readLine(image.bitmap);
-  for (Symbol& symbol : reading.symbols) symbol.box = image.toImage(symbol.box);
+  LineReading reading = readRendition(engine, ink, draft, usualRendition);
   draft.symbols = std::move(reading.symbols);
   draft.sureness = meanConfidence(draft.symbols);
   if (isWideText(draft.symbols)) {
@@ -71,7 +90,14 @@ LineDraft draftOf(Engine& engine, const GreyBitmap& ink, const TextLine& line) {
   draft.sureness = surenessOfWords(draft.sureness, reading.confidence);
   LineShapes shapes(ink, line, draft.letters);
   draft.pieces = shapes.clusters().size();
+  std::vector<std::vector<Symbol>> readings{draft.symbols};
   correctByShape(draft.symbols, shapes);
+  if (isDoubtful(draft.symbols)) {
+    for (const Rendition& rendition : otherRenditions)
+      readings.push_back(readRendition(engine, ink, draft, rendition).symbols);
+    draft.symbols = vote(std::move(readings), shapes);
+    correctByShape(draft.symbols, shapes);
+  }
   return draft;
 }
 

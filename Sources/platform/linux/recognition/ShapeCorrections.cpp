@@ -67,6 +67,15 @@ void divide(const PixelBox& box, std::vector<Symbol>& symbols, const Match& matc
   }
 }
 
+/// Which of the symbols that share a cluster is the only one in it: the engine now and then reads one twice,
+/// once as a capital or as another sign. As many as there are where it may be several.
+std::size_t onlyOne(const std::vector<Symbol>& symbols, const Match& match, const Classification& shape) {
+  constexpr float sure = 0.98F;
+  std::size_t i = 0;
+  while (i < match.symbolCount && onlyCodePoint(symbols[match.firstSymbol + i].text) != shape.best()) ++i;
+  return shape.bestProbability() >= sure ? i : match.symbolCount;
+}
+
 /// Ink that the engine passed over, where it surely is a sign.
 bool isSurelyMissing(const Classification& shape) {
   constexpr float sure = 0.9F;
@@ -87,7 +96,7 @@ bool isOneToOne(const Match& match) { return match.clusterCount > 0 && match.sym
 }  // namespace
 
 void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
-  const std::vector<Match> matches = align(shapes, symbols);
+  std::vector<Match> matches = align(shapes, symbols);
   // Beside letters that touch there may be a slip of the alignment.
   const auto isSteady = [&](std::size_t i) {
     const auto isPlain = [](const Match& match) { return match.clusterCount > 0 && match.symbolCount < 2; };
@@ -95,7 +104,15 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
   };
   std::vector<Symbol> corrected;
   for (std::size_t m = 0; m < matches.size(); ++m) {
-    const Match& match = matches[m];
+    Match& match = matches[m];
+    if (match.clusterCount == 1 && match.symbolCount > 1) {
+      const std::size_t only = onlyOne(symbols, match, shapes.classification(match.firstCluster));
+      if (only < match.symbolCount) {
+        symbols[match.firstSymbol + only].spaceBefore = symbols[match.firstSymbol].spaceBefore;
+        match.firstSymbol += only;
+        match.symbolCount = 1;
+      }
+    }
     if (match.symbolCount == 0) {
       const Classification& shape = shapes.classification(match.firstCluster);
       if (isSurelyMissing(shape))

@@ -36,12 +36,17 @@ bool isWordCharacter(const Symbol& symbol) {
   return std::isalnum(c) || c == '_' || c >= 0x80;
 }
 
-/// The distance, doubled, at which all characters stand, if there is one.
-std::optional<double> doublePitch(const std::vector<Pair>& pairs) {
-  constexpr std::size_t fewest = 10;
+/// The distances, doubled, between symbols without a space between them.
+std::vector<int> doubleDistances(const std::vector<Pair>& pairs) {
   std::vector<int> distances;
   for (const Pair& pair : pairs)
     if (!pair.right->spaceBefore) distances.push_back(pair.doubleDistance());
+  return distances;
+}
+
+/// The distance, doubled, at which all characters stand, if there is one.
+std::optional<double> doublePitch(const std::vector<int>& distances) {
+  constexpr std::size_t fewest = 10;
   if (distances.size() < fewest) return std::nullopt;
   const int middle = levelAt(distances, 0.5);
   if (middle <= 0) return std::nullopt;
@@ -98,6 +103,17 @@ void correctByWidth(const std::vector<Pair>& pairs, double space) {
 
 }  // namespace
 
+std::optional<double> fixedPitch(const std::vector<Symbol>& symbols) {
+  std::vector<int> distances;
+  for (std::size_t i = 1; i < symbols.size(); ++i) {
+    const PixelBox& left = symbols[i - 1].box;
+    const PixelBox& right = symbols[i].box;
+    if (!symbols[i].spaceBefore) distances.push_back(right.left + right.right - left.left - left.right);
+  }
+  const std::optional<double> pitch = doublePitch(distances);
+  return pitch ? std::optional(*pitch / 2) : std::nullopt;
+}
+
 void correctSpaces(const std::vector<SpacedLine>& lines) {
   std::vector<Pair> all;
   std::vector<int> spaces;
@@ -106,10 +122,10 @@ void correctSpaces(const std::vector<SpacedLine>& lines) {
     all.insert(all.end(), pairs.begin(), pairs.end());
     if (const auto space = usualSpace(pairs, line.letterHeight)) spaces.push_back(*space);
   }
-  const std::optional<double> pitchOfAll = doublePitch(all);
+  const std::optional<double> pitchOfAll = doublePitch(doubleDistances(all));
   for (const SpacedLine& line : lines) {
     const std::vector<Pair> pairs = pairsOf(line);
-    std::optional<double> pitch = doublePitch(pairs);
+    std::optional<double> pitch = doublePitch(doubleDistances(pairs));
     if (!pitch) pitch = pitchOfAll;
     if (pitch) {
       correctByPitch(pairs, *pitch);

@@ -1,10 +1,14 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "platform/linux/recognition/Engine.h"
 
 namespace lumiscan::desktop {
+
+/// The distance in pixels at which all symbols stand, if there is one. Their boxes are those of their ink.
+std::optional<double> fixedPitch(const std::vector<Symbol>& symbols);
 
 /// The symbols of a line, their boxes those of their ink.
 struct SpacedLine {

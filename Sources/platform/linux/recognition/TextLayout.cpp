@@ -123,7 +123,8 @@ std::optional<std::size_t> caretIn(const Glyphs& glyphs, int usual, Characters c
   return static_cast<std::size_t>(stroke - glyphs.begin());
 }
 
-/// A text cursor that the selection's edge almost cuts off: a thin stroke there, higher than any letter beside it.
+/// A text cursor that the selection's edge almost cuts off: a thin stroke there, higher than any letter
+/// beside it.
 bool isCaretAtEdge(const Glyph& stroke, const Glyphs& all, int usual, int imageWidth) {
   const int nearEdge = std::max(2, usual / 4);
   const bool atEdge = stroke.box.left <= nearEdge || imageWidth - 1 - stroke.box.right <= nearEdge;
@@ -272,10 +273,9 @@ std::vector<TextLine> findTextLines(const GreyBitmap& ink, Characters characters
   const int usual = usualHeight(glyphs, characters);
   if (usual == 0) return {};
   Glyphs kept;
-  std::copy_if(glyphs.begin(), glyphs.end(), std::back_inserter(kept),
-               [&](const Glyph& glyph) {
-                 return !isRuleOrFrame(glyph, glyphs, usual, ink) && !isCaretAtEdge(glyph, glyphs, usual, ink.width);
-               });
+  std::copy_if(glyphs.begin(), glyphs.end(), std::back_inserter(kept), [&](const Glyph& glyph) {
+    return !isRuleOrFrame(glyph, glyphs, usual, ink) && !isCaretAtEdge(glyph, glyphs, usual, ink.width);
+  });
   if (const auto caret = caretIn(kept, usual, characters))
     kept.erase(kept.begin() + static_cast<std::ptrdiff_t>(*caret));
   return linesInReadingOrder(kept, characters);
