@@ -15,6 +15,7 @@
 #include "platform/linux/Pasteboard.h"
 #include "platform/linux/UserDefaults.h"
 #include "platform/linux/Window.h"
+#include "platform/linux/Workspace.h"
 #include "platform/linux/drawing/BitmapContext.h"
 #include "platform/linux/drawing/QRCode.h"
 #include "platform/linux/recognition/BarcodeDetector.h"
@@ -96,6 +97,7 @@ struct LinuxDesktop::Parts {
   platform::NotificationCenter notificationCenter;
   platform::NotificationCenter workspaceNotificationCenter;
   x11::X11Displays displays;
+  XdgWorkspace workspace;
   TesseractRecognizer textRecognizer{{
       .runInBackground =
           [this](std::function<void()> work) {
@@ -160,6 +162,7 @@ platform::Point LinuxDesktop::mouseLocation() { return parts_->displays.mouseLoc
 platform::CursorStack& LinuxDesktop::cursors() { return parts_->needInteractive().cursors; }
 platform::Pasteboard& LinuxDesktop::pasteboard() { return parts_->needInteractive().pasteboard; }
 platform::HotKeys& LinuxDesktop::hotKeys() { return parts_->needInteractive().hotKeys; }
+platform::Workspace& LinuxDesktop::workspace() { return parts_->workspace; }
 platform::TextRecognizer& LinuxDesktop::textRecognizer() {
   parts_->recognizerUsed();
   return parts_->textRecognizer;
