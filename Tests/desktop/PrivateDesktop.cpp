@@ -157,6 +157,24 @@ xcb_window_t PrivateDesktop::focusedWindow() const {
   return owned(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr))->focus;
 }
 
+bool PrivateDesktop::canGrabPointer() const {
+  const auto request = xcb_grab_pointer(connection_, 0, root_, 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC,
+                                        XCB_WINDOW_NONE, XCB_CURSOR_NONE, XCB_TIME_CURRENT_TIME);
+  const auto reply = owned(xcb_grab_pointer_reply(connection_, request, nullptr));
+  xcb_ungrab_pointer(connection_, XCB_TIME_CURRENT_TIME);
+  sync();
+  return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+}
+
+bool PrivateDesktop::canGrabKeyboard() const {
+  const auto request = xcb_grab_keyboard(connection_, 0, root_, XCB_TIME_CURRENT_TIME, XCB_GRAB_MODE_ASYNC,
+                                         XCB_GRAB_MODE_ASYNC);
+  const auto reply = owned(xcb_grab_keyboard_reply(connection_, request, nullptr));
+  xcb_ungrab_keyboard(connection_, XCB_TIME_CURRENT_TIME);
+  sync();
+  return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+}
+
 std::vector<std::uint32_t> PrivateDesktop::screenPixels() const {
   const auto request =
       xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, root_, 0, 0, static_cast<std::uint16_t>(width_),

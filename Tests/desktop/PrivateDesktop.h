@@ -48,6 +48,10 @@ class PrivateDesktop {
   /// The mapped top-level windows of a class, bottom to top.
   std::vector<xcb_window_t> windowsOfClass(const std::string& name) const;
   xcb_window_t focusedWindow() const;
+  /// Whether the mouse or the keyboard could be grabbed, which it can't while another client holds it. Holds
+  /// neither afterwards.
+  bool canGrabPointer() const;
+  bool canGrabKeyboard() const;
   /// The whole screen, a word 0x??RRGGBB a pixel, row by row.
   std::vector<std::uint32_t> screenPixels() const;
   /// Where a pixel of the screen stands in `screenPixels`.

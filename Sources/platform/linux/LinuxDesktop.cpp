@@ -12,6 +12,7 @@
 #include "platform/linux/Application.h"
 #include "platform/linux/Dispatch.h"
 #include "platform/linux/Logger.h"
+#include "platform/linux/OverlaySession.h"
 #include "platform/linux/Pasteboard.h"
 #include "platform/linux/UserDefaults.h"
 #include "platform/linux/Window.h"
@@ -21,7 +22,6 @@
 #include "platform/linux/recognition/BarcodeDetector.h"
 #include "platform/linux/recognition/TextRecognizer.h"
 #include "platform/linux/x11/Display.h"
-#include "platform/linux/x11/Focus.h"
 #include "platform/linux/x11/HotKeys.h"
 
 namespace lumiscan::desktop {
@@ -45,24 +45,26 @@ platform::Rect inPixels(const QRect& rect, const QScreen& screen) {
           {rect.width() * scale, rect.height() * scale}};
 }
 
-/// Tells `displays` what the toolkit knows of the screens, now and at each change.
-void followToolkitScreens(x11::X11Displays& displays) {
-  const auto tell = [&displays] {
+/// Tells `displays` what the toolkit knows of the screens, now and at each change, and `overlays` that they
+/// changed, as long as `context` lives.
+void followToolkitScreens(x11::X11Displays& displays, OverlaySession& overlays, QObject& context) {
+  const auto tell = [&displays, &overlays] {
     std::map<std::string, x11::X11Displays::ToolkitScreen> screens;
     for (const QScreen* screen : QGuiApplication::screens())
       screens[screen->name().toStdString()] = {screen->devicePixelRatio(),
                                                inPixels(screen->availableGeometry(), *screen)};
     displays.setToolkitScreens(std::move(screens));
+    overlays.screensChanged();
   };
-  const auto follow = [tell](QScreen* screen) {
-    QObject::connect(screen, &QScreen::geometryChanged, qGuiApp, tell);
-    QObject::connect(screen, &QScreen::availableGeometryChanged, qGuiApp, tell);
-    QObject::connect(screen, &QScreen::physicalDotsPerInchChanged, qGuiApp, tell);
-    QObject::connect(screen, &QScreen::logicalDotsPerInchChanged, qGuiApp, tell);
+  const auto follow = [tell, &context](QScreen* screen) {
+    QObject::connect(screen, &QScreen::geometryChanged, &context, tell);
+    QObject::connect(screen, &QScreen::availableGeometryChanged, &context, tell);
+    QObject::connect(screen, &QScreen::physicalDotsPerInchChanged, &context, tell);
+    QObject::connect(screen, &QScreen::logicalDotsPerInchChanged, &context, tell);
     tell();
   };
-  QObject::connect(qGuiApp, &QGuiApplication::screenAdded, qGuiApp, follow);
-  QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, qGuiApp, tell);
+  QObject::connect(qGuiApp, &QGuiApplication::screenAdded, &context, follow);
+  QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, &context, tell);
   for (QScreen* screen : QGuiApplication::screens()) follow(screen);
 }
 
@@ -71,19 +73,16 @@ void followToolkitScreens(x11::X11Displays& displays) {
 /// What needs the application object, made with it.
 struct Interactive {
   Interactive(int& argc, char** argv, x11::X11Displays& displays)
-      : application(argc, argv),
-        hotKeys(toolkitConnection()),
-        focus(toolkitConnection()),
-        overlays(displays, focus) {
-    followToolkitScreens(displays);
+      : application(argc, argv), hotKeys(toolkitConnection()), overlays(toolkitConnection(), displays) {
+    followToolkitScreens(displays, overlays, screenFollower);
   }
 
   QtApplication application;
   QtCursorStack cursors;
   QtPasteboard pasteboard;
   x11::X11HotKeys hotKeys;
-  x11::FocusLoan focus;
   OverlaySession overlays;
+  QObject screenFollower;
 };
 
 struct LinuxDesktop::Parts {

@@ -56,7 +56,8 @@ std::shared_ptr<const std::byte> mapped(int descriptor, std::size_t byteCount) {
           [byteCount](const std::byte* pixels) { munmap(const_cast<std::byte*>(pixels), byteCount); }};
 }
 
-std::optional<Image> sharedMemorySnapshot(const Connection& connection, const PixelArea& area) {
+std::optional<Image> sharedMemorySnapshot(const Connection& connection, xcb_drawable_t drawable,
+                                          const PixelArea& area) {
   xcb_connection_t* const x = connection.get();
   const auto* extension = xcb_get_extension_data(x, &xcb_shm_id);
   if (!extension || !extension->present) return std::nullopt;
@@ -70,7 +71,7 @@ std::optional<Image> sharedMemorySnapshot(const Connection& connection, const Pi
   // The descriptor is the request's: it is closed once sent. A server on another machine refuses it.
   const xcb_shm_seg_t segment = xcb_generate_id(x);
   const auto attach = xcb_shm_attach_fd_checked(x, segment, descriptor, 0);
-  const auto get = xcb_shm_get_image(x, connection.root(), area.x, area.y, area.width, area.height, ~0U,
+  const auto get = xcb_shm_get_image(x, drawable, area.x, area.y, area.width, area.height, ~0U,
                                      XCB_IMAGE_FORMAT_Z_PIXMAP, segment, 0);
   const Reply<xcb_generic_error_t> attachError(xcb_request_check(x, attach));
   const Reply<xcb_shm_get_image_reply_t> answer(xcb_shm_get_image_reply(x, get, nullptr));
@@ -80,9 +81,10 @@ std::optional<Image> sharedMemorySnapshot(const Connection& connection, const Pi
   return imageOf(area, pixels);
 }
 
-std::optional<Image> sentSnapshot(const Connection& connection, const PixelArea& area) {
-  const auto get = xcb_get_image(connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, connection.root(), area.x,
-                                 area.y, area.width, area.height, ~0U);
+std::optional<Image> sentSnapshot(const Connection& connection, xcb_drawable_t drawable,
+                                  const PixelArea& area) {
+  const auto get = xcb_get_image(connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, drawable, area.x, area.y,
+                                 area.width, area.height, ~0U);
   const std::shared_ptr<xcb_get_image_reply_t> answer(xcb_get_image_reply(connection.get(), get, nullptr),
                                                       FreeReply());
   if (!answer || static_cast<std::size_t>(xcb_get_image_data_length(answer.get())) < area.byteCount())
@@ -91,16 +93,54 @@ std::optional<Image> sentSnapshot(const Connection& connection, const PixelArea&
   return imageOf(area, std::shared_ptr<const std::byte>(answer, bytes));
 }
 
-}  // namespace
+std::optional<Image> pictureOf(const Connection& connection, xcb_drawable_t drawable, const PixelArea& area) {
+  if (auto image = sharedMemorySnapshot(connection, drawable, area)) return image;
+  return sentSnapshot(connection, drawable, area);
+}
 
-std::optional<Image> takeSnapshot(const Connection& connection, const platform::Rect& pixels) {
+/// Nothing for an area without pixels, or whose pixels are in a form that is not known here.
+std::optional<PixelArea> readableArea(const Connection& connection, const platform::Rect& pixels) {
   if (!hasKnownPixels(connection)) return std::nullopt;
   const PixelArea area{static_cast<std::int16_t>(pixels.origin.x), static_cast<std::int16_t>(pixels.origin.y),
                        static_cast<std::uint16_t>(pixels.size.width),
                        static_cast<std::uint16_t>(pixels.size.height)};
   if (area.width == 0 || area.height == 0) return std::nullopt;
-  if (auto image = sharedMemorySnapshot(connection, area)) return image;
-  return sentSnapshot(connection, area);
+  return area;
+}
+
+}  // namespace
+
+Pixmap::Pixmap(std::shared_ptr<Connection> connection, int width, int height)
+    : connection_(std::move(connection)), id_(xcb_generate_id(connection_->get())) {
+  const xcb_screen_t& screen = connection_->screen();
+  xcb_create_pixmap(connection_->get(), screen.root_depth, id_, screen.root,
+                    static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height));
+}
+
+Pixmap::~Pixmap() {
+  xcb_free_pixmap(connection_->get(), id_);
+  xcb_flush(connection_->get());
+}
+
+std::optional<FrozenDesktop> freeze(const std::shared_ptr<Connection>& connection,
+                                    const platform::Rect& pixels) {
+  const auto area = readableArea(*connection, pixels);
+  if (!area) return std::nullopt;
+  auto pixmap = std::make_shared<const Pixmap>(connection, area->width, area->height);
+  xcb_connection_t* const x = connection->get();
+  const xcb_gcontext_t gc = xcb_generate_id(x);
+  const std::uint32_t values[] = {XCB_SUBWINDOW_MODE_INCLUDE_INFERIORS, 0};
+  xcb_create_gc(x, gc, connection->root(), XCB_GC_SUBWINDOW_MODE | XCB_GC_GRAPHICS_EXPOSURES, values);
+  xcb_copy_area(x, connection->root(), pixmap->id(), gc, area->x, area->y, 0, 0, area->width, area->height);
+  xcb_free_gc(x, gc);
+  auto image = pictureOf(*connection, pixmap->id(), {0, 0, area->width, area->height});
+  if (!image) return std::nullopt;
+  return FrozenDesktop{*std::move(image), std::move(pixmap)};
+}
+
+std::optional<Image> takeSnapshot(const Connection& connection, const platform::Rect& pixels) {
+  const auto area = readableArea(connection, pixels);
+  return area ? pictureOf(connection, connection.root(), *area) : std::nullopt;
 }
 
 }  // namespace lumiscan::desktop::x11

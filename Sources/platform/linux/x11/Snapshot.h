@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 
 #include "platform/Geometry.h"
@@ -7,6 +8,32 @@
 #include "platform/linux/x11/Connection.h"
 
 namespace lumiscan::desktop::x11 {
+
+/// A pixmap on the server, freed with this object.
+class Pixmap {
+ public:
+  /// Of undefined content, in the depth of the screen.
+  Pixmap(std::shared_ptr<Connection> connection, int width, int height);
+  ~Pixmap();
+  Pixmap(const Pixmap&) = delete;
+  Pixmap& operator=(const Pixmap&) = delete;
+
+  xcb_pixmap_t id() const { return id_; }
+
+ private:
+  std::shared_ptr<Connection> connection_;
+  xcb_pixmap_t id_;
+};
+
+/// What a part of the X screen showed at one moment, here and on the server.
+struct FrozenDesktop {
+  platform::Image image;
+  std::shared_ptr<const Pixmap> pixmap;
+};
+
+/// As `takeSnapshot`, with the same picture on the server.
+std::optional<FrozenDesktop> freeze(const std::shared_ptr<Connection>& connection,
+                                    const platform::Rect& pixels);
 
 /// What a part of the X screen shows now, without the cursor. `pixels` is on the X screen: whole pixels,
 /// origin at the top left, y downwards. Any thread. Nothing when the server refuses or keeps its pixels in
