@@ -24,7 +24,8 @@ std::optional<platform::Image> cropped(const platform::Image& snapshot, const pl
   const double height = snapshot.height();
   auto image =
       snapshot.cropped(platform::integral({{fractions.origin.x * width, fractions.origin.y * height},
-                                           {fractions.size.width * width, fractions.size.height * height}}));
+                                           {fractions.size.width * width, fractions.size.height * height}},
+                                          pixelTolerance));
   if (!image || image->width() < smallestCropSide || image->height() < smallestCropSide) return std::nullopt;
   return image;
 }

@@ -134,8 +134,8 @@ std::optional<platform::Image> ScreenCaptureController::crop(const platform::Ima
                                                              const platform::Screen& screen) {
   const double scale = screen.backingScaleFactor;
   const auto [origin, size] = onDisplay(globalRect, screen.displayID);
-  const platform::Rect pixels =
-      platform::integral({{scale * origin.x, scale * origin.y}, {scale * size.width, scale * size.height}});
+  const platform::Rect pixels = platform::integral(
+      {{scale * origin.x, scale * origin.y}, {scale * size.width, scale * size.height}}, pixelTolerance);
   // Written so that a size that isn't a number is refused too.
   if (!(pixels.size.width >= smallestCropSide && pixels.size.height >= smallestCropSide)) return std::nullopt;
   return snapshot.cropped(pixels);

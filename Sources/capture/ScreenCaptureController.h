@@ -13,6 +13,9 @@ namespace lumiscan {
 
 /// A captured image has at least this width and height, in pixels.
 inline constexpr int smallestCropSide = 4;
+/// What a rectangle may miss whole pixels by, in pixels, and still lie on them: fractions of a display and
+/// fractional scales leave rounding errors, which must not cost or add a row.
+inline constexpr double pixelTolerance = 1e-6;
 
 /// Runs one interactive capture session at a time: covers every screen with an overlay, waits for a
 /// rectangle or a cancel, takes a picture of the display and cuts the rectangle out. Repeats the last

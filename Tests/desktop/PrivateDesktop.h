@@ -25,6 +25,13 @@ class PrivateDesktop {
   PrivateDesktop(const PrivateDesktop&) = delete;
   PrivateDesktop& operator=(const PrivateDesktop&) = delete;
 
+  /// Divides the screen into two monitors: the primary one, MAIN, and left of it LEFT, which is smaller and
+  /// begins lower. Neither has its top left at the screen's.
+  void attachTwoMonitors();
+  /// What the user does to a monitor: `geometry` as `xrandr --setmonitor` takes it.
+  static void setMonitor(const std::string& name, const std::string& geometry, const std::string& output);
+  static void detachMonitor(const std::string& name);
+
   /// Starts a compositing manager; returns when it runs.
   void startCompositor();
   /// Without one these do nothing.
@@ -44,14 +51,30 @@ class PrivateDesktop {
   void buttonUp();
   void drag(int fromX, int fromY, int toX, int toY);
 
+  /// Covers the screen with a picture of which no two neighbours are alike, in a window that the window
+  /// manager leaves alone; returns when it shows.
+  void showPicture();
+  /// An empty window of ours that the window manager leaves alone, as a menu is; it is on top.
+  xcb_window_t showMenu(int x, int y, int width, int height) const;
+  void closeWindow(xcb_window_t window) const;
+  // Another program takes the mouse or the keyboard, as an open menu does.
+  bool grabPointer() const;  ///< Whether it succeeded, which it doesn't while another client holds it.
+  bool grabKeyboard() const;
+  void ungrab() const;
+
   // What a user sees.
   /// The mapped top-level windows of a class, bottom to top.
   std::vector<xcb_window_t> windowsOfClass(const std::string& name) const;
   xcb_window_t focusedWindow() const;
-  /// Whether the mouse or the keyboard could be grabbed, which it can't while another client holds it. Holds
-  /// neither afterwards.
+  /// Whether nobody holds the mouse or the keyboard.
   bool canGrabPointer() const;
   bool canGrabKeyboard() const;
+  /// All mapped top-level windows, bottom to top.
+  std::vector<xcb_window_t> windows() const;
+  /// On the screen.
+  xcb_rectangle_t geometryOf(xcb_window_t window) const;
+  /// Changes whenever another cursor shows.
+  std::uint32_t cursorSerial() const;
   /// The whole screen, a word 0x??RRGGBB a pixel, row by row.
   std::vector<std::uint32_t> screenPixels() const;
   /// Where a pixel of the screen stands in `screenPixels`.

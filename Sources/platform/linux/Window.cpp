@@ -88,12 +88,18 @@ void OverlayPeer::mouseEvent(platform::Window::MousePhase phase, QPoint root) {
   const auto window = window_.weak_from_this().lock();
   if (!window || !native_) return;
   const QPoint pixel = root - native_->origin();
-  // The corners of a rectangle are corners of pixels.
-  const platform::Point inPixel = phase == platform::Window::MousePhase::moved
-                                      ? x11::mouseInPixel(place_.scale)
-                                      : platform::Point{0, 0};
-  window->sendMouseEvent(phase, {{(pixel.x() + inPixel.x) / place_.scale,
-                                  window_.frame().size.height - (pixel.y() + inPixel.y) / place_.scale}});
+  platform::Point position{double(pixel.x()), double(pixel.y())};
+  if (phase == platform::Window::MousePhase::moved) {
+    const platform::Point inPixel = x11::mouseInPixel(place_.scale);
+    position = {position.x + inPixel.x, position.y + inPixel.y};
+  } else {
+    // The corners of a rectangle are corners of pixels. The mouse can't go beyond the last pixels of the
+    // screen, which a rectangle must be able to hold all the same.
+    if (pixel.x() == native_->size().width() - 1) ++position.x;
+    if (pixel.y() == native_->size().height() - 1) ++position.y;
+  }
+  window->sendMouseEvent(
+      phase, {{position.x / place_.scale, window_.frame().size.height - position.y / place_.scale}});
 }
 
 void OverlayPeer::keyPressed(const xcb_key_press_event_t& event) {

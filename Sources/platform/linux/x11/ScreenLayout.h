@@ -18,8 +18,9 @@ struct Monitor {
   std::optional<platform::Rect> workArea;
 };
 
-/// Where in the pixel at which it points the mouse is, in pixels, rightwards and downwards: such that a line of
-/// one point's width along there is sharp on a whole scale, and that it is on the screen which shows the pixel.
+/// Where in the pixel at which it points the mouse is, in pixels, rightwards and downwards: such that a line
+/// of one point's width along there is sharp on a whole scale, and that it is on the screen which shows the
+/// pixel.
 platform::Point mouseInPixel(double scale);
 
 /// The one place where the X server's pixels become the program's points and back.
@@ -42,8 +43,8 @@ class ScreenLayout {
   /// The monitor's pixels on the X screen; nothing for a display that isn't attached.
   std::optional<platform::Rect> pixels(platform::DisplayID display) const;
 
-  /// Where a mouse that points at a pixel of the X screen is in the global screen space (points, y upwards); see
-  /// `mouseInPixel`. A pixel on no monitor is measured from the nearest one.
+  /// Where a mouse that points at a pixel of the X screen is in the global screen space (points, y upwards);
+  /// see `mouseInPixel`. A pixel on no monitor is measured from the nearest one.
   platform::Point mouseLocation(platform::Point pixel) const;
 
   /// A rectangle of the global screen space on the display that shows its middle.
