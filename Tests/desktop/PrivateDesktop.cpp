@@ -50,7 +50,7 @@ std::uint8_t keycode(std::uint8_t evdevCode) { return static_cast<std::uint8_t>(
 
 }  // namespace
 
-PrivateDesktop::PrivateDesktop() {
+PrivateDesktop::PrivateDesktop(int width, int height) {
   std::string folder = std::filesystem::temp_directory_path() / "lumiscan-test-XXXXXX";
   require(mkdtemp(folder.data()), "no temporary folder");
   home_ = folder;
@@ -60,7 +60,8 @@ PrivateDesktop::PrivateDesktop() {
   setenv("XDG_CONFIG_HOME", (home_ / "config").c_str(), 1);
 
   server_ = std::make_unique<Process>(std::vector<std::string>{
-      "Xvfb", "-displayfd", "1", "-screen", "0", "1280x800x24", "-noreset", "-nolisten", "tcp"});
+      "Xvfb", "-displayfd", "1", "-screen", "0", std::to_string(width) + "x" + std::to_string(height) + "x24",
+      "-noreset", "-nolisten", "tcp"});
   require(waitUntil([this] { return server_->standardOutput().ends_with('\n'); }), "no X server");
   std::string display = ":";
   display += server_->standardOutput();
@@ -271,16 +272,21 @@ void PrivateDesktop::ungrab() const {
   sync();
 }
 
-std::vector<std::uint32_t> PrivateDesktop::screenPixels() const {
+std::uint32_t PrivateDesktop::pixelAt(int x, int y) const { return pixels(x, y, 1, 1).front(); }
+
+std::vector<std::uint32_t> PrivateDesktop::screenPixels() const { return pixels(0, 0, width_, height_); }
+
+std::vector<std::uint32_t> PrivateDesktop::pixels(int x, int y, int width, int height) const {
   const auto request =
-      xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, root_, 0, 0, static_cast<std::uint16_t>(width_),
-                    static_cast<std::uint16_t>(height_), ~0U);
+      xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, root_, static_cast<std::int16_t>(x),
+                    static_cast<std::int16_t>(y), static_cast<std::uint16_t>(width),
+                    static_cast<std::uint16_t>(height), ~0U);
   const auto reply = owned(xcb_get_image_reply(connection_, request, nullptr));
   require(reply != nullptr, "the screen can't be read");
   const auto* words = reinterpret_cast<const std::uint32_t*>(xcb_get_image_data(reply.get()));
-  std::vector<std::uint32_t> pixels(words, words + xcb_get_image_data_length(reply.get()) / 4);
-  for (std::uint32_t& pixel : pixels) pixel &= 0xFFFFFF;
-  return pixels;
+  std::vector<std::uint32_t> read(words, words + xcb_get_image_data_length(reply.get()) / 4);
+  for (std::uint32_t& pixel : read) pixel &= 0xFFFFFF;
+  return read;
 }
 
 std::optional<std::string> PrivateDesktop::clipboard(const std::function<void()>& meanwhile) {

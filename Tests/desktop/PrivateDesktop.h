@@ -20,7 +20,8 @@ namespace lumiscan::testing {
 /// Positions are in pixels, origin at the top left of the X screen, y downwards.
 class PrivateDesktop {
  public:
-  PrivateDesktop();
+  /// The size in pixels is that of the X screen.
+  explicit PrivateDesktop(int width = 1280, int height = 800);
   ~PrivateDesktop();
   PrivateDesktop(const PrivateDesktop&) = delete;
   PrivateDesktop& operator=(const PrivateDesktop&) = delete;
@@ -40,6 +41,7 @@ class PrivateDesktop {
 
   xcb_connection_t* x() const { return connection_; }
   xcb_window_t root() const { return root_; }
+  const Process& server() const { return *server_; }
   const std::filesystem::path& home() const { return home_; }
 
   // What a user does, made by the server itself as if it came from the devices. Keys are kernel key codes.
@@ -77,6 +79,7 @@ class PrivateDesktop {
   std::uint32_t cursorSerial() const;
   /// The whole screen, a word 0x??RRGGBB a pixel, row by row.
   std::vector<std::uint32_t> screenPixels() const;
+  std::uint32_t pixelAt(int x, int y) const;
   /// Where a pixel of the screen stands in `screenPixels`.
   std::size_t indexOf(int x, int y) const {
     return static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) + static_cast<std::size_t>(x);
@@ -90,6 +93,7 @@ class PrivateDesktop {
  private:
   void fake(std::uint8_t type, std::uint8_t detail, int x = 0, int y = 0);
   void sync() const;
+  std::vector<std::uint32_t> pixels(int x, int y, int width, int height) const;
 
   std::filesystem::path home_;
   std::unique_ptr<Process> server_;

@@ -76,10 +76,11 @@ class SessionTest : public ::testing::TestWithParam<const char*> {
     return std::holds_alternative<outcome::Cancelled>(outcome);
   }
 
+  bool nobodyHoldsInput() const { return private_.canGrabPointer() && private_.canGrabKeyboard(); }
   std::vector<xcb_window_t> overlays() const { return private_.windowsOfClass("Lumiscan"); }
   void expectTheDesktopIsTheUsers() {
-    EXPECT_TRUE(waitFor([this] { return overlays().empty() && private_.screenPixels() == picture_; }));
-    EXPECT_TRUE(private_.canGrabPointer() && private_.canGrabKeyboard());
+    EXPECT_TRUE(waitFor(
+        [this] { return overlays().empty() && nobodyHoldsInput() && private_.screenPixels() == picture_; }));
   }
   /// Compares every pixel of what was captured with that part of the picture.
   void expectCaptured(const CaptureOutcome& end, int left, int top, int width, int height) {
@@ -110,7 +111,9 @@ class SessionTest : public ::testing::TestWithParam<const char*> {
 
 TEST_P(SessionTest, CapturesWhatWasDraggedToThePixelOnEveryMonitor) {
   start();
+  const auto cursor = private_.cursorSerial();
   beginAndWait();
+  EXPECT_NE(private_.cursorSerial(), cursor);
   private_.drag(500, 0, 1279, 799);
   expectCaptured(waitForEnd(), 500, 0, 780, 800);
   expectTheDesktopIsTheUsers();
@@ -285,12 +288,12 @@ TEST_P(SessionTest, SoakLeavesNothingBehind) {
       [this] {
         private_.pressKeys({KEY_ESC});
         waitForEnd();
-        ASSERT_TRUE(private_.grabKeyboard());
+        ASSERT_TRUE(waitFor([this] { return private_.grabKeyboard(); }));
         begin();
         waitFor([this] { return !ends_.empty(); });
         private_.ungrab();
       },
-      // The program that runs the sessions goes.
+      // The desktop takes the input away.
       [this] {
         controller_->selectionWindows().front()->sendCancel();
         private_.pressKeys({KEY_ENTER});
@@ -309,16 +312,15 @@ TEST_P(SessionTest, SoakLeavesNothingBehind) {
     ASSERT_TRUE(waitFor([&] { return !atLeisure || crosshairShows(); }));
     endings[ending]();
     waitForEnd();
-    ASSERT_TRUE(waitFor([this] { return overlays().empty(); }));
-    ASSERT_TRUE(private_.canGrabPointer() && private_.canGrabKeyboard());
+    ASSERT_TRUE(waitFor([this] { return overlays().empty() && nobodyHoldsInput(); }));
   }
   private_.moveMouse(700, 400);
   expectTheDesktopIsTheUsers();
   EXPECT_EQ(private_.windows(), windows);
   EXPECT_EQ(private_.cursorSerial(), cursor);
-  const auto after = footprint();
-  EXPECT_LT(after.first - before.first, 2048) << "KiB more than " << before.first;
-  EXPECT_LE(after.second, before.second) << "open files";
+  // A repeat may still be at it.
+  EXPECT_TRUE(waitFor([&] { return footprint().second <= before.second; })) << "open files";
+  EXPECT_LT(footprint().first - before.first, 2048) << "KiB more than " << before.first;
 }
 
 INSTANTIATE_TEST_SUITE_P(, SessionTest, ::testing::Values("NoCompositor", "Compositor"),
