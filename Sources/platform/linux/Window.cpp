@@ -2,9 +2,11 @@
 
 #include <QImage>
 #include <QPainter>
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
+#include "platform/Dispatch.h"
 #include "platform/linux/Graphics.h"
 #include "platform/linux/InkContext.h"
 #include "platform/linux/OverlaySession.h"
@@ -15,6 +17,8 @@ namespace lumiscan::desktop {
 namespace {
 
 constexpr std::uint16_t noVirtualKeyCode = 0xFFFF;
+/// Between two paintings: a mouse may move more often than any screen shows something new.
+constexpr std::chrono::milliseconds shortestFrame(7);
 
 platform::CursorShape cursorOf(const platform::Window& window) {
   const platform::View* const view = window.contentView();
@@ -22,19 +26,26 @@ platform::CursorShape cursorOf(const platform::Window& window) {
                                               : platform::CursorShape::arrow;
 }
 
-/// A part of a picture of the screen, as a picture of its own.
-QImage part(const platform::Image& picture, const QRect& pixels) {
-  QImage copy(pixels.size(), QImage::Format_RGB32);
-  for (int y = 0; y < pixels.height(); ++y)
-    std::memcpy(copy.scanLine(y), picture.row(pixels.y() + y) + std::ptrdiff_t{4} * pixels.x(),
-                std::size_t{4} * static_cast<std::size_t>(pixels.width()));
-  return copy;
+/// A picture to paint on that begins as `ground`, or transparent without one.
+QImage canvas(QSize size, const std::optional<platform::Image>& ground) {
+  QImage image(size, ground ? QImage::Format_RGB32 : QImage::Format_ARGB32_Premultiplied);
+  if (ground) {
+    for (int y = 0; y < size.height(); ++y)
+      std::memcpy(image.scanLine(y), ground->row(y), static_cast<std::size_t>(image.bytesPerLine()));
+  } else {
+    image.fill(Qt::transparent);
+  }
+  return image;
 }
 
 }  // namespace
 
 OverlayPeer::OverlayPeer(platform::Window& window, OverlaySession& session)
-    : window_(window), session_(session) {}
+    : window_(window), session_(session) {
+  paintTimer_.setSingleShot(true);
+  paintTimer_.setTimerType(Qt::PreciseTimer);
+  QObject::connect(&paintTimer_, &QTimer::timeout, [this] { paint(); });
+}
 
 OverlayPeer::~OverlayPeer() { OverlayPeer::orderOut(); }
 
@@ -54,10 +65,14 @@ void OverlayPeer::open() {
   place_ = *place;
   ground_ = session_.overlayOpens(*this, place_.display);
   std::optional<xcb_pixmap_t> pixmap;
-  if (ground_.frozenDesktop && place_.coversDisplay) pixmap = ground_.frozenDesktop->pixmap->id();
+  if (ground_.frozenDesktop && place_.coversDisplay) pixmap = ground_.frozenDesktop->pixmap();
   native_ =
       std::make_unique<x11::OverlayWindow>(session_.connection(), place_.pixels, pixmap, cursorOf(window_));
   exposed(QRect(QPoint(0, 0), native_->size()));
+  // The user needs longer for a drag than this takes.
+  if (pixmap)
+    platform::Task::detached(platform::TaskPriority::userInitiated,
+                             [desktop = ground_.frozenDesktop] { desktop->image(); });
 }
 
 void OverlayPeer::orderOut() {
@@ -123,19 +138,15 @@ void OverlayPeer::exposed(const QRect& pixels) {
 }
 
 void OverlayPeer::schedulePaint() {
-  if (paintScheduled_ || concealed_) return;
-  paintScheduled_ = true;
-  QMetaObject::invokeMethod(
-      &context_,
-      [this] {
-        paintScheduled_ = false;
-        paint();
-      },
-      Qt::QueuedConnection);
+  if (concealed_ || paintTimer_.isActive()) return;
+  const auto sinceLast = std::chrono::steady_clock::now() - lastPaint_;
+  const auto wait = std::chrono::ceil<std::chrono::milliseconds>(shortestFrame - sinceLast);
+  paintTimer_.start(std::max(wait, std::chrono::milliseconds(0)));
 }
 
 void OverlayPeer::paint() {
   if (!native_ || concealed_ || dirty_.isEmpty()) return;
+  lastPaint_ = std::chrono::steady_clock::now();
   InkContext context(window_.frame().size.height, place_.scale);
   window_.draw(context, {{0, 0}, window_.frame().size});
   QRegion ink = context.region() & QRect(QPoint(0, 0), native_->size());
@@ -147,13 +158,11 @@ void OverlayPeer::paint() {
 }
 
 void OverlayPeer::paint(const QRect& pixels) {
-  QImage image;
-  if (!native_->isTransparent() && ground_.frozenDesktop) {
-    image = part(ground_.frozenDesktop->image, pixels);
-  } else {
-    image = QImage(pixels.size(), QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-  }
+  std::optional<platform::Image> ground;
+  if (!native_->isTransparent() && ground_.frozenDesktop)
+    ground = ground_.frozenDesktop->part(
+        {{double(pixels.x()), double(pixels.y())}, {double(pixels.width()), double(pixels.height())}});
+  QImage image = canvas(pixels.size(), ground);
   const double height = window_.frame().size.height;
   {
     QPainter painter(&image);
@@ -172,9 +181,7 @@ void OverlayPeer::paint(const QRect& pixels) {
 
 void OverlayPeer::eraseAll() {
   for (const QRect& rect : painted_) {
-    QImage nothing(rect.size(), QImage::Format_ARGB32_Premultiplied);
-    nothing.fill(Qt::transparent);
-    native_->write(nothing, rect.topLeft());
+    native_->write(canvas(rect.size(), std::nullopt), rect.topLeft());
   }
   painted_ = {};
   xcb_flush(session_.connection());

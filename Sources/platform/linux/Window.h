@@ -6,6 +6,8 @@
 #include <QPoint>
 #include <QRect>
 #include <QRegion>
+#include <QTimer>
+#include <chrono>
 #include <memory>
 #include <optional>
 
@@ -61,7 +63,8 @@ class OverlayPeer : public platform::WindowPeer {
   x11::OverlayGround ground_;
   QRegion dirty_;    ///< What is to be drawn again.
   QRegion painted_;  ///< Where ink shows.
-  bool paintScheduled_ = false;
+  QTimer paintTimer_;
+  std::chrono::steady_clock::time_point lastPaint_;
   bool concealed_ = false;
 };
 

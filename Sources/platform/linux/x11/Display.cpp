@@ -106,7 +106,7 @@ std::optional<std::uint32_t> X11Displays::pixelColor(platform::DisplayID display
 }
 
 std::optional<platform::Image> X11Displays::createImage(platform::DisplayID display) {
-  if (const auto desktop = frozen(display)) return desktop->image;
+  if (const auto desktop = frozen(display)) return desktop->image();
   const auto mark = knownMark(display);
   OverlayConcealer* concealer = nullptr;
   std::chrono::steady_clock::time_point since;
@@ -137,10 +137,10 @@ void X11Displays::waitForRepaint(const platform::DisplayID& display, const Mark&
     std::this_thread::sleep_for(betweenLooks);
 }
 
-std::optional<FrozenDesktop> X11Displays::frozen(platform::DisplayID display) const {
+std::shared_ptr<const FrozenDesktop> X11Displays::frozen(platform::DisplayID display) const {
   const std::lock_guard lock(mutex_);
   const auto found = frozen_.find(display);
-  return found == frozen_.end() ? std::nullopt : std::optional(found->second.desktop);
+  return found == frozen_.end() ? nullptr : found->second;
 }
 
 std::optional<Mark> X11Displays::knownMark(platform::DisplayID display) const {
@@ -160,7 +160,7 @@ OverlayGround X11Displays::overlayOpens(platform::DisplayID display) {
     if (!ground.mark) ground.mark = placeMark(display);
   } else {
     ground.frozenDesktop = frozen(display);
-    if (!ground.frozenDesktop) ground.frozenDesktop = freezeDisplay(display);
+    if (!ground.frozenDesktop) ground.frozenDesktop = freeze(display);
   }
   const std::lock_guard lock(mutex_);
   overlaysShow_ = true;
@@ -181,14 +181,13 @@ std::optional<Mark> X11Displays::placeMark(platform::DisplayID display) {
   return mark;
 }
 
-std::optional<FrozenDesktop> X11Displays::freezeDisplay(platform::DisplayID display) {
+std::shared_ptr<const FrozenDesktop> X11Displays::freeze(platform::DisplayID display) {
   const auto server = connection();
   const auto pixels = layout().pixels(display);
-  if (!server || !pixels) return std::nullopt;
-  auto desktop = freeze(server, *pixels);
-  if (!desktop) return std::nullopt;
+  if (!server || !pixels) return nullptr;
+  auto desktop = std::make_shared<const FrozenDesktop>(server, *pixels);
   const std::lock_guard lock(mutex_);
-  frozen_.insert_or_assign(display, Frozen{*desktop, *pixels});
+  frozen_.insert_or_assign(display, desktop);
   return desktop;
 }
 
@@ -206,7 +205,8 @@ void X11Displays::overlaysClosed() {
 void X11Displays::screensChanged() {
   const ScreenLayout now = layout();
   const std::lock_guard lock(mutex_);
-  std::erase_if(frozen_, [&](const auto& entry) { return now.pixels(entry.first) != entry.second.pixels; });
+  std::erase_if(frozen_,
+                [&](const auto& entry) { return now.pixels(entry.first) != entry.second->pixels(); });
 }
 
 void X11Displays::thaw() {

@@ -26,7 +26,7 @@ struct Mark {
 /// What an overlay has to paint: without a compositor the desktop as it was before the first overlay, with
 /// one the mark. Neither when no picture can be taken.
 struct OverlayGround {
-  std::optional<FrozenDesktop> frozenDesktop;
+  std::shared_ptr<const FrozenDesktop> frozenDesktop;
   std::optional<Mark> mark;
 };
 
@@ -84,15 +84,10 @@ class X11Displays : public platform::Displays {
   void thaw();
 
  private:
-  struct Frozen {
-    FrozenDesktop desktop;
-    platform::Rect pixels;  ///< Of the display on the X screen when it was frozen.
-  };
-
   /// The connection, opened again after a loss; null while no server answers.
   std::shared_ptr<Connection> connection() const;
-  std::optional<FrozenDesktop> frozen(platform::DisplayID display) const;
-  std::optional<FrozenDesktop> freezeDisplay(platform::DisplayID display);
+  std::shared_ptr<const FrozenDesktop> frozen(platform::DisplayID display) const;
+  std::shared_ptr<const FrozenDesktop> freeze(platform::DisplayID display);
   std::optional<Mark> placeMark(platform::DisplayID display);
   std::optional<Mark> knownMark(platform::DisplayID display) const;
   std::optional<std::uint32_t> pixelColor(platform::DisplayID display, int x, int y) const;
@@ -103,7 +98,7 @@ class X11Displays : public platform::Displays {
   mutable std::mutex mutex_;
   mutable std::shared_ptr<Connection> connection_;
   std::map<std::string, ToolkitScreen> toolkitScreens_;
-  std::map<platform::DisplayID, Frozen> frozen_;
+  std::map<platform::DisplayID, std::shared_ptr<const FrozenDesktop>> frozen_;
   std::map<platform::DisplayID, Mark> marks_;
   OverlayConcealer* concealer_ = nullptr;
   bool overlaysShow_ = false;

@@ -4,7 +4,9 @@
 #include <unistd.h>
 #include <xcb/shm.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 
 namespace lumiscan::desktop::x11 {
@@ -47,37 +49,104 @@ Image imageOf(const PixelArea& area, std::shared_ptr<const std::byte> pixels) {
                std::move(pixels));
 }
 
-/// Memory that the server may write to; null when there is none.
-std::shared_ptr<const std::byte> mapped(int descriptor, std::size_t byteCount) {
-  if (ftruncate(descriptor, static_cast<off_t>(byteCount)) != 0) return nullptr;
-  void* memory = mmap(nullptr, byteCount, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
+/// Memory of our own for large pictures, in large pages where the system has them: given back at once when
+/// freed.
+std::shared_ptr<std::byte> allocated(std::size_t byteCount) {
+  void* memory = mmap(nullptr, byteCount, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (memory == MAP_FAILED) return nullptr;
-  return {static_cast<const std::byte*>(memory),
-          [byteCount](const std::byte* pixels) { munmap(const_cast<std::byte*>(pixels), byteCount); }};
+  madvise(memory, byteCount, MADV_HUGEPAGE);
+  return {static_cast<std::byte*>(memory), [byteCount](std::byte* pixels) { munmap(pixels, byteCount); }};
 }
+
+/// Memory that the server writes to.
+class SharedMemory {
+ public:
+  SharedMemory(xcb_connection_t* connection, std::size_t byteCount)
+      : connection_(connection), size_(byteCount) {
+    const int descriptor = memfd_create("lumiscan-snapshot", MFD_CLOEXEC);
+    if (descriptor < 0) return;
+    void* memory = MAP_FAILED;
+    if (ftruncate(descriptor, static_cast<off_t>(byteCount)) == 0)
+      memory = mmap(nullptr, byteCount, PROT_READ, MAP_SHARED, descriptor, 0);
+    if (memory == MAP_FAILED) {
+      close(descriptor);
+      return;
+    }
+    bytes_ = static_cast<const std::byte*>(memory);
+    // The descriptor is the request's: it is closed once sent. A server on another machine refuses it.
+    const xcb_shm_seg_t segment = xcb_generate_id(connection);
+    const auto attach = xcb_shm_attach_fd_checked(connection, segment, descriptor, 0);
+    const Reply<xcb_generic_error_t> error(xcb_request_check(connection, attach));
+    if (!error) segment_ = segment;
+  }
+  ~SharedMemory() {
+    if (segment_) xcb_shm_detach(connection_, *segment_);
+    if (bytes_) munmap(const_cast<std::byte*>(bytes_), size_);
+  }
+  SharedMemory(const SharedMemory&) = delete;
+  SharedMemory& operator=(const SharedMemory&) = delete;
+
+  /// Nothing when the server can't write here.
+  std::optional<xcb_shm_seg_t> segment() const { return segment_; }
+  const std::byte* bytes() const { return bytes_; }
+
+ private:
+  xcb_connection_t* connection_;
+  std::size_t size_;
+  const std::byte* bytes_ = nullptr;
+  std::optional<xcb_shm_seg_t> segment_;
+};
+
+/// Keeps the server from serving anybody else.
+class ServerGrab {
+ public:
+  explicit ServerGrab(xcb_connection_t* connection) : connection_(connection) { xcb_grab_server(connection); }
+  ~ServerGrab() {
+    xcb_ungrab_server(connection_);
+    xcb_flush(connection_);
+  }
+  ServerGrab(const ServerGrab&) = delete;
+  ServerGrab& operator=(const ServerGrab&) = delete;
+
+ private:
+  xcb_connection_t* connection_;
+};
 
 std::optional<Image> sharedMemorySnapshot(const Connection& connection, xcb_drawable_t drawable,
                                           const PixelArea& area) {
+  // Small enough to stay in the processor's cache.
+  constexpr std::size_t stripBytes = std::size_t{1} << 20;
   xcb_connection_t* const x = connection.get();
   const auto* extension = xcb_get_extension_data(x, &xcb_shm_id);
   if (!extension || !extension->present) return std::nullopt;
-  const int descriptor = memfd_create("lumiscan-snapshot", MFD_CLOEXEC);
-  if (descriptor < 0) return std::nullopt;
-  const auto pixels = mapped(descriptor, area.byteCount());
-  if (!pixels) {
-    close(descriptor);
-    return std::nullopt;
+  const int rowsAtATime =
+      std::clamp(static_cast<int>(stripBytes / area.bytesPerRow()), 1, static_cast<int>(area.height));
+  const std::size_t size = area.bytesPerRow() * static_cast<std::size_t>(rowsAtATime);
+  const SharedMemory strips[] = {{x, size}, {x, size}};
+  const auto pixels = allocated(area.byteCount());
+  if (!strips[0].segment() || !strips[1].segment() || !pixels) return std::nullopt;
+
+  const ServerGrab grab(x);
+  const auto rowsFrom = [&](int y) { return std::min(rowsAtATime, area.height - y); };
+  const auto request = [&](int y) {
+    return xcb_shm_get_image(x, drawable, area.x, static_cast<std::int16_t>(area.y + y), area.width,
+                             static_cast<std::uint16_t>(rowsFrom(y)), ~0U, XCB_IMAGE_FORMAT_Z_PIXMAP,
+                             *strips[(y / rowsAtATime) % 2].segment(), 0);
+  };
+  auto requested = request(0);
+  bool complete = true;
+  for (int y = 0; y < area.height; y += rowsAtATime) {
+    const Reply<xcb_shm_get_image_reply_t> answer(xcb_shm_get_image_reply(x, requested, nullptr));
+    if (!answer) complete = false;
+    if (y + rowsAtATime < area.height) {
+      requested = request(y + rowsAtATime);
+      xcb_flush(x);
+    }
+    std::memcpy(pixels.get() + static_cast<std::size_t>(y) * area.bytesPerRow(),
+                strips[(y / rowsAtATime) % 2].bytes(),
+                area.bytesPerRow() * static_cast<std::size_t>(rowsFrom(y)));
   }
-  // The descriptor is the request's: it is closed once sent. A server on another machine refuses it.
-  const xcb_shm_seg_t segment = xcb_generate_id(x);
-  const auto attach = xcb_shm_attach_fd_checked(x, segment, descriptor, 0);
-  const auto get = xcb_shm_get_image(x, drawable, area.x, area.y, area.width, area.height, ~0U,
-                                     XCB_IMAGE_FORMAT_Z_PIXMAP, segment, 0);
-  const Reply<xcb_generic_error_t> attachError(xcb_request_check(x, attach));
-  const Reply<xcb_shm_get_image_reply_t> answer(xcb_shm_get_image_reply(x, get, nullptr));
-  if (!attachError) xcb_shm_detach(x, segment);
-  xcb_flush(x);
-  if (!answer) return std::nullopt;
+  if (!complete) return std::nullopt;
   return imageOf(area, pixels);
 }
 
@@ -93,19 +162,19 @@ std::optional<Image> sentSnapshot(const Connection& connection, xcb_drawable_t d
   return imageOf(area, std::shared_ptr<const std::byte>(answer, bytes));
 }
 
-std::optional<Image> pictureOf(const Connection& connection, xcb_drawable_t drawable, const PixelArea& area) {
-  if (auto image = sharedMemorySnapshot(connection, drawable, area)) return image;
-  return sentSnapshot(connection, drawable, area);
-}
-
 /// Nothing for an area without pixels, or whose pixels are in a form that is not known here.
-std::optional<PixelArea> readableArea(const Connection& connection, const platform::Rect& pixels) {
+std::optional<Image> readPixels(const Connection& connection, xcb_drawable_t drawable,
+                                const platform::Rect& pixels) {
   if (!hasKnownPixels(connection)) return std::nullopt;
   const PixelArea area{static_cast<std::int16_t>(pixels.origin.x), static_cast<std::int16_t>(pixels.origin.y),
                        static_cast<std::uint16_t>(pixels.size.width),
                        static_cast<std::uint16_t>(pixels.size.height)};
   if (area.width == 0 || area.height == 0) return std::nullopt;
-  return area;
+  // Little is sent faster than memory is shared.
+  constexpr std::size_t little = std::size_t{1} << 16;
+  if (area.byteCount() > little)
+    if (auto image = sharedMemorySnapshot(connection, drawable, area)) return image;
+  return sentSnapshot(connection, drawable, area);
 }
 
 }  // namespace
@@ -122,25 +191,39 @@ Pixmap::~Pixmap() {
   xcb_flush(connection_->get());
 }
 
-std::optional<FrozenDesktop> freeze(const std::shared_ptr<Connection>& connection,
-                                    const platform::Rect& pixels) {
-  const auto area = readableArea(*connection, pixels);
-  if (!area) return std::nullopt;
-  auto pixmap = std::make_shared<const Pixmap>(connection, area->width, area->height);
-  xcb_connection_t* const x = connection->get();
+FrozenDesktop::FrozenDesktop(std::shared_ptr<Connection> connection, const platform::Rect& pixels)
+    : connection_(connection),
+      pixels_(pixels),
+      pixmap_(std::move(connection), static_cast<int>(pixels.size.width),
+              static_cast<int>(pixels.size.height)) {
+  xcb_connection_t* const x = connection_->get();
   const xcb_gcontext_t gc = xcb_generate_id(x);
   const std::uint32_t values[] = {XCB_SUBWINDOW_MODE_INCLUDE_INFERIORS, 0};
-  xcb_create_gc(x, gc, connection->root(), XCB_GC_SUBWINDOW_MODE | XCB_GC_GRAPHICS_EXPOSURES, values);
-  xcb_copy_area(x, connection->root(), pixmap->id(), gc, area->x, area->y, 0, 0, area->width, area->height);
+  xcb_create_gc(x, gc, connection_->root(), XCB_GC_SUBWINDOW_MODE | XCB_GC_GRAPHICS_EXPOSURES, values);
+  // Checked, so that it is there for other connections when this returns.
+  const auto copy = xcb_copy_area_checked(
+      x, connection_->root(), pixmap_.id(), gc, static_cast<std::int16_t>(pixels.origin.x),
+      static_cast<std::int16_t>(pixels.origin.y), 0, 0, static_cast<std::uint16_t>(pixels.size.width),
+      static_cast<std::uint16_t>(pixels.size.height));
+  const Reply<xcb_generic_error_t> error(xcb_request_check(x, copy));
   xcb_free_gc(x, gc);
-  auto image = pictureOf(*connection, pixmap->id(), {0, 0, area->width, area->height});
-  if (!image) return std::nullopt;
-  return FrozenDesktop{*std::move(image), std::move(pixmap)};
+}
+
+std::optional<Image> FrozenDesktop::image() const {
+  const std::lock_guard lock(mutex_);
+  if (!image_) image_ = readPixels(*connection_, pixmap_.id(), {{0, 0}, pixels_.size});
+  return image_;
+}
+
+std::optional<Image> FrozenDesktop::part(const platform::Rect& rect) const {
+  // Whoever fetches all of it needs a while.
+  const std::unique_lock lock(mutex_, std::try_to_lock);
+  if (lock && image_) return image_->cropped(rect);
+  return readPixels(*connection_, pixmap_.id(), rect);
 }
 
 std::optional<Image> takeSnapshot(const Connection& connection, const platform::Rect& pixels) {
-  const auto area = readableArea(connection, pixels);
-  return area ? pictureOf(connection, connection.root(), *area) : std::nullopt;
+  return readPixels(connection, connection.root(), pixels);
 }
 
 }  // namespace lumiscan::desktop::x11

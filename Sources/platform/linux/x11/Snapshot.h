@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <mutex>
 #include <optional>
 
 #include "platform/Geometry.h"
@@ -25,21 +26,37 @@ class Pixmap {
   xcb_pixmap_t id_;
 };
 
-/// What a part of the X screen showed at one moment, here and on the server.
-struct FrozenDesktop {
-  platform::Image image;
-  std::shared_ptr<const Pixmap> pixmap;
-};
+/// What a part of the X screen showed at one moment. It stays on the server until its pixels are asked for.
+/// Any thread.
+class FrozenDesktop {
+ public:
+  /// Of what `pixels`, whole ones on the X screen, shows now.
+  FrozenDesktop(std::shared_ptr<Connection> connection, const platform::Rect& pixels);
 
-/// As `takeSnapshot`, with the same picture on the server.
-std::optional<FrozenDesktop> freeze(const std::shared_ptr<Connection>& connection,
-                                    const platform::Rect& pixels);
+  /// Of its size, in the depth of the screen; lives as long as this object.
+  xcb_pixmap_t pixmap() const { return pixmap_.id(); }
+  /// The pixels of the X screen that it shows.
+  const platform::Rect& pixels() const { return pixels_; }
+
+  /// All of it; the first call fetches it. Nothing when that fails.
+  std::optional<platform::Image> image() const;
+  /// A part of it: whole pixels from its own top left. Nothing when that fails.
+  std::optional<platform::Image> part(const platform::Rect& rect) const;
+
+ private:
+  std::shared_ptr<Connection> connection_;
+  platform::Rect pixels_;
+  Pixmap pixmap_;
+  mutable std::mutex mutex_;
+  mutable std::optional<platform::Image> image_;
+};
 
 /// What a part of the X screen shows now, without the cursor. `pixels` is on the X screen: whole pixels,
 /// origin at the top left, y downwards. Any thread. Nothing when the server refuses or keeps its pixels in
 /// a form that is not known here.
 ///
-/// Where the server shares memory with us it writes straight into the image's memory: one copy in all.
+/// Where the server shares memory with us it writes one strip while we copy the one before. The server shows
+/// nothing new meanwhile, so that the strips fit together.
 std::optional<platform::Image> takeSnapshot(const Connection& connection, const platform::Rect& pixels);
 
 }  // namespace lumiscan::desktop::x11
