@@ -318,8 +318,9 @@ TEST_P(SessionTest, SoakLeavesNothingBehind) {
   expectTheDesktopIsTheUsers();
   EXPECT_EQ(private_.windows(), windows);
   EXPECT_EQ(private_.cursorSerial(), cursor);
-  // A repeat may still be at it.
-  EXPECT_TRUE(waitFor([&] { return footprint().second <= before.second; })) << "open files";
+  // A repeat may still be at it, and each of the two threads for tasks, which come and go, has a file of its
+  // own.
+  EXPECT_TRUE(waitFor([&] { return footprint().second <= before.second + 2; })) << "open files";
   EXPECT_LT(footprint().first - before.first, 2048) << "KiB more than " << before.first;
 }
 

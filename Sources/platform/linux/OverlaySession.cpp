@@ -26,7 +26,7 @@ constexpr std::chrono::milliseconds concealPatience(400);
 }  // namespace
 
 OverlaySession::OverlaySession(xcb_connection_t* connection, x11::X11Displays& displays)
-    : connection_(connection), displays_(displays), grab_(connection) {
+    : connection_(connection), displays_(displays), grab_(connection), cursors_(connection) {
   grabRetry_.setSingleShot(true);
   QObject::connect(&grabRetry_, &QTimer::timeout, &context_, [this] { takeInput(); });
   QCoreApplication::instance()->installNativeEventFilter(this);

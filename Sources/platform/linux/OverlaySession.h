@@ -10,6 +10,7 @@
 
 #include "platform/linux/x11/Display.h"
 #include "platform/linux/x11/InputGrab.h"
+#include "platform/linux/x11/ThemeCursors.h"
 
 namespace lumiscan::desktop {
 
@@ -26,6 +27,7 @@ class OverlaySession : private QAbstractNativeEventFilter, private x11::OverlayC
 
   xcb_connection_t* connection() const { return connection_; }
   const x11::X11Displays& displays() const { return displays_; }
+  xcb_cursor_t cursor(platform::CursorShape shape) { return cursors_.cursor(shape); }
 
   /// Called before an overlay over `display` shows; what it has to paint.
   x11::OverlayGround overlayOpens(OverlayPeer& overlay, platform::DisplayID display);
@@ -53,6 +55,7 @@ class OverlaySession : private QAbstractNativeEventFilter, private x11::OverlayC
   xcb_connection_t* connection_;
   x11::X11Displays& displays_;
   x11::InputGrab grab_;
+  x11::ThemeCursors cursors_;
   QObject context_;
   std::vector<OverlayPeer*> overlays_;
   OverlayPeer* keyOverlay_ = nullptr;

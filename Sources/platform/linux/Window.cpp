@@ -19,6 +19,8 @@ namespace {
 constexpr std::uint16_t noVirtualKeyCode = 0xFFFF;
 /// Between two paintings: a mouse may move more often than any screen shows something new.
 constexpr std::chrono::milliseconds shortestFrame(7);
+/// How long after an overlay has opened the pixels of the desktop behind it are fetched.
+constexpr std::chrono::milliseconds beforeFetching(60);
 
 platform::CursorShape cursorOf(const platform::Window& window) {
   const platform::View* const view = window.contentView();
@@ -64,15 +66,17 @@ void OverlayPeer::open() {
   }
   place_ = *place;
   ground_ = session_.overlayOpens(*this, place_.display);
-  std::optional<xcb_pixmap_t> pixmap;
-  if (ground_.frozenDesktop && place_.coversDisplay) pixmap = ground_.frozenDesktop->pixmap();
-  native_ =
-      std::make_unique<x11::OverlayWindow>(session_.connection(), place_.pixels, pixmap, cursorOf(window_));
+  std::optional<x11::OverlayWindow::Ground> behind;
+  if (ground_.frozenDesktop && place_.coversDisplay)
+    behind = {ground_.frozenDesktop->pixmap(), ground_.isOnScreen};
+  native_ = std::make_unique<x11::OverlayWindow>(session_.connection(), place_.pixels, behind,
+                                                 session_.cursor(cursorOf(window_)));
   exposed(QRect(QPoint(0, 0), native_->size()));
-  // The user needs longer for a drag than this takes.
-  if (pixmap)
-    platform::Task::detached(platform::TaskPriority::userInitiated,
-                             [desktop = ground_.frozenDesktop] { desktop->image(); });
+  // The server is busy with showing the overlays now, and the user needs longer for a drag than this takes.
+  if (behind)
+    QTimer::singleShot(beforeFetching, &context_, [desktop = ground_.frozenDesktop] {
+      platform::Task::detached(platform::TaskPriority::userInitiated, [desktop] { desktop->image(); });
+    });
 }
 
 void OverlayPeer::orderOut() {

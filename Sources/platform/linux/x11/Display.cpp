@@ -160,7 +160,10 @@ OverlayGround X11Displays::overlayOpens(platform::DisplayID display) {
     if (!ground.mark) ground.mark = placeMark(display);
   } else {
     ground.frozenDesktop = frozen(display);
-    if (!ground.frozenDesktop) ground.frozenDesktop = freeze(display);
+    if (!ground.frozenDesktop) {
+      ground.frozenDesktop = freeze(display);
+      ground.isOnScreen = true;
+    }
   }
   const std::lock_guard lock(mutex_);
   overlaysShow_ = true;

@@ -27,6 +27,7 @@ struct Mark {
 /// one the mark. Neither when no picture can be taken.
 struct OverlayGround {
   std::shared_ptr<const FrozenDesktop> frozenDesktop;
+  bool isOnScreen = false;  ///< Whether the frozen desktop is what the screen shows.
   std::optional<Mark> mark;
 };
 

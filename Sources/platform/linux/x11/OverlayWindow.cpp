@@ -1,10 +1,10 @@
 #include "platform/linux/x11/OverlayWindow.h"
 
-#include <xcb/xcb_cursor.h>
-
 #include <algorithm>
 #include <array>
 #include <string_view>
+
+#include "platform/linux/x11/Connection.h"
 
 namespace lumiscan::desktop::x11 {
 
@@ -28,22 +28,12 @@ xcb_visualid_t transparentVisual(const xcb_screen_t& screen, std::uint8_t depth)
   return 0;
 }
 
-/// Of the user's cursor theme. The caller frees it.
-xcb_cursor_t loadCursor(xcb_connection_t* connection, platform::CursorShape shape) {
-  xcb_cursor_context_t* context = nullptr;
-  auto screen = xcb_setup_roots_iterator(xcb_get_setup(connection));
-  if (xcb_cursor_context_new(connection, screen.data, &context) < 0) return XCB_CURSOR_NONE;
-  const xcb_cursor_t cursor =
-      xcb_cursor_load_cursor(context, shape == platform::CursorShape::crosshair ? "crosshair" : "left_ptr");
-  xcb_cursor_context_free(context);
-  return cursor;
-}
-
 }  // namespace
 
 OverlayWindow::OverlayWindow(xcb_connection_t* connection, const platform::Rect& pixels,
-                             std::optional<xcb_pixmap_t> ground, platform::CursorShape shape)
+                             std::optional<Ground> ground, xcb_cursor_t cursor)
     : connection_(connection),
+      ground_(ground),
       origin_(static_cast<int>(pixels.minX()), static_cast<int>(pixels.minY())),
       size_(static_cast<int>(pixels.size.width), static_cast<int>(pixels.size.height)),
       window_(xcb_generate_id(connection)),
@@ -57,9 +47,11 @@ OverlayWindow::OverlayWindow(xcb_connection_t* connection, const platform::Rect&
   }
   const xcb_colormap_t colormap = xcb_generate_id(connection);
   xcb_create_colormap(connection, XCB_COLORMAP_ALLOC_NONE, colormap, screen.root, visual);
-  const xcb_cursor_t cursor = loadCursor(connection, shape);
   xcb_create_window_value_list_t values{};
-  values.background_pixmap = ground.value_or(XCB_BACK_PIXMAP_NONE);
+  // Without a background the server leaves on the screen what is there: a window whose ground that is shows
+  // without a single pixel being painted.
+  values.background_pixmap = XCB_BACK_PIXMAP_NONE;
+  if (ground && !ground->isOnScreen) values.background_pixmap = ground->pixmap;
   values.override_redirect = 1;
   values.event_mask = wantedEvents;
   values.colormap = colormap;
@@ -71,8 +63,6 @@ OverlayWindow::OverlayWindow(xcb_connection_t* connection, const platform::Rect&
                         background | XCB_CW_BORDER_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK |
                             XCB_CW_COLORMAP | XCB_CW_CURSOR,
                         &values);
-  // The window keeps what it uses.
-  if (cursor != XCB_CURSOR_NONE) xcb_free_cursor(connection, cursor);
   xcb_create_gc(connection, gc_, window_, XCB_GC_GRAPHICS_EXPOSURES, std::array<std::uint32_t, 1>{0}.data());
   describe();
 }
@@ -98,6 +88,8 @@ void OverlayWindow::showOnTop() {
   xcb_map_window(connection_, window_);
   const std::uint32_t above = XCB_STACK_MODE_ABOVE;
   xcb_configure_window(connection_, window_, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+  // What is uncovered later shows the ground again.
+  if (ground_) xcb_change_window_attributes(connection_, window_, XCB_CW_BACK_PIXMAP, &ground_->pixmap);
   xcb_flush(connection_);
 }
 

@@ -7,9 +7,7 @@
 #include <QSize>
 #include <optional>
 
-#include "platform/Cursor.h"
 #include "platform/Geometry.h"
-#include "platform/linux/x11/Connection.h"
 
 namespace lumiscan::desktop::x11 {
 
@@ -18,11 +16,16 @@ namespace lumiscan::desktop::x11 {
 /// and its pixels from its owner. Main thread only; on the toolkit's connection.
 class OverlayWindow {
  public:
-  /// Not yet shown. `pixels` is on the X screen: origin at its top left, y downwards. Where nothing is
-  /// written the window shows `ground`, a pixmap of its size in the depth of the screen; without one it is
-  /// transparent there, which takes a compositor.
-  OverlayWindow(xcb_connection_t* connection, const platform::Rect& pixels,
-                std::optional<xcb_pixmap_t> ground, platform::CursorShape cursor);
+  /// What shows where nothing is written.
+  struct Ground {
+    xcb_pixmap_t pixmap;  ///< Of the window's size, in the depth of the screen.
+    bool isOnScreen;      ///< Whether it is what the screen shows there anyhow.
+  };
+
+  /// Not yet shown. `pixels` is on the X screen: origin at its top left, y downwards. Without a ground the
+  /// window is transparent where nothing is written, which takes a compositor.
+  OverlayWindow(xcb_connection_t* connection, const platform::Rect& pixels, std::optional<Ground> ground,
+                xcb_cursor_t cursor);
   ~OverlayWindow();
   OverlayWindow(const OverlayWindow&) = delete;
   OverlayWindow& operator=(const OverlayWindow&) = delete;
@@ -45,6 +48,7 @@ class OverlayWindow {
   void describe();
 
   xcb_connection_t* connection_;
+  std::optional<Ground> ground_;
   QPoint origin_;
   QSize size_;
   std::uint8_t depth_ = 0;
