@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <deque>
 #include <memory>
 
 namespace lumiscan::desktop::x11 {
@@ -49,13 +50,18 @@ Image imageOf(const PixelArea& area, std::shared_ptr<const std::byte> pixels) {
                std::move(pixels));
 }
 
-/// Memory of our own for large pictures, in large pages where the system has them: given back at once when
-/// freed.
+/// Memory for large pictures: in large pages where the system has them, which are a fraction of the work, and
+/// given back to it as soon as it is freed. Null when there is none.
 std::shared_ptr<std::byte> allocated(std::size_t byteCount) {
-  void* memory = mmap(nullptr, byteCount, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  constexpr std::size_t largePage = std::size_t{2} << 20;
+  // Room to begin at a large page.
+  const std::size_t size = byteCount + largePage;
+  void* const memory = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (memory == MAP_FAILED) return nullptr;
-  madvise(memory, byteCount, MADV_HUGEPAGE);
-  return {static_cast<std::byte*>(memory), [byteCount](std::byte* pixels) { munmap(pixels, byteCount); }};
+  const auto address = reinterpret_cast<std::uintptr_t>(memory);
+  auto* const pixels = static_cast<std::byte*>(memory) + (largePage - address % largePage) % largePage;
+  madvise(pixels, byteCount, MADV_HUGEPAGE);
+  return {pixels, [memory, size](std::byte*) { munmap(memory, size); }};
 }
 
 /// Memory that the server writes to.
@@ -67,7 +73,7 @@ class SharedMemory {
     if (descriptor < 0) return;
     void* memory = MAP_FAILED;
     if (ftruncate(descriptor, static_cast<off_t>(byteCount)) == 0)
-      memory = mmap(nullptr, byteCount, PROT_READ, MAP_SHARED, descriptor, 0);
+      memory = mmap(nullptr, byteCount, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_POPULATE, descriptor, 0);
     if (memory == MAP_FAILED) {
       close(descriptor);
       return;
@@ -114,36 +120,37 @@ class ServerGrab {
 
 std::optional<Image> sharedMemorySnapshot(const Connection& connection, xcb_drawable_t drawable,
                                           const PixelArea& area) {
-  // Small enough to stay in the processor's cache.
-  constexpr std::size_t stripBytes = std::size_t{1} << 20;
+  // Strips small enough to stay in the processor's cache, and enough of them to keep the server busy.
+  constexpr std::size_t stripBytes = std::size_t{1} << 19;
+  constexpr int stripCount = 4;
   xcb_connection_t* const x = connection.get();
   const auto* extension = xcb_get_extension_data(x, &xcb_shm_id);
   if (!extension || !extension->present) return std::nullopt;
   const int rowsAtATime =
       std::clamp(static_cast<int>(stripBytes / area.bytesPerRow()), 1, static_cast<int>(area.height));
-  const std::size_t size = area.bytesPerRow() * static_cast<std::size_t>(rowsAtATime);
-  const SharedMemory strips[] = {{x, size}, {x, size}};
+  const std::size_t strip = area.bytesPerRow() * static_cast<std::size_t>(rowsAtATime);
+  const SharedMemory shared(x, stripCount * strip);
   const auto pixels = allocated(area.byteCount());
-  if (!strips[0].segment() || !strips[1].segment() || !pixels) return std::nullopt;
+  if (!shared.segment() || !pixels) return std::nullopt;
 
   const ServerGrab grab(x);
   const auto rowsFrom = [&](int y) { return std::min(rowsAtATime, area.height - y); };
+  const auto offset = [&](int y) { return strip * static_cast<std::size_t>(y / rowsAtATime % stripCount); };
   const auto request = [&](int y) {
     return xcb_shm_get_image(x, drawable, area.x, static_cast<std::int16_t>(area.y + y), area.width,
                              static_cast<std::uint16_t>(rowsFrom(y)), ~0U, XCB_IMAGE_FORMAT_Z_PIXMAP,
-                             *strips[(y / rowsAtATime) % 2].segment(), 0);
+                             *shared.segment(), static_cast<std::uint32_t>(offset(y)));
   };
-  auto requested = request(0);
+  std::deque<xcb_shm_get_image_cookie_t> requested;
+  int next = 0;
   bool complete = true;
   for (int y = 0; y < area.height; y += rowsAtATime) {
-    const Reply<xcb_shm_get_image_reply_t> answer(xcb_shm_get_image_reply(x, requested, nullptr));
+    for (; next < area.height && requested.size() < stripCount; next += rowsAtATime)
+      requested.push_back(request(next));
+    const Reply<xcb_shm_get_image_reply_t> answer(xcb_shm_get_image_reply(x, requested.front(), nullptr));
+    requested.pop_front();
     if (!answer) complete = false;
-    if (y + rowsAtATime < area.height) {
-      requested = request(y + rowsAtATime);
-      xcb_flush(x);
-    }
-    std::memcpy(pixels.get() + static_cast<std::size_t>(y) * area.bytesPerRow(),
-                strips[(y / rowsAtATime) % 2].bytes(),
+    std::memcpy(pixels.get() + static_cast<std::size_t>(y) * area.bytesPerRow(), shared.bytes() + offset(y),
                 area.bytesPerRow() * static_cast<std::size_t>(rowsFrom(y)));
   }
   if (!complete) return std::nullopt;

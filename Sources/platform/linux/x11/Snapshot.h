@@ -55,7 +55,7 @@ class FrozenDesktop {
 /// origin at the top left, y downwards. Any thread. Nothing when the server refuses or keeps its pixels in
 /// a form that is not known here.
 ///
-/// Where the server shares memory with us it writes one strip while we copy the one before. The server shows
+/// Where the server shares memory with us it writes strips while we copy those before. The server shows
 /// nothing new meanwhile, so that the strips fit together.
 std::optional<platform::Image> takeSnapshot(const Connection& connection, const platform::Rect& pixels);
 
