@@ -88,6 +88,30 @@ class RunningProgram {
   Process process_;
 };
 
+/// Counts the top-level windows that are shown from now on.
+class ShownWindows {
+ public:
+  explicit ShownWindows(xcb_connection_t* x) : x_(x) {
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(x)).data->root;
+    const std::uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    xcb_change_window_attributes(x, root, XCB_CW_EVENT_MASK, &events);
+    std::free(xcb_get_input_focus_reply(x, xcb_get_input_focus(x), nullptr));
+    count();
+    count_ = 0;
+  }
+  int count() {
+    while (xcb_generic_event_t* const event = xcb_poll_for_event(x_)) {
+      if ((event->response_type & 0x7F) == XCB_MAP_NOTIFY) ++count_;
+      std::free(event);
+    }
+    return count_;
+  }
+
+ private:
+  xcb_connection_t* x_;
+  int count_ = 0;
+};
+
 // Two monitors side by side.
 constexpr int monitorWidth = 1920, monitorHeight = 1080;
 constexpr int mouseX = 600, mouseY = 500;
@@ -97,10 +121,15 @@ void attachTwoMonitors() {
   PrivateDesktop::setMonitor("LEFT", "1920/508x1080/286+0+0", "none");
 }
 
-/// From pressing the last key of the shortcut until the last overlay is painted.
-Spread keyPressToOverlays(PrivateDesktop& desktop, bool compositor) {
+struct Opening {
+  Spread shown;    ///< Until both windows show, painted or not.
+  Spread painted;  ///< Until the last one is painted.
+};
+
+/// From pressing the last key of the shortcut.
+Opening keyPressToOverlays(PrivateDesktop& desktop, bool compositor) {
   RunningProgram program(desktop);
-  std::vector<double> times;
+  std::vector<double> shown, times;
   for (int i = 0; i < rounds; ++i) {
     // The crosshair's middle, and with a compositor the pixel that each overlay paints. Without one the
     // server paints an overlay when it maps it.
@@ -111,8 +140,11 @@ Spread keyPressToOverlays(PrivateDesktop& desktop, bool compositor) {
     const std::size_t painted = compositor ? points.size() : 1;
     desktop.keyDown(KEY_LEFTMETA);
     desktop.keyDown(KEY_LEFTSHIFT);
+    ShownWindows windows(desktop.x());
     const auto start = Clock::now();
     desktop.keyDown(KEY_2);
+    waitClosely([&] { return windows.count() == 2; });
+    shown.push_back(millisecondsSince(start));
     waitClosely([&] {
       for (std::size_t p = 0; p < painted; ++p)
         if (desktop.pixelAt(points[p].first, points[p].second) == before[p]) return false;
@@ -123,7 +155,7 @@ Spread keyPressToOverlays(PrivateDesktop& desktop, bool compositor) {
     for (const auto key : {KEY_2, KEY_LEFTSHIFT, KEY_LEFTMETA}) desktop.keyUp(static_cast<std::uint8_t>(key));
     program.endSession();
   }
-  return spread(times);
+  return {spread(shown), spread(times)};
 }
 
 /// From starting slop until its window shows.
@@ -132,9 +164,10 @@ Spread slopStart(PrivateDesktop& desktop, const std::vector<std::string>& comman
   std::vector<double> times;
   for (int i = 0; i < rounds; ++i) {
     {
+      ShownWindows windows(desktop.x());
       const auto start = Clock::now();
       const Process slop(command);
-      waitClosely(shows);
+      waitClosely([&] { return windows.count() == 1; });
       times.push_back(millisecondsSince(start));
     }
     waitClosely([&] { return !shows(); });
@@ -154,7 +187,9 @@ void measureLatency() {
       std::printf("| %-36s | %-10s | %9.1f | %8.1f |\n", what, compositor ? "picom" : "none", times.median,
                   times.worst);
     };
-    row("Lumiscan: key press to last overlay", keyPressToOverlays(desktop, compositor));
+    const Opening opening = keyPressToOverlays(desktop, compositor);
+    row("Lumiscan: key press to both windows", opening.shown);
+    row("Lumiscan: key press to both painted", opening.painted);
     row("slop: start to its window", slopStart(desktop, {"slop"}));
     row("slop --noopengl: the same", slopStart(desktop, {"slop", "--noopengl"}));
   }

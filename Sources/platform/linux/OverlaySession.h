@@ -31,6 +31,9 @@ class OverlaySession : private QAbstractNativeEventFilter, private x11::OverlayC
 
   /// Called before an overlay over `display` shows; what it has to paint.
   x11::OverlayGround overlayOpens(OverlayPeer& overlay, platform::DisplayID display);
+  std::shared_ptr<const x11::FrozenDesktop> freeze(platform::DisplayID display) {
+    return displays_.freeze(display);
+  }
   void overlayCloses(OverlayPeer& overlay);
   /// Directs the keys to an overlay that shows. When another program holds the mouse or the keyboard this is
   /// tried again for a moment; then the overlay is told to cancel: one that doesn't get the user's input must

@@ -46,6 +46,8 @@ OverlayPeer::OverlayPeer(platform::Window& window, OverlaySession& session)
     : window_(window), session_(session) {
   paintTimer_.setSingleShot(true);
   paintTimer_.setTimerType(Qt::PreciseTimer);
+  fetchTimer_.setSingleShot(true);
+  QObject::connect(&fetchTimer_, &QTimer::timeout, [this] { fetchBehind(); });
   QObject::connect(&paintTimer_, &QTimer::timeout, [this] { paint(); });
 }
 
@@ -66,24 +68,44 @@ void OverlayPeer::open() {
   }
   place_ = *place;
   ground_ = session_.overlayOpens(*this, place_.display);
-  std::optional<x11::OverlayWindow::Ground> behind;
-  if (ground_.frozenDesktop && place_.coversDisplay)
-    behind = {ground_.frozenDesktop->pixmap(), ground_.isOnScreen};
+  using Ground = x11::OverlayWindow::Ground;
+  const Ground behind = ground_.mark           ? Ground::nothing
+                        : ground_.isToBeFrozen ? Ground::asIs
+                                               : Ground::picture;
   native_ = std::make_unique<x11::OverlayWindow>(session_.connection(), place_.pixels, behind,
                                                  session_.cursor(cursorOf(window_)));
+  if (ground_.frozenDesktop) useFrozenDesktop();
   exposed(QRect(QPoint(0, 0), native_->size()));
   // The server is busy with showing the overlays now, and the user needs longer for a drag than this takes.
-  if (behind)
-    QTimer::singleShot(beforeFetching, &context_, [desktop = ground_.frozenDesktop] {
-      platform::Task::detached(platform::TaskPriority::userInitiated, [desktop] { desktop->image(); });
-    });
+  fetchTimer_.start(beforeFetching);
+}
+
+void OverlayPeer::freeze() {
+  if (!ground_.isToBeFrozen) return;
+  ground_.isToBeFrozen = false;
+  ground_.frozenDesktop = session_.freeze(place_.display);
+  if (ground_.frozenDesktop) useFrozenDesktop();
+}
+
+void OverlayPeer::useFrozenDesktop() {
+  if (!place_.coversDisplay) return;
+  native_->setGround(ground_.frozenDesktop->pixmap());
+}
+
+void OverlayPeer::fetchBehind() {
+  freeze();
+  if (!ground_.frozenDesktop) return;
+  platform::Task::detached(platform::TaskPriority::userInitiated,
+                           [desktop = ground_.frozenDesktop] { desktop->image(); });
 }
 
 void OverlayPeer::orderOut() {
   if (!native_) return;
+  freeze();
   // A compositor that lets windows fade away then has nothing to show.
   if (native_->isTransparent()) eraseAll();
   native_ = nullptr;
+  fetchTimer_.stop();
   dirty_ = painted_ = {};
   session_.overlayCloses(*this);
   ground_ = {};
@@ -155,7 +177,9 @@ void OverlayPeer::paint() {
   window_.draw(context, {{0, 0}, window_.frame().size});
   QRegion ink = context.region() & QRect(QPoint(0, 0), native_->size());
   if (ground_.mark) ink += QRect(ground_.mark->x, ground_.mark->y, 1, 1);
-  for (const QRect& rect : (painted_ + ink) & dirty_) paint(rect);
+  const QRegion toPaint = (painted_ + ink) & dirty_;
+  if (!toPaint.isEmpty()) freeze();
+  for (const QRect& rect : toPaint) paint(rect);
   painted_ = (painted_ - dirty_) + (ink & dirty_);
   dirty_ = {};
   xcb_flush(session_.connection());

@@ -50,6 +50,9 @@ class OverlayPeer : public platform::WindowPeer {
 
  private:
   void open();
+  void freeze();
+  void useFrozenDesktop();
+  void fetchBehind();
   void schedulePaint();
   void paint();
   void paint(const QRect& pixels);
@@ -64,6 +67,7 @@ class OverlayPeer : public platform::WindowPeer {
   QRegion dirty_;    ///< What is to be drawn again.
   QRegion painted_;  ///< Where ink shows.
   QTimer paintTimer_;
+  QTimer fetchTimer_;
   std::chrono::steady_clock::time_point lastPaint_;
   bool concealed_ = false;
 };

@@ -160,10 +160,7 @@ OverlayGround X11Displays::overlayOpens(platform::DisplayID display) {
     if (!ground.mark) ground.mark = placeMark(display);
   } else {
     ground.frozenDesktop = frozen(display);
-    if (!ground.frozenDesktop) {
-      ground.frozenDesktop = freeze(display);
-      ground.isOnScreen = true;
-    }
+    ground.isToBeFrozen = !ground.frozenDesktop;
   }
   const std::lock_guard lock(mutex_);
   overlaysShow_ = true;

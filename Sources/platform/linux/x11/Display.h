@@ -27,7 +27,9 @@ struct Mark {
 /// one the mark. Neither when no picture can be taken.
 struct OverlayGround {
   std::shared_ptr<const FrozenDesktop> frozenDesktop;
-  bool isOnScreen = false;  ///< Whether the frozen desktop is what the screen shows.
+  /// Whether there is no compositor and `freeze` has yet to be called, which it must be before anything is
+  /// painted on the overlay or the overlay goes.
+  bool isToBeFrozen = false;
   std::optional<Mark> mark;
 };
 
@@ -77,6 +79,8 @@ class X11Displays : public platform::Displays {
   void setConcealer(OverlayConcealer* concealer);
   /// Called before an overlay over the display shows.
   OverlayGround overlayOpens(platform::DisplayID display);
+  /// Freezes what the screen shows on a display. Null when that can't be done.
+  std::shared_ptr<const FrozenDesktop> freeze(platform::DisplayID display);
   /// Called when the last overlay has been hidden.
   void overlaysClosed();
   /// Drops the frozen pictures of displays that are no longer as they were.
@@ -88,7 +92,6 @@ class X11Displays : public platform::Displays {
   /// The connection, opened again after a loss; null while no server answers.
   std::shared_ptr<Connection> connection() const;
   std::shared_ptr<const FrozenDesktop> frozen(platform::DisplayID display) const;
-  std::shared_ptr<const FrozenDesktop> freeze(platform::DisplayID display);
   std::optional<Mark> placeMark(platform::DisplayID display);
   std::optional<Mark> knownMark(platform::DisplayID display) const;
   std::optional<std::uint32_t> pixelColor(platform::DisplayID display, int x, int y) const;

@@ -30,10 +30,9 @@ xcb_visualid_t transparentVisual(const xcb_screen_t& screen, std::uint8_t depth)
 
 }  // namespace
 
-OverlayWindow::OverlayWindow(xcb_connection_t* connection, const platform::Rect& pixels,
-                             std::optional<Ground> ground, xcb_cursor_t cursor)
+OverlayWindow::OverlayWindow(xcb_connection_t* connection, const platform::Rect& pixels, Ground ground,
+                             xcb_cursor_t cursor)
     : connection_(connection),
-      ground_(ground),
       origin_(static_cast<int>(pixels.minX()), static_cast<int>(pixels.minY())),
       size_(static_cast<int>(pixels.size.width), static_cast<int>(pixels.size.height)),
       window_(xcb_generate_id(connection)),
@@ -41,22 +40,22 @@ OverlayWindow::OverlayWindow(xcb_connection_t* connection, const platform::Rect&
   const xcb_screen_t& screen = screenOf(connection);
   xcb_visualid_t visual = screen.root_visual;
   depth_ = screen.root_depth;
-  if (const auto withAlpha = transparentVisual(screen, transparentDepth); withAlpha != 0 && !ground) {
+  if (const auto withAlpha = transparentVisual(screen, transparentDepth);
+      withAlpha != 0 && ground == Ground::nothing) {
     visual = withAlpha;
     depth_ = transparentDepth;
   }
   const xcb_colormap_t colormap = xcb_generate_id(connection);
   xcb_create_colormap(connection, XCB_COLORMAP_ALLOC_NONE, colormap, screen.root, visual);
   xcb_create_window_value_list_t values{};
-  // Without a background the server leaves on the screen what is there: a window whose ground that is shows
-  // without a single pixel being painted.
+  // Without a background the server leaves on the screen what is there: the window shows without a single
+  // pixel being painted.
   values.background_pixmap = XCB_BACK_PIXMAP_NONE;
-  if (ground && !ground->isOnScreen) values.background_pixmap = ground->pixmap;
   values.override_redirect = 1;
   values.event_mask = wantedEvents;
   values.colormap = colormap;
   values.cursor = cursor;
-  const std::uint32_t background = ground ? XCB_CW_BACK_PIXMAP : XCB_CW_BACK_PIXEL;
+  const std::uint32_t background = ground == Ground::nothing ? XCB_CW_BACK_PIXEL : XCB_CW_BACK_PIXMAP;
   xcb_create_window_aux(connection, depth_, window_, screen.root, static_cast<std::int16_t>(origin_.x()),
                         static_cast<std::int16_t>(origin_.y()), static_cast<std::uint16_t>(size_.width()),
                         static_cast<std::uint16_t>(size_.height()), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, visual,
@@ -84,12 +83,14 @@ OverlayWindow::~OverlayWindow() {
   xcb_flush(connection_);
 }
 
+void OverlayWindow::setGround(xcb_pixmap_t pixmap) {
+  xcb_change_window_attributes(connection_, window_, XCB_CW_BACK_PIXMAP, &pixmap);
+}
+
 void OverlayWindow::showOnTop() {
   xcb_map_window(connection_, window_);
   const std::uint32_t above = XCB_STACK_MODE_ABOVE;
   xcb_configure_window(connection_, window_, XCB_CONFIG_WINDOW_STACK_MODE, &above);
-  // What is uncovered later shows the ground again.
-  if (ground_) xcb_change_window_attributes(connection_, window_, XCB_CW_BACK_PIXMAP, &ground_->pixmap);
   xcb_flush(connection_);
 }
 

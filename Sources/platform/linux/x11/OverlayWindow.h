@@ -5,7 +5,6 @@
 #include <QImage>
 #include <QPoint>
 #include <QSize>
-#include <optional>
 
 #include "platform/Geometry.h"
 
@@ -17,18 +16,21 @@ namespace lumiscan::desktop::x11 {
 class OverlayWindow {
  public:
   /// What shows where nothing is written.
-  struct Ground {
-    xcb_pixmap_t pixmap;  ///< Of the window's size, in the depth of the screen.
-    bool isOnScreen;      ///< Whether it is what the screen shows there anyhow.
+  enum class Ground {
+    nothing,  ///< The window is transparent there, which takes a compositor.
+    asIs,     ///< What the screen showed when the window was shown, until something uncovers the window.
+    picture,  ///< What `setGround` gives it.
   };
 
-  /// Not yet shown. `pixels` is on the X screen: origin at its top left, y downwards. Without a ground the
-  /// window is transparent where nothing is written, which takes a compositor.
-  OverlayWindow(xcb_connection_t* connection, const platform::Rect& pixels, std::optional<Ground> ground,
+  /// Not yet shown. `pixels` is on the X screen: origin at its top left, y downwards.
+  OverlayWindow(xcb_connection_t* connection, const platform::Rect& pixels, Ground ground,
                 xcb_cursor_t cursor);
   ~OverlayWindow();
   OverlayWindow(const OverlayWindow&) = delete;
   OverlayWindow& operator=(const OverlayWindow&) = delete;
+
+  /// `pixmap` is of the window's size and in the depth of the screen. Paints nothing that shows already.
+  void setGround(xcb_pixmap_t pixmap);
 
   /// Shows it above all other windows.
   void showOnTop();
@@ -48,7 +50,6 @@ class OverlayWindow {
   void describe();
 
   xcb_connection_t* connection_;
-  std::optional<Ground> ground_;
   QPoint origin_;
   QSize size_;
   std::uint8_t depth_ = 0;
