@@ -187,9 +187,12 @@ void OverlayPeer::paint() {
 
 void OverlayPeer::paint(const QRect& pixels) {
   std::optional<platform::Image> ground;
-  if (!native_->isTransparent() && ground_.frozenDesktop)
-    ground = ground_.frozenDesktop->part(
-        {{double(pixels.x()), double(pixels.y())}, {double(pixels.width()), double(pixels.height())}});
+  if (!native_->isTransparent() && ground_.frozenDesktop) {
+    const platform::Point display = ground_.frozenDesktop->pixels().origin;
+    const QPoint onScreen = native_->origin() + pixels.topLeft();
+    ground = ground_.frozenDesktop->part({{onScreen.x() - display.x, onScreen.y() - display.y},
+                                          {double(pixels.width()), double(pixels.height())}});
+  }
   QImage image = canvas(pixels.size(), ground);
   const double height = window_.frame().size.height;
   {

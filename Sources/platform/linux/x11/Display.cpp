@@ -124,6 +124,8 @@ std::optional<platform::Image> X11Displays::createImage(platform::DisplayID disp
     if (server && pixels) image = takeSnapshot(*server, *pixels);
   }
   if (concealer) concealer->reveal();
+  // Frozen meanwhile, since an overlay was about to be painted.
+  if (const auto desktop = frozen(display)) return desktop->image();
   return image;
 }
 
