@@ -321,7 +321,11 @@ TEST_P(SessionTest, SoakLeavesNothingBehind) {
   // A repeat may still be at it, and each of the two threads for tasks, which come and go, has a file of its
   // own.
   EXPECT_TRUE(waitFor([&] { return footprint().second <= before.second + 2; })) << "open files";
-  EXPECT_LT(footprint().first - before.first, 2048) << "KiB more than " << before.first;
+#ifndef __SANITIZE_ADDRESS__  // Which keeps what was freed.
+  // What was frozen for the last session goes a moment after it.
+  EXPECT_TRUE(waitFor([&] { return footprint().first - before.first < 2048; }))
+      << footprint().first << " KiB, " << before.first << " before";
+#endif
 }
 
 INSTANTIATE_TEST_SUITE_P(, SessionTest, ::testing::Values("NoCompositor", "Compositor"),
