@@ -190,6 +190,21 @@ TEST_P(SessionTest, IsAboveMenusAndTheirPixelsAreCaptured) {
   expectCaptured(waitForEnd(), 650, 250, 150, 150);
 }
 
+TEST_P(SessionTest, WhatIsFrozenHasNoOtherWindowOfOurs) {
+  if (GetParam() == std::string("Compositor")) GTEST_SKIP() << "nothing is frozen";
+  start();
+  begin();
+  // In the same event, before anything of the overlays is painted.
+  const platform::Rect frame{{100, 600}, {200, 100}};
+  const auto window = std::make_shared<platform::Window>(frame, platform::windowStyleBorderless);
+  window->attributes().level = platform::windowLevelFloating;
+  window->orderFrontRegardless();
+  const auto onScreen = private_.indexOf(500 + 200, 150);
+  ASSERT_TRUE(waitFor([&] { return private_.screenPixels()[onScreen] == 0xFFFFFF; }));
+  private_.drag(510, 10, 1200, 700);
+  expectCaptured(waitForEnd(), 510, 10, 690, 690);
+}
+
 TEST_P(SessionTest, WithoutTheUsersInputItEndsAndWithItItGoesOn) {
   start();
   for (const bool keyboard : {false, true}) {

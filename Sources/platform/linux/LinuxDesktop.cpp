@@ -169,7 +169,10 @@ platform::TextRecognizer& LinuxDesktop::textRecognizer() {
 platform::BarcodeDetector& LinuxDesktop::barcodeDetector() { return parts_->barcodeDetector; }
 
 std::unique_ptr<platform::WindowPeer> LinuxDesktop::makeWindowPeer(platform::Window& window) {
-  return std::make_unique<OverlayPeer>(window, parts_->needInteractive().overlays);
+  OverlaySession& overlays = parts_->needInteractive().overlays;
+  const bool isOverlay = window.attributes().level > platform::windowLevelScreenSaver;
+  if (!isOverlay) overlays.freezeNow();
+  return std::make_unique<OverlayPeer>(window, overlays);
 }
 
 std::unique_ptr<platform::BitmapContext> LinuxDesktop::makeBitmapContext(int width, int height) {

@@ -57,6 +57,10 @@ void OverlaySession::overlayCloses(OverlayPeer& overlay) {
   });
 }
 
+void OverlaySession::freezeNow() {
+  for (OverlayPeer* const overlay : overlays_) overlay->freeze();
+}
+
 void OverlaySession::makeKey(OverlayPeer& overlay) {
   keyOverlay_ = &overlay;
   grabAttempts_ = 0;

@@ -35,6 +35,8 @@ class OverlaySession : private QAbstractNativeEventFilter, private x11::OverlayC
     return displays_.freeze(display);
   }
   void overlayCloses(OverlayPeer& overlay);
+  /// Called before another window of ours shows, which must not get into what the overlays freeze.
+  void freezeNow();
   /// Directs the keys to an overlay that shows. When another program holds the mouse or the keyboard this is
   /// tried again for a moment; then the overlay is told to cancel: one that doesn't get the user's input must
   /// not stay.

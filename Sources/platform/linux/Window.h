@@ -47,10 +47,11 @@ class OverlayPeer : public platform::WindowPeer {
   bool coversItsScreen() const;
   /// Paints nothing but what is behind the window until it is no longer concealed.
   void setConcealed(bool concealed);
+  /// Freezes what the window covers, where that is still to be done.
+  void freeze();
 
  private:
   void open();
-  void freeze();
   void useFrozenDesktop();
   void fetchBehind();
   void schedulePaint();
