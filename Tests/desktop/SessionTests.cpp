@@ -205,6 +205,18 @@ TEST_P(SessionTest, WhatIsFrozenHasNoOtherWindowOfOurs) {
   expectCaptured(waitForEnd(), 510, 10, 690, 690);
 }
 
+TEST_P(SessionTest, MonitorsMayShowTheSame) {
+  start();
+  PrivateDesktop::setMonitor("BEAMER", "780/206x800/212+500+0", "none");
+  ASSERT_TRUE(waitFor([] { return platform::Displays::shared().screens().size() == 3; }));
+  for (int i = 0; i < 2; ++i) {
+    beginAndWait();
+    private_.drag(510, 10, 1200, 700);
+    expectCaptured(waitForEnd(), 510, 10, 690, 690);
+    expectTheDesktopIsTheUsers();
+  }
+}
+
 TEST_P(SessionTest, WithoutTheUsersInputItEndsAndWithItItGoesOn) {
   start();
   for (const bool keyboard : {false, true}) {

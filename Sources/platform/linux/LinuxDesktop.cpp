@@ -171,7 +171,7 @@ platform::BarcodeDetector& LinuxDesktop::barcodeDetector() { return parts_->barc
 std::unique_ptr<platform::WindowPeer> LinuxDesktop::makeWindowPeer(platform::Window& window) {
   OverlaySession& overlays = parts_->needInteractive().overlays;
   const bool isOverlay = window.attributes().level > platform::windowLevelScreenSaver;
-  if (!isOverlay) overlays.freezeNow();
+  if (!isOverlay) overlays.freezeAll();
   return std::make_unique<OverlayPeer>(window, overlays);
 }
 

@@ -57,7 +57,12 @@ void OverlaySession::overlayCloses(OverlayPeer& overlay) {
   });
 }
 
-void OverlaySession::freezeNow() {
+void OverlaySession::freezeWithin(const QRect& pixels) {
+  for (OverlayPeer* const overlay : overlays_)
+    if (overlay->pixels().intersects(pixels)) overlay->freeze();
+}
+
+void OverlaySession::freezeAll() {
   for (OverlayPeer* const overlay : overlays_) overlay->freeze();
 }
 

@@ -178,7 +178,7 @@ void OverlayPeer::paint() {
   QRegion ink = context.region() & QRect(QPoint(0, 0), native_->size());
   if (ground_.mark) ink += QRect(ground_.mark->x, ground_.mark->y, 1, 1);
   const QRegion toPaint = (painted_ + ink) & dirty_;
-  if (!toPaint.isEmpty()) freeze();
+  if (!toPaint.isEmpty()) session_.freezeWithin(pixels());
   for (const QRect& rect : toPaint) paint(rect);
   painted_ = (painted_ - dirty_) + (ink & dirty_);
   dirty_ = {};

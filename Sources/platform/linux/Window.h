@@ -47,6 +47,8 @@ class OverlayPeer : public platform::WindowPeer {
   bool coversItsScreen() const;
   /// Paints nothing but what is behind the window until it is no longer concealed.
   void setConcealed(bool concealed);
+  /// Of the X screen.
+  QRect pixels() const { return native_ ? QRect(native_->origin(), native_->size()) : QRect(); }
   /// Freezes what the window covers, where that is still to be done.
   void freeze();
 
