@@ -206,9 +206,9 @@ TEST_P(SessionTest, WhatIsFrozenHasNoOtherWindowOfOurs) {
 }
 
 TEST_P(SessionTest, MonitorsMayShowTheSame) {
-  start();
   PrivateDesktop::setMonitor("BEAMER", "780/206x800/212+500+0", "none");
-  ASSERT_TRUE(waitFor([] { return platform::Displays::shared().screens().size() == 3; }));
+  start();
+  ASSERT_EQ(platform::Displays::shared().screens().size(), 2U);
   for (int i = 0; i < 2; ++i) {
     beginAndWait();
     private_.drag(510, 10, 1200, 700);

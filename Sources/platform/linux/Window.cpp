@@ -211,9 +211,14 @@ void OverlayPeer::paint(const QRect& pixels) {
 }
 
 void OverlayPeer::eraseAll() {
-  for (const QRect& rect : painted_) {
+  const auto erase = [this](const QRect& rect) {
     native_->write(canvas(rect.size(), std::nullopt), rect.topLeft());
-  }
+  };
+  // The mark goes last: once the compositor shows that it has gone, all else has.
+  QRegion ink = painted_;
+  if (ground_.mark) ink -= QRect(ground_.mark->x, ground_.mark->y, 1, 1);
+  for (const QRect& rect : ink) erase(rect);
+  if (ground_.mark) erase(QRect(ground_.mark->x, ground_.mark->y, 1, 1));
   painted_ = {};
   xcb_flush(session_.connection());
 }
