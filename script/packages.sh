@@ -6,7 +6,7 @@ build_packages=(
   qt6-base-dev qt6-svg-dev
   libtesseract-dev libleptonica-dev
   libzxing-dev
-  libxcb1-dev libxcb-shm0-dev libxcb-randr0-dev libxcb-xfixes0-dev libxcb-keysyms1-dev libxcb-xtest0-dev
+  libxcb1-dev libxcb-cursor-dev libxcb-shm0-dev libxcb-randr0-dev libxcb-xfixes0-dev libxcb-xtest0-dev
   libicu-dev nlohmann-json3-dev
   libcairo2-dev libfontconfig-dev
   libsystemd-dev
@@ -32,11 +32,12 @@ language_packages=(
   tesseract-ocr-rus tesseract-ocr-ukr
 )
 
-# To make the corpora of Benchmarks/corpus and to compare with others: Benchmarks/measure, Benchmarks/compare-pipeline.
+# To make the corpora of Benchmarks/corpus and to compare with other programs: Benchmarks/measure,
+# Benchmarks/compare-pipeline and Benchmarks/measure-session.
 benchmark_packages=(
   python3 python3-pil python3-numpy
   chromium python3-gi python3-gi-cairo gir1.2-pango-1.0 python3-pyqt6
-  zint maim
+  zint maim slop
   tesseract-ocr tesseract-ocr-eng zbar-tools
   fonts-dejavu-core fonts-liberation fonts-noto-core fonts-noto-mono fonts-roboto fonts-cantarell fonts-open-sans
   fonts-lato fonts-inter fonts-hack fonts-firacode fonts-jetbrains-mono

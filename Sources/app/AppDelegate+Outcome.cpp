@@ -2,7 +2,9 @@
 #include <variant>
 
 #include "app/AppDelegate.h"
+#include "capture/ScreenCapturePermissions.h"
 #include "output/ClipboardService.h"
+#include "platform/Display.h"
 #include "recognition/BarcodeService.h"
 #include "recognition/OCRService.h"
 #include "settings/Settings.h"
@@ -26,6 +28,14 @@ void AppDelegate::handleOutcome(const CaptureOutcome& outcome, CaptureMode mode,
                                 LineBreaksOverride lineBreaksOverride) {
   if (const auto* captured = std::get_if<outcome::Captured>(&outcome))
     process(captured->image, mode, lineBreaksOverride);
+  else if (std::holds_alternative<outcome::NoScreenAccess>(outcome))
+    askForScreenAccess();
+}
+
+void AppDelegate::askForScreenAccess() {
+  auto& displays = platform::Displays::shared();
+  if (!displays.preflightScreenCaptureAccess()) displays.requestScreenCaptureAccess();
+  ScreenCapturePermissions::openSystemSettings();
 }
 
 void AppDelegate::process(const platform::Image& image, CaptureMode mode,

@@ -34,11 +34,15 @@ void AppDelegate::perform(HotkeyAction action) {
     case HotkeyAction::captureTextNoBreaks:
       captureTextJoined();
       break;
+    case HotkeyAction::captureAndSpeak:
+      captureAndSpeak();
+      break;
     case HotkeyAction::captureBarcode:
       captureBarcode();
       break;
-    case HotkeyAction::captureAndSpeak:
     case HotkeyAction::captureLastSelection:
+      captureLastSelection();
+      break;
     case HotkeyAction::stopSpeaking:
     case HotkeyAction::toggleAdditiveClipboard:
     case HotkeyAction::clearAdditiveClipboard:

@@ -2,11 +2,13 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "capture/CaptureMode.h"
 #include "capture/ScreenCaptureController.h"
 #include "hotkeys/HotkeyAction.h"
+#include "output/ResultHUD.h"
 #include "platform/Application.h"
 #include "platform/Dispatch.h"
 #include "platform/NotificationCenter.h"
@@ -18,12 +20,17 @@ namespace lumiscan {
 /// since what outlives a call holds it weakly.
 class AppDelegate : public platform::ApplicationDelegate, public std::enable_shared_from_this<AppDelegate> {
  public:
+  /// Without a `hud` the user is shown no messages.
+  explicit AppDelegate(std::unique_ptr<ResultHUD> hud = nullptr) : hud_(std::move(hud)) {}
+
   void applicationDidFinishLaunching() override;
 
   // Requests: each starts a capture. (AppDelegate+Requests.cpp)
   void captureText();
   void captureTextJoined();
+  void captureAndSpeak();
   void captureBarcode();
+  void captureLastSelection();
 
   const ScreenCaptureController& captureController() const { return *captureController_; }
 
@@ -31,15 +38,19 @@ class AppDelegate : public platform::ApplicationDelegate, public std::enable_sha
   void perform(HotkeyAction action);
 
   void startCapture(CaptureMode mode, LineBreaksOverride lineBreaksOverride);
+  /// Hands a request's end to `handleOutcome`, unless the delegate has gone by then.
+  CaptureCompletion completion();
 
   // Outcomes. (AppDelegate+Outcome.cpp)
   void handleOutcome(const CaptureOutcome& outcome, CaptureMode mode, LineBreaksOverride lineBreaksOverride);
+  static void askForScreenAccess();
   /// Recognises or decodes on a background task and comes back with `finishCapture`.
   void process(const platform::Image& image, CaptureMode mode, LineBreaksOverride lineBreaksOverride);
   void finishCapture(CaptureMode mode, LineBreaksOverride lineBreaksOverride, std::string text,
                      const std::vector<std::string>& payloads);
 
   std::shared_ptr<ScreenCaptureController> captureController_ = std::make_shared<ScreenCaptureController>();
+  std::unique_ptr<ResultHUD> hud_;
   std::unique_ptr<platform::Timer> reregisterTimer_;
   std::vector<std::shared_ptr<platform::NotificationCenter::Observation>> observations_;
 };

@@ -13,7 +13,6 @@ namespace lumiscan {
 namespace {
 
 constexpr double watchdogSeconds = 90;
-constexpr double smallestCropSide = 4;
 
 }  // namespace
 
@@ -81,29 +80,33 @@ void ScreenCaptureController::closeAllWindows() {
 
 ScreenCaptureController::Request ScreenCaptureController::takeRequest() { return std::exchange(active_, {}); }
 
-void ScreenCaptureController::selectionWindowDidConfirm(SelectionWindow&, const platform::Rect& globalRect,
-                                                        const platform::Screen& screen) {
-  // Made before the windows close, since the arguments may live in one of them.
-  auto capture = [weakSelf = weak_from_this(), request = takeRequest(), rect = globalRect, target = screen] {
-    const auto snapshot = platform::Displays::shared().createImage(target.displayID);
-    auto cropped = snapshot ? crop(*snapshot, rect, target) : std::nullopt;
-    platform::MainQueue::async(
-        [weakSelf, request, snapshotTaken = snapshot.has_value(), cropped = std::move(cropped)] {
-          if (!weakSelf.expired()) deliverCropped(request, snapshotTaken, cropped);
-        });
-  };
-  captureLog().info("selection confirmed " + std::to_string(static_cast<long>(globalRect.size.width)) + "×" +
-                    std::to_string(static_cast<long>(globalRect.size.height)));
+void ScreenCaptureController::selectionWindowDidConfirmSelection(SelectionWindow&,
+                                                                 const platform::Rect& globalRect,
+                                                                 const platform::Screen& screen) {
+  // Copies, since the arguments may live in a window that is about to close.
+  const platform::Rect rect = globalRect;
+  const platform::Screen target = screen;
   closeAllWindows();
-  platform::Task::detached(platform::TaskPriority::userInitiated, std::move(capture));
+  captureLog().info("selection confirmed " + std::to_string(static_cast<long>(rect.size.width)) + "×" +
+                    std::to_string(static_cast<long>(rect.size.height)));
+  platform::Task::detached(platform::TaskPriority::userInitiated,
+                           [weakSelf = weak_from_this(), request = takeRequest(), rect, target] {
+                             const auto snapshot = platform::Displays::shared().createImage(target.displayID);
+                             const auto image = snapshot ? crop(*snapshot, rect, target) : std::nullopt;
+                             platform::MainQueue::async([weakSelf, request, rect, target, image,
+                                                         snapshotTaken = snapshot.has_value()] {
+                               if (weakSelf.expired()) return;
+                               if (image) {
+                                 storeLastSelection(target.displayID, rect);
+                                 request.deliver(outcome::Captured{*image});
+                               } else {
+                                 deliverUncropped(request, snapshotTaken);
+                               }
+                             });
+                           });
 }
 
-void ScreenCaptureController::deliverCropped(const Request& request, bool snapshotTaken,
-                                             std::optional<platform::Image> cropped) {
-  if (cropped) {
-    request.deliver(outcome::Captured{*std::move(cropped)});
-    return;
-  }
+void ScreenCaptureController::deliverUncropped(const Request& request, bool snapshotTaken) {
   captureLog().error(std::string("crop failed (snapshot nil: ") + (snapshotTaken ? "false" : "true") + ")");
   if (snapshotTaken)
     request.deliver(outcome::Cancelled{});
@@ -117,18 +120,22 @@ void ScreenCaptureController::selectionWindowDidCancel(SelectionWindow&) {
   takeRequest().deliver(outcome::Cancelled{});
 }
 
+platform::Rect ScreenCaptureController::onDisplay(const platform::Rect& globalRect,
+                                                  platform::DisplayID display) {
+  const auto& displays = platform::Displays::shared();
+  const double mainHeight = displays.bounds(displays.mainDisplayID()).size.height;
+  const platform::Point origin = displays.bounds(display).origin;
+  // From y upwards above the bottom of the main display to y downwards below the display's top.
+  return {{globalRect.minX() - origin.x, (mainHeight - globalRect.maxY()) - origin.y}, globalRect.size};
+}
+
 std::optional<platform::Image> ScreenCaptureController::crop(const platform::Image& snapshot,
                                                              const platform::Rect& globalRect,
                                                              const platform::Screen& screen) {
-  const auto& displays = platform::Displays::shared();
-  const double mainHeight = displays.bounds(displays.mainDisplayID()).size.height;
-  const platform::Rect display = displays.bounds(screen.displayID);
   const double scale = screen.backingScaleFactor;
+  const auto [origin, size] = onDisplay(globalRect, screen.displayID);
   const platform::Rect pixels = platform::integral(
-      {{scale * (globalRect.minX() - display.minX()),
-        // From y upwards above the bottom of the main display to y downwards below the display's top.
-        scale * ((mainHeight - globalRect.maxY()) - display.minY())},
-       {scale * globalRect.size.width, scale * globalRect.size.height}});
+      {{scale * origin.x, scale * origin.y}, {scale * size.width, scale * size.height}}, pixelTolerance);
   // Written so that a size that isn't a number is refused too.
   if (!(pixels.size.width >= smallestCropSide && pixels.size.height >= smallestCropSide)) return std::nullopt;
   return snapshot.cropped(pixels);

@@ -37,7 +37,7 @@ void SelectionWindow::confirmSelection(const platform::Rect& rect) {
   const platform::Rect globalRect{{rect.origin.x + frame().origin.x, rect.origin.y + frame().origin.y},
                                   rect.size};
   if (const auto delegate = selectionDelegate_.lock())
-    delegate->selectionWindowDidConfirm(*this, globalRect, targetScreen_);
+    delegate->selectionWindowDidConfirmSelection(*this, globalRect, targetScreen_);
   else
     orderOut();
 }

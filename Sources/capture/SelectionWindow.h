@@ -16,8 +16,8 @@ class SelectionWindowDelegate {
   /// The user released the mouse over a rectangle that is large enough. `globalRect` is in the global
   /// screen space: points, origin at the bottom left of the primary screen, y upwards; it may reach beyond
   /// the screen.
-  virtual void selectionWindowDidConfirm(SelectionWindow& window, const platform::Rect& globalRect,
-                                         const platform::Screen& screen) = 0;
+  virtual void selectionWindowDidConfirmSelection(SelectionWindow& window, const platform::Rect& globalRect,
+                                                  const platform::Screen& screen) = 0;
   virtual void selectionWindowDidCancel(SelectionWindow& window) = 0;
 };
 

@@ -16,6 +16,7 @@
 #include "platform/TextRecognizer.h"
 #include "platform/UserDefaults.h"
 #include "platform/Window.h"
+#include "platform/Workspace.h"
 
 namespace lumiscan::platform {
 
@@ -44,6 +45,7 @@ NotificationCenter& NotificationCenter::workspaceCenter() {
 Pasteboard& Pasteboard::general() { return Desktop::current().pasteboard(); }
 TextRecognizer& TextRecognizer::shared() { return Desktop::current().textRecognizer(); }
 UserDefaults& UserDefaults::standard() { return Desktop::current().userDefaults(); }
+Workspace& Workspace::shared() { return Desktop::current().workspace(); }
 Point MouseEvent::mouseLocation() { return Desktop::current().mouseLocation(); }
 
 std::unique_ptr<BitmapContext> BitmapContext::create(int width, int height) {

@@ -25,6 +25,7 @@ class TextRecognizer;
 class UserDefaults;
 class Window;
 class WindowPeer;
+class Workspace;
 struct Point;
 
 /// A whole desktop: makes and owns every part of the platform. `main` installs the real one, a test
@@ -63,6 +64,7 @@ class Desktop {
   virtual CursorStack& cursors() = 0;
   virtual Pasteboard& pasteboard() = 0;
   virtual HotKeys& hotKeys() = 0;
+  virtual Workspace& workspace() = 0;
   virtual TextRecognizer& textRecognizer() = 0;
   virtual BarcodeDetector& barcodeDetector() = 0;
   virtual std::unique_ptr<WindowPeer> makeWindowPeer(Window& window) = 0;

@@ -26,10 +26,10 @@ Rect intersection(const Rect& a, const Rect& b) {
   return {{left, low}, {width, height}};
 }
 
-Rect integral(const Rect& rect) {
-  const double left = std::floor(rect.minX());
-  const double low = std::floor(rect.minY());
-  return {{left, low}, {std::ceil(rect.maxX()) - left, std::ceil(rect.maxY()) - low}};
+Rect integral(const Rect& rect, double tolerance) {
+  const double left = std::floor(rect.minX() + tolerance);
+  const double low = std::floor(rect.minY() + tolerance);
+  return {{left, low}, {std::ceil(rect.maxX() - tolerance) - left, std::ceil(rect.maxY() - tolerance) - low}};
 }
 
 }  // namespace lumiscan::platform

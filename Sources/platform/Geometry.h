@@ -43,8 +43,8 @@ Rect insetBy(const Rect& rect, double dx, double dy);
 /// The common part; a rectangle of size 0 by 0 when there is none.
 Rect intersection(const Rect& a, const Rect& b);
 
-/// The smallest rectangle with whole-number origin and size that contains the given one. What is not
-/// finite stays so.
-Rect integral(const Rect& rect);
+/// The smallest rectangle with whole-number origin and size that contains the given one, but for what reaches
+/// beyond it by less than `tolerance` on a side. What is not finite stays so.
+Rect integral(const Rect& rect, double tolerance = 0);
 
 }  // namespace lumiscan::platform

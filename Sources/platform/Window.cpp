@@ -86,6 +86,11 @@ void Window::sendKeyDown(const KeyEvent& event) {
   if (contentView_ && contentView_->acceptsFirstResponder()) contentView_->keyDown(event);
 }
 
+void Window::sendCancel() {
+  const auto keepAlive = shared_from_this();
+  if (contentView_) contentView_->cancelOperation();
+}
+
 void Window::draw(GraphicsContext& context, const Rect& dirtyRect) {
   if (attributes_.backgroundColor.alpha > 0)
     context.fill(BezierPath::rect(dirtyRect), attributes_.backgroundColor);

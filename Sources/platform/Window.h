@@ -96,6 +96,9 @@ class Window : public std::enable_shared_from_this<Window> {
   enum class MousePhase { moved, down, dragged, up };
   void sendMouseEvent(MousePhase phase, const MouseEvent& event);
   void sendKeyDown(const KeyEvent& event);
+  /// The desktop can no longer give the window the user's input, or its screen has changed: its content gets
+  /// the cancel command.
+  void sendCancel();
   /// Draws the background and the content.
   void draw(GraphicsContext& context, const Rect& dirtyRect);
 

@@ -80,10 +80,8 @@ class CaptureTest : public ::testing::Test {
   bool waitForOverlays(std::size_t count) {
     return waitUntil([&] { return overlays() == count; });
   }
-  bool overlayHasFocus() const {
-    const auto windows = desktop_.windowsOfClass("Lumiscan");
-    return !windows.empty() && desktop_.focusedWindow() == windows.back();
-  }
+  /// Whether the mouse and the keyboard are taken: then nobody else gets them.
+  bool inputIsTaken() const { return !desktop_.canGrabPointer() && !desktop_.canGrabKeyboard(); }
   bool pageHasFocus() const { return desktop_.focusedWindow() == desktop_.windowsOfClass("Page").at(0); }
 
   void captureThePage() {
@@ -142,10 +140,12 @@ TEST_F(CaptureTest, EscapeAndAClickGiveTheDesktopBackAsItWas) {
   for (const Ending& ending : endings) {
     SCOPED_TRACE(ending.name);
     pressShortcut();
-    ASSERT_TRUE(waitUntil([this] { return overlayHasFocus(); }));
+    ASSERT_TRUE(waitUntil([this] { return overlays() == 1 && inputIsTaken(); }));
+    EXPECT_TRUE(pageHasFocus()) << "the page's looks must not change";
     ending.end();
     ASSERT_TRUE(waitForOverlays(0));
-    EXPECT_TRUE(waitUntil([this] { return pageHasFocus(); }));
+    EXPECT_TRUE(waitUntil([this] { return desktop_.canGrabPointer() && desktop_.canGrabKeyboard(); }));
+    EXPECT_TRUE(pageHasFocus());
     EXPECT_TRUE(waitUntil([&] { return desktop_.screenPixels() == before; }));
     EXPECT_EQ(PrivateDesktop::clipboard(), std::nullopt);
   }

@@ -1,5 +1,6 @@
 #include "desktop/PrivateDesktop.h"
 
+#include <xcb/xfixes.h>
 #include <xcb/xtest.h>
 
 #include <csignal>
@@ -49,7 +50,7 @@ std::uint8_t keycode(std::uint8_t evdevCode) { return static_cast<std::uint8_t>(
 
 }  // namespace
 
-PrivateDesktop::PrivateDesktop() {
+PrivateDesktop::PrivateDesktop(int width, int height) {
   std::string folder = std::filesystem::temp_directory_path() / "lumiscan-test-XXXXXX";
   require(mkdtemp(folder.data()), "no temporary folder");
   home_ = folder;
@@ -59,7 +60,8 @@ PrivateDesktop::PrivateDesktop() {
   setenv("XDG_CONFIG_HOME", (home_ / "config").c_str(), 1);
 
   server_ = std::make_unique<Process>(std::vector<std::string>{
-      "Xvfb", "-displayfd", "1", "-screen", "0", "1280x800x24", "-noreset", "-nolisten", "tcp"});
+      "Xvfb", "-displayfd", "1", "-screen", "0", std::to_string(width) + "x" + std::to_string(height) + "x24",
+      "-noreset", "-nolisten", "tcp"});
   require(waitUntil([this] { return server_->standardOutput().ends_with('\n'); }), "no X server");
   std::string display = ":";
   display += server_->standardOutput();
@@ -70,6 +72,7 @@ PrivateDesktop::PrivateDesktop() {
   require(!xcb_connection_has_error(connection_), "no connection to the X server");
   const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data;
   root_ = screen->root;
+  owned(xcb_xfixes_query_version_reply(connection_, xcb_xfixes_query_version(connection_, 2, 0), nullptr));
   width_ = screen->width_in_pixels;
   height_ = screen->height_in_pixels;
 
@@ -96,6 +99,65 @@ void PrivateDesktop::pauseCompositor() const {
 
 void PrivateDesktop::resumeCompositor() const {
   if (compositor_) compositor_->signal(SIGCONT);
+}
+
+void PrivateDesktop::setMonitor(const std::string& name, const std::string& geometry,
+                                const std::string& output) {
+  require(Process({"xrandr", "--setmonitor", name, geometry, output}).waitForEnd() == 0, "no such monitor");
+}
+
+void PrivateDesktop::detachMonitor(const std::string& name) {
+  require(Process({"xrandr", "--delmonitor", name}).waitForEnd() == 0, "no such monitor");
+}
+
+void PrivateDesktop::attachTwoMonitors() {
+  setMonitor("*MAIN", "780/206x800/212+500+0", "screen");
+  setMonitor("LEFT", "499/132x600/159+0+100", "none");
+}
+
+void PrivateDesktop::showPicture() {
+  const auto width = static_cast<std::uint16_t>(width_);
+  const auto height = static_cast<std::uint16_t>(height_);
+  const auto color = [](std::uint32_t x, std::uint32_t y) {
+    return (x * 2654435761U + y * 40503U) & 0xFFFFFF;
+  };
+  const xcb_pixmap_t pixmap = xcb_generate_id(connection_);
+  xcb_create_pixmap(connection_, 24, pixmap, root_, width, height);
+  const xcb_gcontext_t gc = xcb_generate_id(connection_);
+  xcb_create_gc(connection_, gc, pixmap, 0, nullptr);
+  std::vector<std::uint32_t> row(width);
+  for (std::uint32_t y = 0; y < height; ++y) {
+    for (std::uint32_t x = 0; x < width; ++x) row[x] = color(x, y);
+    xcb_put_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, gc, width, 1, 0,
+                  static_cast<std::int16_t>(y), 0, 24, width * 4U,
+                  reinterpret_cast<const std::uint8_t*>(row.data()));
+  }
+  const std::uint32_t values[] = {pixmap, 1};
+  const xcb_window_t window = xcb_generate_id(connection_);
+  xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window, root_, 0, 0, width, height, 0,
+                    XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                    XCB_CW_BACK_PIXMAP | XCB_CW_OVERRIDE_REDIRECT, values);
+  xcb_map_window(connection_, window);
+  xcb_free_pixmap(connection_, pixmap);
+  xcb_free_gc(connection_, gc);
+  require(waitUntil([&] { return screenPixels().back() == color(width - 1U, height - 1U); }), "no picture");
+}
+
+xcb_window_t PrivateDesktop::showMenu(int x, int y, int width, int height) const {
+  const std::uint32_t values[] = {0xEEEEEE, 1};
+  const xcb_window_t window = xcb_generate_id(connection_);
+  xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window, root_, static_cast<std::int16_t>(x),
+                    static_cast<std::int16_t>(y), static_cast<std::uint16_t>(width),
+                    static_cast<std::uint16_t>(height), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                    XCB_COPY_FROM_PARENT, XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
+  xcb_map_window(connection_, window);
+  sync();
+  return window;
+}
+
+void PrivateDesktop::closeWindow(xcb_window_t window) const {
+  xcb_destroy_window(connection_, window);
+  sync();
 }
 
 PrivateDesktop::~PrivateDesktop() {
@@ -137,6 +199,13 @@ void PrivateDesktop::drag(int fromX, int fromY, int toX, int toY) {
   buttonUp();
 }
 
+std::vector<xcb_window_t> PrivateDesktop::windows() const {
+  std::vector<xcb_window_t> found;
+  for (const xcb_window_t window : childrenOf(connection_, root_))
+    if (isMapped(connection_, window)) found.push_back(window);
+  return found;
+}
+
 std::vector<xcb_window_t> PrivateDesktop::windowsOfClass(const std::string& name) const {
   // WM_CLASS is the instance and the class, each ended by a zero. A managed window is a child of its frame.
   const std::string ending = name + std::string(1, '\0');
@@ -145,7 +214,7 @@ std::vector<xcb_window_t> PrivateDesktop::windowsOfClass(const std::string& name
            isMapped(connection_, window);
   };
   std::vector<xcb_window_t> found;
-  for (const xcb_window_t top : childrenOf(connection_, root_)) {
+  for (const xcb_window_t top : windows()) {
     if (isOfClass(top)) found.push_back(top);
     for (const xcb_window_t child : childrenOf(connection_, top))
       if (isOfClass(child)) found.push_back(child);
@@ -153,20 +222,71 @@ std::vector<xcb_window_t> PrivateDesktop::windowsOfClass(const std::string& name
   return found;
 }
 
+xcb_rectangle_t PrivateDesktop::geometryOf(xcb_window_t window) const {
+  const auto geometry =
+      owned(xcb_get_geometry_reply(connection_, xcb_get_geometry(connection_, window), nullptr));
+  require(geometry != nullptr, "no such window");
+  return {geometry->x, geometry->y, geometry->width, geometry->height};
+}
+
+std::uint32_t PrivateDesktop::cursorSerial() const {
+  const auto request = xcb_xfixes_get_cursor_image(connection_);
+  const auto image = owned(xcb_xfixes_get_cursor_image_reply(connection_, request, nullptr));
+  require(image != nullptr, "the cursor can't be read");
+  return image->cursor_serial;
+}
+
 xcb_window_t PrivateDesktop::focusedWindow() const {
   return owned(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr))->focus;
 }
 
-std::vector<std::uint32_t> PrivateDesktop::screenPixels() const {
+bool PrivateDesktop::canGrabPointer() const {
+  const bool can = grabPointer();
+  ungrab();
+  return can;
+}
+
+bool PrivateDesktop::canGrabKeyboard() const {
+  const bool can = grabKeyboard();
+  ungrab();
+  return can;
+}
+
+bool PrivateDesktop::grabPointer() const {
+  const auto request = xcb_grab_pointer(connection_, 0, root_, 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC,
+                                        XCB_WINDOW_NONE, XCB_CURSOR_NONE, XCB_TIME_CURRENT_TIME);
+  const auto reply = owned(xcb_grab_pointer_reply(connection_, request, nullptr));
+  return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+}
+
+bool PrivateDesktop::grabKeyboard() const {
+  const auto request = xcb_grab_keyboard(connection_, 0, root_, XCB_TIME_CURRENT_TIME, XCB_GRAB_MODE_ASYNC,
+                                         XCB_GRAB_MODE_ASYNC);
+  const auto reply = owned(xcb_grab_keyboard_reply(connection_, request, nullptr));
+  return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+}
+
+void PrivateDesktop::ungrab() const {
+  xcb_ungrab_pointer(connection_, XCB_TIME_CURRENT_TIME);
+  xcb_ungrab_keyboard(connection_, XCB_TIME_CURRENT_TIME);
+  sync();
+}
+
+std::uint32_t PrivateDesktop::pixelAt(int x, int y) const { return pixels(x, y, 1, 1).front(); }
+
+std::vector<std::uint32_t> PrivateDesktop::screenPixels() const { return pixels(0, 0, width_, height_); }
+
+std::vector<std::uint32_t> PrivateDesktop::pixels(int x, int y, int width, int height) const {
   const auto request =
-      xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, root_, 0, 0, static_cast<std::uint16_t>(width_),
-                    static_cast<std::uint16_t>(height_), ~0U);
+      xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, root_, static_cast<std::int16_t>(x),
+                    static_cast<std::int16_t>(y), static_cast<std::uint16_t>(width),
+                    static_cast<std::uint16_t>(height), ~0U);
   const auto reply = owned(xcb_get_image_reply(connection_, request, nullptr));
   require(reply != nullptr, "the screen can't be read");
   const auto* words = reinterpret_cast<const std::uint32_t*>(xcb_get_image_data(reply.get()));
-  std::vector<std::uint32_t> pixels(words, words + xcb_get_image_data_length(reply.get()) / 4);
-  for (std::uint32_t& pixel : pixels) pixel &= 0xFFFFFF;
-  return pixels;
+  std::vector<std::uint32_t> read(words, words + xcb_get_image_data_length(reply.get()) / 4);
+  for (std::uint32_t& pixel : read) pixel &= 0xFFFFFF;
+  return read;
 }
 
 std::optional<std::string> PrivateDesktop::clipboard(const std::function<void()>& meanwhile) {

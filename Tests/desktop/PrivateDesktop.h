@@ -20,10 +20,18 @@ namespace lumiscan::testing {
 /// Positions are in pixels, origin at the top left of the X screen, y downwards.
 class PrivateDesktop {
  public:
-  PrivateDesktop();
+  /// The size in pixels is that of the X screen.
+  explicit PrivateDesktop(int width = 1280, int height = 800);
   ~PrivateDesktop();
   PrivateDesktop(const PrivateDesktop&) = delete;
   PrivateDesktop& operator=(const PrivateDesktop&) = delete;
+
+  /// Divides the screen into two monitors: the primary one, MAIN, and left of it LEFT, which is smaller and
+  /// begins lower. Neither has its top left at the screen's.
+  void attachTwoMonitors();
+  /// What the user does to a monitor: `geometry` as `xrandr --setmonitor` takes it.
+  static void setMonitor(const std::string& name, const std::string& geometry, const std::string& output);
+  static void detachMonitor(const std::string& name);
 
   /// Starts a compositing manager; returns when it runs.
   void startCompositor();
@@ -33,6 +41,7 @@ class PrivateDesktop {
 
   xcb_connection_t* x() const { return connection_; }
   xcb_window_t root() const { return root_; }
+  const Process& server() const { return *server_; }
   const std::filesystem::path& home() const { return home_; }
 
   // What a user does, made by the server itself as if it came from the devices. Keys are kernel key codes.
@@ -44,12 +53,33 @@ class PrivateDesktop {
   void buttonUp();
   void drag(int fromX, int fromY, int toX, int toY);
 
+  /// Covers the screen with a picture of which no two neighbours are alike, in a window that the window
+  /// manager leaves alone; returns when it shows.
+  void showPicture();
+  /// An empty window of ours that the window manager leaves alone, as a menu is; it is on top.
+  xcb_window_t showMenu(int x, int y, int width, int height) const;
+  void closeWindow(xcb_window_t window) const;
+  // Another program takes the mouse or the keyboard, as an open menu does.
+  bool grabPointer() const;  ///< Whether it succeeded, which it doesn't while another client holds it.
+  bool grabKeyboard() const;
+  void ungrab() const;
+
   // What a user sees.
   /// The mapped top-level windows of a class, bottom to top.
   std::vector<xcb_window_t> windowsOfClass(const std::string& name) const;
   xcb_window_t focusedWindow() const;
+  /// Whether nobody holds the mouse or the keyboard.
+  bool canGrabPointer() const;
+  bool canGrabKeyboard() const;
+  /// All mapped top-level windows, bottom to top.
+  std::vector<xcb_window_t> windows() const;
+  /// On the screen.
+  xcb_rectangle_t geometryOf(xcb_window_t window) const;
+  /// Changes whenever another cursor shows.
+  std::uint32_t cursorSerial() const;
   /// The whole screen, a word 0x??RRGGBB a pixel, row by row.
   std::vector<std::uint32_t> screenPixels() const;
+  std::uint32_t pixelAt(int x, int y) const;
   /// Where a pixel of the screen stands in `screenPixels`.
   std::size_t indexOf(int x, int y) const {
     return static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) + static_cast<std::size_t>(x);
@@ -63,6 +93,7 @@ class PrivateDesktop {
  private:
   void fake(std::uint8_t type, std::uint8_t detail, int x = 0, int y = 0);
   void sync() const;
+  std::vector<std::uint32_t> pixels(int x, int y, int width, int height) const;
 
   std::filesystem::path home_;
   std::unique_ptr<Process> server_;

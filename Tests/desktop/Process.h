@@ -28,6 +28,7 @@ class Process {
   /// Waits for the end, as `waitUntil` does; nothing if it doesn't come.
   std::optional<int> waitForEnd(const std::function<void()>& meanwhile = {});
   void signal(int number) const;
+  pid_t id() const { return pid_; }
 
   /// What it has written so far.
   std::string standardOutput() const;

@@ -40,18 +40,31 @@ TEST(ScreenLayout, GivesTheOthersTheirPlaceInBothSpaces) {
 }
 
 TEST(ScreenLayout, FindsTheMouseOnEachScreenAndBetweenThem) {
-  EXPECT_EQ(layout.globalPoint({2560, 768}), (Point{0, 1080}));
-  EXPECT_EQ(layout.globalPoint({2660, 868}), (Point{100, 980}));
-  EXPECT_EQ(layout.globalPoint({100, 500}), (Point{-2510, 1398}));  // 50 points into the left screen.
-  EXPECT_TRUE(platform::contains(layout.screens()[1].frame, layout.globalPoint({2559, 1839})));
-  EXPECT_TRUE(platform::contains(layout.screens()[2].frame, layout.globalPoint({2560, 767})));
+  EXPECT_EQ(layout.mouseLocation({2560, 768}), (Point{0.5, 1079.5}));
+  EXPECT_EQ(layout.mouseLocation({2660, 868}), (Point{100.5, 979.5}));
+  // 50 points into the left screen.
+  EXPECT_EQ(layout.mouseLocation({100, 500}), (Point{-2510, 1397.5}));
+  for (const auto& screen : layout.screens()) {
+    const Rect pixels = *layout.pixels(screen.displayID);
+    EXPECT_TRUE(platform::contains(screen.frame, layout.mouseLocation(pixels.origin)));
+    EXPECT_TRUE(
+        platform::contains(screen.frame, layout.mouseLocation({pixels.maxX() - 1, pixels.maxY() - 1})));
+  }
   // On no monitor, just left of the one above: measured from it.
-  EXPECT_EQ(layout.globalPoint({2550, 0}), (Point{-8, 1848}));
+  EXPECT_EQ(layout.mouseLocation({2550, 0}), (Point{-7.6, 1847.6}));
 }
 
-TEST(ScreenLayout, FindsTheDisplayOfARectangle) {
-  for (const auto& screen : layout.screens()) EXPECT_EQ(layout.displayAt(screen.frame), screen.displayID);
-  EXPECT_EQ(layout.displayAt({{5000, 5000}, {10, 10}}), 0U);
+TEST(ScreenLayout, FindsThePixelsOfARectangle) {
+  for (const auto& screen : layout.screens()) {
+    const auto place = layout.place(screen.frame);
+    ASSERT_TRUE(place);
+    EXPECT_EQ(*place, (ScreenLayout::Place{screen.displayID, *layout.pixels(screen.displayID),
+                                           screen.backingScaleFactor, true}));
+  }
+  // 100 points from the left and 20 from the top of the screen at scale 2.
+  EXPECT_EQ(layout.place({{-2460, 1418}, {30, 10}}),
+            (ScreenLayout::Place{left, {{200, 440}, {60, 20}}, 2, false}));
+  EXPECT_EQ(layout.place({{5000, 5000}, {10, 10}}), std::nullopt);
 }
 
 TEST(ScreenLayout, KnowsNothingOfWhatIsNotAttached) {
@@ -61,7 +74,7 @@ TEST(ScreenLayout, KnowsNothingOfWhatIsNotAttached) {
   const ScreenLayout none({});
   EXPECT_TRUE(none.screens().empty());
   EXPECT_EQ(none.mainDisplayID(), 0U);
-  EXPECT_EQ(none.globalPoint({3, 4}), (Point{3, 4}));
+  EXPECT_EQ(none.mouseLocation({3, 4}), (Point{3, 4}));
   // Without a primary monitor the first one is it.
   EXPECT_EQ(ScreenLayout({{"A", {{0, 0}, {10, 10}}, false, 1, {}}}).mainDisplayID(),
             ScreenLayout::displayID("A"));

@@ -21,34 +21,6 @@ class Snapshot : public ::testing::TestWithParam<const char*> {
     platform::Application::shared();
   }
 
-  /// Covers the screen with a picture of which no two neighbours are alike.
-  void showPicture() {
-    xcb_connection_t* x = private_.x();
-    const auto width = static_cast<std::uint16_t>(private_.width());
-    const auto height = static_cast<std::uint16_t>(private_.height());
-    const xcb_pixmap_t pixmap = xcb_generate_id(x);
-    xcb_create_pixmap(x, 24, pixmap, private_.root(), width, height);
-    const xcb_gcontext_t gc = xcb_generate_id(x);
-    xcb_create_gc(x, gc, pixmap, 0, nullptr);
-    std::vector<std::uint32_t> row(width);
-    for (std::uint32_t y = 0; y < height; ++y) {
-      for (std::uint32_t i = 0; i < width; ++i) row[i] = (i * 2654435761U + y * 40503U) & 0xFFFFFF;
-      xcb_put_image(x, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, gc, width, 1, 0, static_cast<std::int16_t>(y), 0,
-                    24, width * 4U, reinterpret_cast<const std::uint8_t*>(row.data()));
-    }
-    // In a window that the window manager leaves alone.
-    const std::uint32_t values[] = {pixmap, 1};
-    const xcb_window_t window = xcb_generate_id(x);
-    xcb_create_window(x, XCB_COPY_FROM_PARENT, window, private_.root(), 0, 0, width, height, 0,
-                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
-                      XCB_CW_BACK_PIXMAP | XCB_CW_OVERRIDE_REDIRECT, values);
-    xcb_map_window(x, window);
-    xcb_flush(x);
-    const auto last = static_cast<std::size_t>(width) * height - 1;
-    const std::uint32_t lastColor = ((width - 1U) * 2654435761U + (height - 1U) * 40503U) & 0xFFFFFF;
-    ASSERT_TRUE(waitUntil([&] { return private_.screenPixels()[last] == lastColor; }));
-  }
-
   std::vector<std::uint32_t> snapshot() {
     const auto image = displays().createImage(displays().mainDisplayID());
     std::vector<std::uint32_t> pixels;
@@ -79,7 +51,7 @@ class Square : public platform::View {
 };
 
 TEST_P(Snapshot, IsTheScreenToThePixelAndNothingOfOurs) {
-  showPicture();
+  private_.showPicture();
   const auto picture = private_.screenPixels();
   EXPECT_EQ(snapshot(), picture);
 

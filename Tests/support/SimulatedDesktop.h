@@ -62,6 +62,7 @@ class SimulatedDesktop : public platform::Desktop {
   SimulatedCursors& cursors() override { return cursors_; }
   SimulatedPasteboard& pasteboard() override { return pasteboard_; }
   SimulatedHotKeys& hotKeys() override { return hotKeys_; }
+  SimulatedWorkspace& workspace() override { return workspace_; }
   SimulatedTextRecognizer& textRecognizer() override { return textRecognizer_; }
   SimulatedBarcodeDetector& barcodeDetector() override { return barcodeDetector_; }
   std::unique_ptr<platform::WindowPeer> makeWindowPeer(platform::Window& window) override {
@@ -99,6 +100,7 @@ class SimulatedDesktop : public platform::Desktop {
   SimulatedCursors cursors_;
   SimulatedPasteboard pasteboard_;
   SimulatedHotKeys hotKeys_{dispatcher_};
+  SimulatedWorkspace workspace_;
   SimulatedTextRecognizer textRecognizer_{dispatcher_};
   SimulatedBarcodeDetector barcodeDetector_{dispatcher_};
   SimulatedDrawing drawing_;

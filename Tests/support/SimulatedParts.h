@@ -15,6 +15,7 @@
 #include "platform/Logger.h"
 #include "platform/QRCode.h"
 #include "platform/UserDefaults.h"
+#include "platform/Workspace.h"
 #include "support/RecordingGraphicsContext.h"
 #include "support/TestImages.h"
 
@@ -34,6 +35,16 @@ class SimulatedCursors : public platform::CursorStack {
   }
 
   std::vector<platform::CursorShape> pushed;
+};
+
+class SimulatedWorkspace : public platform::Workspace {
+ public:
+  void openURL(std::string_view url) override {
+    platform::MainQueue::assertCurrent();
+    opened.emplace_back(url);
+  }
+
+  std::vector<std::string> opened;
 };
 
 /// What stays when the program ends and starts again.

@@ -13,6 +13,20 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
+/// A message panel that writes down what it is to show.
+class RecordingHUD : public ResultHUD {
+ public:
+  explicit RecordingHUD(std::vector<std::string>& shown) : shown_(shown) {}
+  void show(const std::string& title, const std::optional<std::string>& preview, bool isError,
+            const std::optional<std::string>& icon, std::optional<double> duration) override {
+    shown_.push_back(title + " / " + preview.value_or("no preview") + (isError ? " / error / " : " / ") +
+                     icon.value_or("no icon") + " / " + std::to_string(duration.value_or(0)));
+  }
+
+ private:
+  std::vector<std::string>& shown_;
+};
+
 /// The launched program, used by its hotkeys and the mouse.
 class AppDelegateTest : public ::testing::Test {
  protected:
@@ -35,7 +49,9 @@ class AppDelegateTest : public ::testing::Test {
   }
 
   testing::SimulatedDesktop desktop;
-  std::shared_ptr<AppDelegate> delegate = std::make_shared<AppDelegate>();
+  std::vector<std::string> shown;
+  std::shared_ptr<AppDelegate> delegate =
+      std::make_shared<AppDelegate>(std::make_unique<RecordingHUD>(shown));
 };
 
 TEST_F(AppDelegateTest, HotkeyAndDragPutTheTextOnThePasteboard) {
@@ -118,6 +134,48 @@ TEST_F(AppDelegateTest, NothingFoundLeavesThePasteboardAlone) {
   EXPECT_EQ(desktop.textRecognizer().prepared.size(), 4U) << "a refused request loads no recogniser";
   EXPECT_EQ(desktop.pasteboard().text, "before");
   EXPECT_EQ(desktop.pasteboard().changeCount, 0);
+}
+
+TEST_F(AppDelegateTest, RequestsOpenASessionWithAHintOrRepeatTheLastSelection) {
+  desktop.textRecognizer().recognizes({"text"});
+  press(HotkeyAction::captureLastSelection);
+  EXPECT_THAT(desktop.windows().visible(), IsEmpty()) << "nothing is stored yet";
+  EXPECT_THAT(shown, IsEmpty());
+  for (const auto action : {HotkeyAction::captureText, HotkeyAction::captureTextNoBreaks,
+                            HotkeyAction::captureAndSpeak, HotkeyAction::captureBarcode}) {
+    press(action);
+    EXPECT_EQ(desktop.windows().visible().size(), 1U);
+    EXPECT_EQ(shown.back(),
+              "Drag to select an area / Esc or click cancels / text.magnifyingglass / 2.200000");
+  }
+  desktop.windows().keyDown(platform::keyCodeEscape);
+  capture(HotkeyAction::captureAndSpeak);
+  EXPECT_EQ(desktop.pasteboard().changeCount, 1);
+  EXPECT_EQ(shown.size(), 5U);
+
+  press(HotkeyAction::captureLastSelection);
+  EXPECT_THAT(desktop.windows().visible(), IsEmpty());
+  EXPECT_EQ(shown.size(), 5U) << "a repeat shows no hint";
+  EXPECT_EQ(desktop.pasteboard().changeCount, 2);
+  EXPECT_EQ(describe(desktop.textRecognizer().requests.back().image), "100,550 300×150");
+}
+
+TEST_F(AppDelegateTest, WithoutAccessTheUserIsLedToTheSettings) {
+  desktop.displays().accessGranted = false;
+  press(HotkeyAction::captureText);
+  EXPECT_EQ(desktop.displays().accessRequests, 1);
+  EXPECT_THAT(desktop.workspace().opened,
+              ElementsAre("x-apple.systempreferences:com.apple.preference.security?Privacy_ScreenCapture"));
+  EXPECT_THAT(shown, IsEmpty()) << "no hint to drag";
+
+  // Access granted meanwhile is seen at once; what fails all the same leads to the settings without asking.
+  desktop.displays().accessGranted = true;
+  capture(HotkeyAction::captureText);
+  EXPECT_EQ(desktop.workspace().opened.size(), 1U);
+  desktop.displays().detach(1);
+  press(HotkeyAction::captureLastSelection);
+  EXPECT_EQ(desktop.displays().accessRequests, 1);
+  EXPECT_EQ(desktop.workspace().opened.size(), 2U);
 }
 
 TEST_F(AppDelegateTest, OverlappingCapturesFinishEachWithItsOwnResult) {

@@ -39,6 +39,7 @@ TEST(Geometry, NeighboursShareNoPoint) {
 TEST(Geometry, IntegralGrowsToWholeNumbers) {
   EXPECT_EQ(integral({{0.5, -0.5}, {1, 1}}), (Rect{{0, -1}, {2, 2}}));
   EXPECT_EQ(integral({{200, 1100}, {600, 300}}), (Rect{{200, 1100}, {600, 300}}));
+  EXPECT_EQ(integral({{1 - 1e-9, 0}, {2 + 2e-9, 0.5}}, 1e-6), (Rect{{1, 0}, {2, 1}}));
   EXPECT_TRUE(std::isnan(integral({{0, 0}, {std::numeric_limits<double>::quiet_NaN(), 1}}).size.width));
 }
 

@@ -18,7 +18,8 @@ using Kind = testing::DrawingOperation::Kind;
 
 class RecordingDelegate : public SelectionWindowDelegate {
  public:
-  void selectionWindowDidConfirm(SelectionWindow&, const Rect& globalRect, const platform::Screen&) override {
+  void selectionWindowDidConfirmSelection(SelectionWindow&, const Rect& globalRect,
+                                          const platform::Screen&) override {
     confirmed.push_back(globalRect);
   }
   void selectionWindowDidCancel(SelectionWindow&) override { ++cancels; }

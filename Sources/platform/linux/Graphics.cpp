@@ -44,6 +44,11 @@ QFont qtFont(const platform::Font& font) {
   return made;
 }
 
+platform::Size textSize(std::string_view text, const platform::TextAttributes& attributes) {
+  const QFontMetricsF metrics(qtFont(attributes.font));
+  return {metrics.horizontalAdvance(qtString(text)), metrics.height()};
+}
+
 PainterContext::PainterContext(QPainter& painter, double height) : painter_(painter), height_(height) {
   painter_.setRenderHint(QPainter::Antialiasing);
 }
@@ -81,8 +86,7 @@ void PainterContext::fill(const platform::BezierPath& path, platform::Color colo
 }
 
 platform::Size PainterContext::sizeOf(std::string_view text, const platform::TextAttributes& attributes) {
-  const QFontMetricsF metrics(qtFont(attributes.font));
-  return {metrics.horizontalAdvance(qtString(text)), metrics.height()};
+  return textSize(text, attributes);
 }
 
 void PainterContext::draw(std::string_view text, platform::Point origin,

@@ -9,6 +9,8 @@ namespace lumiscan::desktop {
 
 QColor qtColor(platform::Color color);
 QFont qtFont(const platform::Font& font);
+/// The size of one line of text, as `platform::GraphicsContext::sizeOf` says.
+platform::Size textSize(std::string_view text, const platform::TextAttributes& attributes);
 
 /// Draws with a painter, whose y grows downwards, on a surface that is `height` points high.
 class PainterContext : public platform::GraphicsContext {

@@ -12,15 +12,16 @@
 #include "platform/linux/Application.h"
 #include "platform/linux/Dispatch.h"
 #include "platform/linux/Logger.h"
+#include "platform/linux/OverlaySession.h"
 #include "platform/linux/Pasteboard.h"
 #include "platform/linux/UserDefaults.h"
 #include "platform/linux/Window.h"
+#include "platform/linux/Workspace.h"
 #include "platform/linux/drawing/BitmapContext.h"
 #include "platform/linux/drawing/QRCode.h"
 #include "platform/linux/recognition/BarcodeDetector.h"
 #include "platform/linux/recognition/TextRecognizer.h"
 #include "platform/linux/x11/Display.h"
-#include "platform/linux/x11/Focus.h"
 #include "platform/linux/x11/HotKeys.h"
 
 namespace lumiscan::desktop {
@@ -44,24 +45,26 @@ platform::Rect inPixels(const QRect& rect, const QScreen& screen) {
           {rect.width() * scale, rect.height() * scale}};
 }
 
-/// Tells `displays` what the toolkit knows of the screens, now and at each change.
-void followToolkitScreens(x11::X11Displays& displays) {
-  const auto tell = [&displays] {
+/// Tells `displays` what the toolkit knows of the screens, now and at each change, and `overlays` that they
+/// changed, as long as `context` lives.
+void followToolkitScreens(x11::X11Displays& displays, OverlaySession& overlays, QObject& context) {
+  const auto tell = [&displays, &overlays] {
     std::map<std::string, x11::X11Displays::ToolkitScreen> screens;
     for (const QScreen* screen : QGuiApplication::screens())
       screens[screen->name().toStdString()] = {screen->devicePixelRatio(),
                                                inPixels(screen->availableGeometry(), *screen)};
     displays.setToolkitScreens(std::move(screens));
+    overlays.screensChanged();
   };
-  const auto follow = [tell](QScreen* screen) {
-    QObject::connect(screen, &QScreen::geometryChanged, qGuiApp, tell);
-    QObject::connect(screen, &QScreen::availableGeometryChanged, qGuiApp, tell);
-    QObject::connect(screen, &QScreen::physicalDotsPerInchChanged, qGuiApp, tell);
-    QObject::connect(screen, &QScreen::logicalDotsPerInchChanged, qGuiApp, tell);
+  const auto follow = [tell, &context](QScreen* screen) {
+    QObject::connect(screen, &QScreen::geometryChanged, &context, tell);
+    QObject::connect(screen, &QScreen::availableGeometryChanged, &context, tell);
+    QObject::connect(screen, &QScreen::physicalDotsPerInchChanged, &context, tell);
+    QObject::connect(screen, &QScreen::logicalDotsPerInchChanged, &context, tell);
     tell();
   };
-  QObject::connect(qGuiApp, &QGuiApplication::screenAdded, qGuiApp, follow);
-  QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, qGuiApp, tell);
+  QObject::connect(qGuiApp, &QGuiApplication::screenAdded, &context, follow);
+  QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, &context, tell);
   for (QScreen* screen : QGuiApplication::screens()) follow(screen);
 }
 
@@ -70,19 +73,16 @@ void followToolkitScreens(x11::X11Displays& displays) {
 /// What needs the application object, made with it.
 struct Interactive {
   Interactive(int& argc, char** argv, x11::X11Displays& displays)
-      : application(argc, argv),
-        hotKeys(toolkitConnection()),
-        focus(toolkitConnection()),
-        overlays(displays, focus) {
-    followToolkitScreens(displays);
+      : application(argc, argv), hotKeys(toolkitConnection()), overlays(toolkitConnection(), displays) {
+    followToolkitScreens(displays, overlays, screenFollower);
   }
 
   QtApplication application;
   QtCursorStack cursors;
   QtPasteboard pasteboard;
   x11::X11HotKeys hotKeys;
-  x11::FocusLoan focus;
   OverlaySession overlays;
+  QObject screenFollower;
 };
 
 struct LinuxDesktop::Parts {
@@ -96,6 +96,7 @@ struct LinuxDesktop::Parts {
   platform::NotificationCenter notificationCenter;
   platform::NotificationCenter workspaceNotificationCenter;
   x11::X11Displays displays;
+  XdgWorkspace workspace;
   TesseractRecognizer textRecognizer{{
       .runInBackground =
           [this](std::function<void()> work) {
@@ -160,6 +161,7 @@ platform::Point LinuxDesktop::mouseLocation() { return parts_->displays.mouseLoc
 platform::CursorStack& LinuxDesktop::cursors() { return parts_->needInteractive().cursors; }
 platform::Pasteboard& LinuxDesktop::pasteboard() { return parts_->needInteractive().pasteboard; }
 platform::HotKeys& LinuxDesktop::hotKeys() { return parts_->needInteractive().hotKeys; }
+platform::Workspace& LinuxDesktop::workspace() { return parts_->workspace; }
 platform::TextRecognizer& LinuxDesktop::textRecognizer() {
   parts_->recognizerUsed();
   return parts_->textRecognizer;
@@ -167,7 +169,10 @@ platform::TextRecognizer& LinuxDesktop::textRecognizer() {
 platform::BarcodeDetector& LinuxDesktop::barcodeDetector() { return parts_->barcodeDetector; }
 
 std::unique_ptr<platform::WindowPeer> LinuxDesktop::makeWindowPeer(platform::Window& window) {
-  return std::make_unique<OverlayPeer>(window, parts_->needInteractive().overlays);
+  OverlaySession& overlays = parts_->needInteractive().overlays;
+  const bool isOverlay = window.attributes().level > platform::windowLevelScreenSaver;
+  if (!isOverlay) overlays.freezeAll();
+  return std::make_unique<OverlayPeer>(window, overlays);
 }
 
 std::unique_ptr<platform::BitmapContext> LinuxDesktop::makeBitmapContext(int width, int height) {

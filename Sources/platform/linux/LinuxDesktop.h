@@ -28,6 +28,7 @@ class LinuxDesktop : public platform::Desktop {
   platform::CursorStack& cursors() override;
   platform::Pasteboard& pasteboard() override;
   platform::HotKeys& hotKeys() override;
+  platform::Workspace& workspace() override;
   platform::TextRecognizer& textRecognizer() override;
   platform::BarcodeDetector& barcodeDetector() override;
   std::unique_ptr<platform::WindowPeer> makeWindowPeer(platform::Window& window) override;

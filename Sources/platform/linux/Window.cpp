@@ -1,189 +1,234 @@
 #include "platform/linux/Window.h"
 
-#include <QGuiApplication>
 #include <QImage>
-#include <QKeyEvent>
-#include <QMouseEvent>
 #include <QPainter>
-#include <QRasterWindow>
-#include <QScreen>
-#include <QSurfaceFormat>
-#include <QTimer>
-#include <chrono>
+#include <algorithm>
 #include <cmath>
-#include <optional>
+#include <cstring>
 
-#include "platform/linux/Application.h"
+#include "platform/Dispatch.h"
 #include "platform/linux/Graphics.h"
-#include "platform/linux/x11/Focus.h"
+#include "platform/linux/InkContext.h"
+#include "platform/linux/OverlaySession.h"
 #include "platform/linux/x11/KeyCodes.h"
 
 namespace lumiscan::desktop {
 
 namespace {
 
-/// How long the windows beneath the overlays may take to paint themselves again.
-constexpr std::chrono::milliseconds repaintTime(300);
 constexpr std::uint16_t noVirtualKeyCode = 0xFFFF;
+/// Between two paintings: a mouse may move more often than any screen shows something new.
+constexpr std::chrono::milliseconds shortestFrame(7);
+/// How long after an overlay has opened the pixels of the desktop behind it are fetched.
+constexpr std::chrono::milliseconds beforeFetching(60);
 
-QImage imageSharing(const platform::Image& image, double scale) {
-  // The image object rides along as the owner of the pixels.
-  auto* owner = new platform::Image(image);
-  QImage shared(
-      reinterpret_cast<const uchar*>(image.row(0)), image.width(), image.height(), image.bytesPerRow(),
-      image.format() == platform::PixelFormat::xrgb ? QImage::Format_RGB32
-                                                    : QImage::Format_ARGB32_Premultiplied,
-      [](void* kept) { delete static_cast<platform::Image*>(kept); }, owner);
-  shared.setDevicePixelRatio(scale);
-  return shared;
+platform::CursorShape cursorOf(const platform::Window& window) {
+  const platform::View* const view = window.contentView();
+  return view && !view->cursorRects().empty() ? view->cursorRects().front().cursor
+                                              : platform::CursorShape::arrow;
 }
 
-QScreen* qtScreen(platform::DisplayID display) {
-  for (QScreen* screen : QGuiApplication::screens())
-    if (x11::ScreenLayout::displayID(screen->name().toStdString()) == display) return screen;
-  return QGuiApplication::primaryScreen();
+/// A picture to paint on that begins as `ground`, or transparent without one.
+QImage canvas(QSize size, const std::optional<platform::Image>& ground) {
+  QImage image(size, ground ? QImage::Format_RGB32 : QImage::Format_ARGB32_Premultiplied);
+  if (ground) {
+    for (int y = 0; y < size.height(); ++y)
+      std::memcpy(image.scanLine(y), ground->row(y), static_cast<std::size_t>(image.bytesPerLine()));
+  } else {
+    image.fill(Qt::transparent);
+  }
+  return image;
 }
 
 }  // namespace
 
-platform::DisplayID OverlaySession::displayAt(const platform::Rect& frame) const {
-  return displays_.layout().displayAt(frame);
-}
-
-x11::X11Displays::OverlayGround OverlaySession::overlayOpens(platform::DisplayID display) {
-  ++openOverlays_;
-  ++generation_;
-  return displays_.overlayOpens(display);
-}
-
-void OverlaySession::overlayTakesFocus(xcb_window_t window) { focus_.take(window); }
-
-void OverlaySession::overlayClosed() {
-  if (--openOverlays_ > 0) return;
-  displays_.overlaysClosed();
-  focus_.giveBack();
-  QTimer::singleShot(repaintTime, &context_, [this, closed = generation_] {
-    if (closed == generation_) displays_.thaw();
-  });
-}
-
-/// The native window: hands its events to the program's window and paints what that draws.
-class OverlayPeer::OverlayWindow : public QRasterWindow {
- public:
-  OverlayWindow(platform::Window& window, platform::DisplayID display,
-                const x11::X11Displays::OverlayGround& ground)
-      : window_(window.weak_from_this()), height_(window.frame().size.height), mark_(ground.mark) {
-    QScreen* const screen = qtScreen(display);
-    setScreen(screen);
-    setFlags(Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::BypassWindowManagerHint);
-    if (ground.frozenDesktop) {
-      frozen_ = imageSharing(*ground.frozenDesktop, screen->devicePixelRatio());
-    } else {
-      QSurfaceFormat format;
-      format.setAlphaBufferSize(8);
-      setFormat(format);
-    }
-    const platform::Size size = window.frame().size;
-    setGeometry(
-        {screen->geometry().topLeft(), QSize(int(std::ceil(size.width)), int(std::ceil(size.height)))});
-    if (const platform::View* view = window.contentView(); view && !view->cursorRects().empty())
-      setCursor(qtCursorShape(view->cursorRects().front().cursor));
-  }
-
- protected:
-  void paintEvent(QPaintEvent* event) override {
-    QPainter painter(this);
-    painter.setClipRegion(event->region());
-    if (!frozen_.isNull()) {
-      painter.drawImage(QPointF(0, 0), frozen_);
-    } else {
-      painter.setCompositionMode(QPainter::CompositionMode_Clear);
-      painter.fillRect(event->region().boundingRect(), Qt::transparent);
-      painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-    }
-    const auto window = window_.lock();
-    if (!window) return;
-    PainterContext context(painter, height_);
-    const QRect dirty = event->region().boundingRect();
-    window->draw(context, {{double(dirty.x()), height_ - dirty.bottom() - 1},
-                           {double(dirty.width()), double(dirty.height())}});
-    paintMark(painter);
-  }
-
-  void mousePressEvent(QMouseEvent* event) override {
-    if (event->button() == Qt::LeftButton) send(platform::Window::MousePhase::down, event);
-  }
-  void mouseReleaseEvent(QMouseEvent* event) override {
-    if (event->button() == Qt::LeftButton) send(platform::Window::MousePhase::up, event);
-  }
-  void mouseMoveEvent(QMouseEvent* event) override {
-    send(event->buttons() & Qt::LeftButton ? platform::Window::MousePhase::dragged
-                                           : platform::Window::MousePhase::moved,
-         event);
-  }
-
-  void keyPressEvent(QKeyEvent* event) override {
-    const auto key = x11::virtualKeyCode(static_cast<xcb_keycode_t>(event->nativeScanCode()));
-    const auto flags = x11::modifierFlags(static_cast<std::uint16_t>(event->nativeModifiers()));
-    if (const auto window = window_.lock())
-      window->sendKeyDown({key.value_or(noVirtualKeyCode), flags, event->isAutoRepeat()});
-  }
-
- private:
-  void paintMark(QPainter& painter) const {
-    if (!mark_) return;
-    const double pixel = 1 / devicePixelRatio();
-    painter.setTransform(QTransform::fromScale(pixel, pixel));
-    painter.setRenderHint(QPainter::Antialiasing, false);
-    painter.fillRect(QRect(mark_->x, mark_->y, 1, 1), QColor::fromRgb(mark_->color));
-  }
-
-  void send(platform::Window::MousePhase phase, const QMouseEvent* event) {
-    const QPointF position = event->position();
-    if (const auto window = window_.lock())
-      window->sendMouseEvent(phase, {{position.x(), height_ - position.y()}});
-  }
-
-  std::weak_ptr<platform::Window> window_;
-  double height_;
-  QImage frozen_;
-  std::optional<x11::X11Displays::Mark> mark_;
-};
-
 OverlayPeer::OverlayPeer(platform::Window& window, OverlaySession& session)
-    : window_(window), session_(session) {}
+    : window_(window), session_(session) {
+  paintTimer_.setSingleShot(true);
+  paintTimer_.setTimerType(Qt::PreciseTimer);
+  fetchTimer_.setSingleShot(true);
+  QObject::connect(&fetchTimer_, &QTimer::timeout, [this] { fetchBehind(); });
+  QObject::connect(&paintTimer_, &QTimer::timeout, [this] { paint(); });
+}
 
 OverlayPeer::~OverlayPeer() { OverlayPeer::orderOut(); }
 
 void OverlayPeer::orderFront() {
-  if (!open_) {
-    open_ = true;
-    const platform::DisplayID display = session_.displayAt(window_.frame());
-    native_.reset(new OverlayWindow(window_, display, session_.overlayOpens(display)));
-    native_->show();
+  if (!native_) open();
+  if (native_) native_->showOnTop();
+}
+
+void OverlayPeer::open() {
+  const auto place = session_.displays().layout().place(window_.frame());
+  if (!place) {
+    // Its screen has gone between being asked for and being covered.
+    QMetaObject::invokeMethod(
+        &context_, [this] { cancel(); }, Qt::QueuedConnection);
+    return;
   }
-  native_->raise();
+  place_ = *place;
+  ground_ = session_.overlayOpens(*this, place_.display);
+  using Ground = x11::OverlayWindow::Ground;
+  const Ground behind = ground_.mark           ? Ground::nothing
+                        : ground_.isToBeFrozen ? Ground::asIs
+                                               : Ground::picture;
+  native_ = std::make_unique<x11::OverlayWindow>(session_.connection(), place_.pixels, behind,
+                                                 session_.cursor(cursorOf(window_)));
+  if (ground_.frozenDesktop) useFrozenDesktop();
+  exposed(QRect(QPoint(0, 0), native_->size()));
+  // The server is busy with showing the overlays now, and the user needs longer for a drag than this takes.
+  fetchTimer_.start(beforeFetching);
+}
+
+void OverlayPeer::freeze() {
+  if (!ground_.isToBeFrozen) return;
+  ground_.isToBeFrozen = false;
+  ground_.frozenDesktop = session_.freeze(place_.display);
+  if (ground_.frozenDesktop) useFrozenDesktop();
+}
+
+void OverlayPeer::useFrozenDesktop() {
+  if (!place_.coversDisplay) return;
+  native_->setGround(ground_.frozenDesktop->pixmap());
+}
+
+void OverlayPeer::fetchBehind() {
+  freeze();
+  if (!ground_.frozenDesktop) return;
+  platform::Task::detached(platform::TaskPriority::userInitiated,
+                           [desktop = ground_.frozenDesktop] { desktop->image(); });
 }
 
 void OverlayPeer::orderOut() {
-  if (!open_) return;
-  open_ = false;
-  native_->hide();
-  session_.overlayClosed();
+  if (!native_) return;
+  freeze();
+  // A compositor that lets windows fade away then has nothing to show.
+  if (native_->isTransparent()) eraseAll();
+  native_ = nullptr;
+  fetchTimer_.stop();
+  dirty_ = painted_ = {};
+  session_.overlayCloses(*this);
+  ground_ = {};
 }
 
 void OverlayPeer::makeKey() {
-  if (open_) session_.overlayTakesFocus(static_cast<xcb_window_t>(native_->winId()));
+  if (native_) session_.makeKey(*this);
 }
 
-bool OverlayPeer::isKey() const { return open_ && native_->isActive(); }
+bool OverlayPeer::isKey() const { return native_ && session_.isKey(*this); }
+
+void OverlayPeer::cancel() {
+  if (const auto window = window_.weak_from_this().lock()) window->sendCancel();
+}
+
+bool OverlayPeer::coversItsScreen() const {
+  return session_.displays().layout().place(window_.frame()) == place_;
+}
+
+void OverlayPeer::mouseEvent(platform::Window::MousePhase phase, QPoint root) {
+  const auto window = window_.weak_from_this().lock();
+  if (!window || !native_) return;
+  const QPoint pixel = root - native_->origin();
+  platform::Point position{double(pixel.x()), double(pixel.y())};
+  if (phase == platform::Window::MousePhase::moved) {
+    const platform::Point inPixel = x11::mouseInPixel(place_.scale);
+    position = {position.x + inPixel.x, position.y + inPixel.y};
+  } else {
+    // The corners of a rectangle are corners of pixels. The mouse can't go beyond the last pixels of the
+    // screen, which a rectangle must be able to hold all the same.
+    if (pixel.x() == native_->size().width() - 1) ++position.x;
+    if (pixel.y() == native_->size().height() - 1) ++position.y;
+  }
+  window->sendMouseEvent(
+      phase, {{position.x / place_.scale, window_.frame().size.height - position.y / place_.scale}});
+}
+
+void OverlayPeer::keyPressed(const xcb_key_press_event_t& event) {
+  const auto key = x11::virtualKeyCode(event.detail);
+  if (const auto window = window_.weak_from_this().lock())
+    window->sendKeyDown({key.value_or(noVirtualKeyCode), x11::modifierFlags(event.state), false});
+}
 
 void OverlayPeer::invalidate(const platform::Rect& rect) {
-  if (!open_) return;
-  // In whole points, outwards.
-  const platform::Rect whole = platform::integral(rect);
-  const double top = std::floor(window_.frame().size.height - whole.maxY());
-  native_->update(QRect(int(whole.minX()), int(top), int(whole.size.width), int(whole.size.height) + 1));
+  if (!native_) return;
+  const double height = window_.frame().size.height;
+  const platform::Rect pixels =
+      platform::integral({{rect.minX() * place_.scale, (height - rect.maxY()) * place_.scale},
+                          {rect.size.width * place_.scale, rect.size.height * place_.scale}});
+  exposed(QRect(int(pixels.minX()), int(pixels.minY()), int(pixels.size.width), int(pixels.size.height)));
+}
+
+void OverlayPeer::exposed(const QRect& pixels) {
+  dirty_ += pixels & QRect(QPoint(0, 0), native_->size());
+  schedulePaint();
+}
+
+void OverlayPeer::schedulePaint() {
+  if (concealed_ || paintTimer_.isActive()) return;
+  const auto sinceLast = std::chrono::steady_clock::now() - lastPaint_;
+  const auto wait = std::chrono::ceil<std::chrono::milliseconds>(shortestFrame - sinceLast);
+  paintTimer_.start(std::max(wait, std::chrono::milliseconds(0)));
+}
+
+void OverlayPeer::paint() {
+  if (!native_ || concealed_ || dirty_.isEmpty()) return;
+  lastPaint_ = std::chrono::steady_clock::now();
+  InkContext context(window_.frame().size.height, place_.scale);
+  window_.draw(context, {{0, 0}, window_.frame().size});
+  QRegion ink = context.region() & QRect(QPoint(0, 0), native_->size());
+  if (ground_.mark) ink += QRect(ground_.mark->x, ground_.mark->y, 1, 1);
+  const QRegion toPaint = (painted_ + ink) & dirty_;
+  if (!toPaint.isEmpty()) session_.freezeWithin(pixels());
+  for (const QRect& rect : toPaint) paint(rect);
+  painted_ = (painted_ - dirty_) + (ink & dirty_);
+  dirty_ = {};
+  xcb_flush(session_.connection());
+}
+
+void OverlayPeer::paint(const QRect& pixels) {
+  std::optional<platform::Image> ground;
+  if (!native_->isTransparent() && ground_.frozenDesktop) {
+    const platform::Point display = ground_.frozenDesktop->pixels().origin;
+    const QPoint onScreen = native_->origin() + pixels.topLeft();
+    ground = ground_.frozenDesktop->part({{onScreen.x() - display.x, onScreen.y() - display.y},
+                                          {double(pixels.width()), double(pixels.height())}});
+  }
+  QImage image = canvas(pixels.size(), ground);
+  const double height = window_.frame().size.height;
+  {
+    QPainter painter(&image);
+    painter.translate(-pixels.topLeft());
+    painter.scale(place_.scale, place_.scale);
+    PainterContext context(painter, height);
+    window_.draw(context,
+                 {{pixels.x() / place_.scale, height - (pixels.y() + pixels.height()) / place_.scale},
+                  {pixels.width() / place_.scale, pixels.height() / place_.scale}});
+  }
+  if (ground_.mark && pixels.contains(ground_.mark->x, ground_.mark->y))
+    image.setPixel(QPoint(ground_.mark->x, ground_.mark->y) - pixels.topLeft(),
+                   0xFF000000 | ground_.mark->color);
+  native_->write(image, pixels.topLeft());
+}
+
+void OverlayPeer::eraseAll() {
+  const auto erase = [this](const QRect& rect) {
+    native_->write(canvas(rect.size(), std::nullopt), rect.topLeft());
+  };
+  // The mark goes last: once the compositor shows that it has gone, all else has.
+  QRegion ink = painted_;
+  if (ground_.mark) ink -= QRect(ground_.mark->x, ground_.mark->y, 1, 1);
+  for (const QRect& rect : ink) erase(rect);
+  if (ground_.mark) erase(QRect(ground_.mark->x, ground_.mark->y, 1, 1));
+  painted_ = {};
+  xcb_flush(session_.connection());
+}
+
+void OverlayPeer::setConcealed(bool concealed) {
+  if (concealed_ == concealed) return;
+  concealed_ = concealed;
+  if (!native_) return;
+  if (concealed && native_->isTransparent()) eraseAll();
+  if (!concealed) exposed(QRect(QPoint(0, 0), native_->size()));
 }
 
 }  // namespace lumiscan::desktop

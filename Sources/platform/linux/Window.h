@@ -3,41 +3,24 @@
 #include <xcb/xcb.h>
 
 #include <QObject>
+#include <QPoint>
+#include <QRect>
+#include <QRegion>
+#include <QTimer>
+#include <chrono>
 #include <memory>
+#include <optional>
 
-#include "platform/Screen.h"
 #include "platform/Window.h"
 #include "platform/linux/x11/Display.h"
+#include "platform/linux/x11/OverlayWindow.h"
 
 namespace lumiscan::desktop {
 
-namespace x11 {
-class FocusLoan;
-}  // namespace x11
+class OverlaySession;
 
-/// What all overlays share while any of them shows: the desktop behind them and the borrowed focus.
-class OverlaySession {
- public:
-  /// Both outlive the session.
-  OverlaySession(x11::X11Displays& displays, x11::FocusLoan& focus) : displays_(displays), focus_(focus) {}
-
-  /// The display that shows the middle of `frame` (global screen space).
-  platform::DisplayID displayAt(const platform::Rect& frame) const;
-  /// Called before an overlay over `display` shows; what it has to paint.
-  x11::X11Displays::OverlayGround overlayOpens(platform::DisplayID display);
-  void overlayTakesFocus(xcb_window_t window);
-  void overlayClosed();
-
- private:
-  x11::X11Displays& displays_;
-  x11::FocusLoan& focus_;
-  QObject context_;
-  int openOverlays_ = 0;
-  unsigned generation_ = 0;
-};
-
-/// A borderless window above everything else, which no window manager manages: it shows at once, without
-/// animation, on every workspace, over docks and full-screen windows.
+/// A borderless window above everything else, over one screen. Whatever its content marks to be drawn again,
+/// only the pixels that have ink, or had it, are painted. Main thread only.
 class OverlayPeer : public platform::WindowPeer {
  public:
   /// The window and the session outlive the peer.
@@ -50,18 +33,46 @@ class OverlayPeer : public platform::WindowPeer {
   bool isKey() const override;
   void invalidate(const platform::Rect& rect) override;
 
- private:
-  class OverlayWindow;
+  // Called by the session. Positions are in pixels of the X screen, origin at its top left, y downwards.
+  xcb_window_t windowID() const {
+    return native_ ? native_->id() : static_cast<xcb_window_t>(XCB_WINDOW_NONE);
+  }
+  void mouseEvent(platform::Window::MousePhase phase, QPoint root);
+  void keyPressed(const xcb_key_press_event_t& event);
+  /// `pixels` of the window have lost what was painted there.
+  void exposed(const QRect& pixels);
+  /// Hands the window's content the desktop's cancel command.
+  void cancel();
+  /// Whether the screen over which the window was shown is still there, and as it was.
+  bool coversItsScreen() const;
+  /// Paints nothing but what is behind the window until it is no longer concealed.
+  void setConcealed(bool concealed);
+  /// Of the X screen.
+  QRect pixels() const { return native_ ? QRect(native_->origin(), native_->size()) : QRect(); }
+  /// Freezes what the window covers, where that is still to be done.
+  void freeze();
 
-  struct DeleteLater {
-    void operator()(QObject* object) const { object->deleteLater(); }
-  };
+ private:
+  void open();
+  void useFrozenDesktop();
+  void fetchBehind();
+  void schedulePaint();
+  void paint();
+  void paint(const QRect& pixels);
+  void eraseAll();
 
   platform::Window& window_;
   OverlaySession& session_;
-  bool open_ = false;
-  // Deleted later, since a window may be dropped by the handler of an event of its own.
-  std::unique_ptr<OverlayWindow, DeleteLater> native_;
+  QObject context_;
+  std::unique_ptr<x11::OverlayWindow> native_;
+  x11::ScreenLayout::Place place_;
+  x11::OverlayGround ground_;
+  QRegion dirty_;    ///< What is to be drawn again.
+  QRegion painted_;  ///< Where ink shows.
+  QTimer paintTimer_;
+  QTimer fetchTimer_;
+  std::chrono::steady_clock::time_point lastPaint_;
+  bool concealed_ = false;
 };
 
 }  // namespace lumiscan::desktop

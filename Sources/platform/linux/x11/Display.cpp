@@ -84,7 +84,7 @@ platform::Point X11Displays::mouseLocation() const {
   const Reply<xcb_query_pointer_reply_t> pointer(
       xcb_query_pointer_reply(x->get(), xcb_query_pointer(x->get(), x->root()), nullptr));
   if (!pointer) return {};
-  return layout().globalPoint({double(pointer->root_x), double(pointer->root_y)});
+  return layout().mouseLocation({double(pointer->root_x), double(pointer->root_y)});
 }
 
 bool X11Displays::preflightScreenCaptureAccess() {
@@ -96,18 +96,12 @@ void X11Displays::requestScreenCaptureAccess() {
   // An X server shows its screen to every client; there is nobody to ask.
 }
 
-std::optional<platform::Image> X11Displays::snapshot(platform::DisplayID display) const {
-  const auto x = connection();
-  if (!x) return std::nullopt;
-  const auto pixels = layout().pixels(display);
-  return pixels ? takeSnapshot(*x, *pixels) : std::nullopt;
-}
-
 std::optional<std::uint32_t> X11Displays::pixelColor(platform::DisplayID display, int x, int y) const {
   const auto server = connection();
   const auto pixels = layout().pixels(display);
   if (!server || !pixels) return std::nullopt;
-  const auto image = takeSnapshot(*server, {{pixels->origin.x + x, pixels->origin.y + y}, {1, 1}});
+  const auto image =
+      takeSnapshot(*server, server->root(), {{pixels->origin.x + x, pixels->origin.y + y}, {1, 1}});
   if (!image) return std::nullopt;
   std::uint32_t color = 0;
   std::memcpy(&color, image->row(0), sizeof color);
@@ -115,62 +109,109 @@ std::optional<std::uint32_t> X11Displays::pixelColor(platform::DisplayID display
 }
 
 std::optional<platform::Image> X11Displays::createImage(platform::DisplayID display) {
+  if (const auto desktop = frozen(display)) return desktop->image();
+  const auto mark = knownMark(display);
+  OverlayConcealer* concealer = nullptr;
+  std::chrono::steady_clock::time_point since;
   {
     const std::lock_guard lock(mutex_);
-    if (const auto frozen = frozen_.find(display); frozen != frozen_.end()) return frozen->second;
+    if (overlaysShow_ && mark) concealer = concealer_;
+    since = concealer ? std::chrono::steady_clock::now() : overlaysClosedAt_;
   }
-  waitForRepaint(display);
-  return snapshot(display);
+  const bool concealed = !concealer || concealer->conceal();
+  std::optional<platform::Image> image;
+  if (concealed) {
+    if (mark) waitForRepaint(display, *mark, since);
+    const auto server = connection();
+    const auto pixels = layout().pixels(display);
+    if (server && pixels) image = takeSnapshot(*server, server->root(), *pixels);
+  }
+  if (concealer) concealer->reveal();
+  // Frozen meanwhile, since an overlay was about to be painted.
+  if (const auto desktop = frozen(display)) return desktop->image();
+  return image;
 }
 
-void X11Displays::waitForRepaint(platform::DisplayID display) {
+void X11Displays::waitForRepaint(const platform::DisplayID& display, const Mark& mark,
+                                 std::chrono::steady_clock::time_point since) const {
   // A ground that has changed meanwhile never comes back: then the time itself must do.
   constexpr auto longestRepaint = std::chrono::milliseconds(100);
   constexpr auto betweenLooks = std::chrono::milliseconds(2);
-  std::optional<Mark> mark;
-  std::chrono::steady_clock::time_point end;
-  {
-    const std::lock_guard lock(mutex_);
-    if (const auto found = marks_.find(display); found != marks_.end()) mark = found->second;
-    end = overlaysClosedAt_ + longestRepaint;
-  }
-  if (!mark) return;
-  while (std::chrono::steady_clock::now() < end && pixelColor(display, mark->x, mark->y) != mark->ground)
+  while (std::chrono::steady_clock::now() < since + longestRepaint &&
+         pixelColor(display, mark.x, mark.y) != mark.ground)
     std::this_thread::sleep_for(betweenLooks);
 }
 
-X11Displays::OverlayGround X11Displays::overlayOpens(platform::DisplayID display) {
+std::shared_ptr<const FrozenDesktop> X11Displays::frozen(platform::DisplayID display) const {
+  const std::lock_guard lock(mutex_);
+  const auto found = frozen_.find(display);
+  return found == frozen_.end() ? nullptr : found->second;
+}
+
+std::optional<Mark> X11Displays::knownMark(platform::DisplayID display) const {
+  const std::lock_guard lock(mutex_);
+  const auto found = marks_.find(display);
+  return found == marks_.end() ? std::nullopt : std::optional(found->second);
+}
+
+OverlayGround X11Displays::overlayOpens(platform::DisplayID display) {
+  OverlayGround ground;
+  const auto server = connection();
+  if (!server) return ground;
+  // A session that follows at once finds the last one's overlays still on the screen: it goes on with what
+  // was there before them.
+  if (hasCompositor(server->get())) {
+    ground.mark = knownMark(display);
+    if (!ground.mark) ground.mark = placeMark(display);
+  } else {
+    ground.frozenDesktop = frozen(display);
+    ground.isToBeFrozen = !ground.frozenDesktop;
+  }
+  const std::lock_guard lock(mutex_);
+  overlaysShow_ = true;
+  return ground;
+}
+
+std::optional<Mark> X11Displays::placeMark(platform::DisplayID display) {
+  const auto pixels = layout().pixels(display);
+  if (!pixels) return std::nullopt;
+  // At the middle of the right edge, where the fewest desktops have something that moves.
+  Mark mark{static_cast<int>(pixels->size.width) - 1, static_cast<int>(pixels->size.height) / 2, 0, 0};
+  const auto color = pixelColor(display, mark.x, mark.y);
+  if (!color) return std::nullopt;
+  mark.ground = *color;
+  mark.color = *color ^ 1;
+  const std::lock_guard lock(mutex_);
+  marks_.insert_or_assign(display, mark);
+  return mark;
+}
+
+std::shared_ptr<const FrozenDesktop> X11Displays::freeze(platform::DisplayID display) {
   const auto server = connection();
   const auto pixels = layout().pixels(display);
-  if (!server || !pixels) return {};
-  OverlayGround ground;
-  if (hasCompositor(server->get())) {
-    {
-      // A session that follows at once may see the mark of the last one for its ground.
-      const std::lock_guard lock(mutex_);
-      if (const auto known = marks_.find(display); known != marks_.end()) return {{}, known->second};
-    }
-    // At the middle of the right edge, where the fewest desktops have something that moves.
-    Mark mark{static_cast<int>(pixels->size.width) - 1, static_cast<int>(pixels->size.height) / 2, 0, 0};
-    const auto color = pixelColor(display, mark.x, mark.y);
-    if (!color) return {};
-    mark.ground = *color;
-    mark.color = *color ^ 1;
-    ground.mark = mark;
-    const std::lock_guard lock(mutex_);
-    marks_.insert_or_assign(display, mark);
-  } else {
-    ground.frozenDesktop = createImage(display);
-    if (!ground.frozenDesktop) return {};
-    const std::lock_guard lock(mutex_);
-    frozen_.insert_or_assign(display, *ground.frozenDesktop);
-  }
-  return ground;
+  if (!server || !pixels) return nullptr;
+  auto desktop = std::make_shared<const FrozenDesktop>(server, *pixels);
+  const std::lock_guard lock(mutex_);
+  frozen_.insert_or_assign(display, desktop);
+  return desktop;
+}
+
+void X11Displays::setConcealer(OverlayConcealer* concealer) {
+  const std::lock_guard lock(mutex_);
+  concealer_ = concealer;
 }
 
 void X11Displays::overlaysClosed() {
   const std::lock_guard lock(mutex_);
+  overlaysShow_ = false;
   overlaysClosedAt_ = std::chrono::steady_clock::now();
+}
+
+void X11Displays::screensChanged() {
+  const ScreenLayout now = layout();
+  const std::lock_guard lock(mutex_);
+  std::erase_if(frozen_,
+                [&](const auto& entry) { return now.pixels(entry.first) != entry.second->pixels(); });
 }
 
 void X11Displays::thaw() {

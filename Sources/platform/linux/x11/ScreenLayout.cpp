@@ -11,6 +11,12 @@ using platform::Rect;
 
 ScreenLayout::ScreenLayout(std::vector<Monitor> monitors) : monitors_(std::move(monitors)) {
   std::stable_partition(monitors_.begin(), monitors_.end(), [](const Monitor& m) { return m.isPrimary; });
+  std::vector<Monitor> distinct;
+  for (Monitor& monitor : monitors_) {
+    const auto showsTheSame = [&monitor](const Monitor& m) { return m.pixels == monitor.pixels; };
+    if (std::none_of(distinct.begin(), distinct.end(), showsTheSame)) distinct.push_back(std::move(monitor));
+  }
+  monitors_ = std::move(distinct);
 }
 
 DisplayID ScreenLayout::displayID(const std::string& outputName) {
@@ -66,7 +72,13 @@ std::vector<platform::Screen> ScreenLayout::screens() const {
   return screens;
 }
 
-Point ScreenLayout::globalPoint(Point pixel) const {
+Point mouseInPixel(double scale) {
+  // The middle of the pixel or a border of it. Of a screen, the left and the lower edge count as on it.
+  const bool odd = std::fmod(std::floor(scale), 2) == 1;
+  return odd ? Point{0.5, 0.5} : Point{0, 1};
+}
+
+Point ScreenLayout::mouseLocation(Point pixel) const {
   if (monitors_.empty()) return pixel;
   const auto distance = [pixel](const Monitor& m) {
     const double dx = std::max({m.pixels.minX() - pixel.x, 0.0, pixel.x - m.pixels.maxX() + 1});
@@ -77,15 +89,26 @@ Point ScreenLayout::globalPoint(Point pixel) const {
       monitors_.begin(), monitors_.end(),
       [&distance](const Monitor& a, const Monitor& b) { return distance(a) < distance(b); });
   const Point origin = boundsOf(nearest).origin;
-  const double x = origin.x + (pixel.x - nearest.pixels.origin.x) / nearest.scale;
-  const double y = origin.y + (pixel.y - nearest.pixels.origin.y) / nearest.scale;
+  const Point inPixel = mouseInPixel(nearest.scale);
+  const double x = origin.x + (pixel.x - nearest.pixels.origin.x + inPixel.x) / nearest.scale;
+  const double y = origin.y + (pixel.y - nearest.pixels.origin.y + inPixel.y) / nearest.scale;
   return {x, boundsOf(monitors_.front()).size.height - y};
 }
 
-DisplayID ScreenLayout::displayAt(const Rect& globalRect) const {
-  for (const platform::Screen& screen : screens())
-    if (platform::contains(screen.frame, {globalRect.midX(), globalRect.midY()})) return screen.displayID;
-  return 0;
+std::optional<ScreenLayout::Place> ScreenLayout::place(const Rect& globalRect) const {
+  for (const Monitor& monitor : monitors_) {
+    const Rect frame = upwards(boundsOf(monitor));
+    if (!platform::contains(frame, {globalRect.midX(), globalRect.midY()})) continue;
+    Place place{displayID(monitor.name), monitor.pixels, monitor.scale, globalRect == frame};
+    if (place.coversDisplay) return place;
+    const Point origin = monitor.pixels.origin;
+    place.pixels = {{origin.x + std::round((globalRect.minX() - frame.minX()) * monitor.scale),
+                     origin.y + std::round((frame.maxY() - globalRect.maxY()) * monitor.scale)},
+                    {std::round(globalRect.size.width * monitor.scale),
+                     std::round(globalRect.size.height * monitor.scale)}};
+    return place;
+  }
+  return std::nullopt;
 }
 
 }  // namespace lumiscan::desktop::x11

@@ -18,6 +18,11 @@ struct Monitor {
   std::optional<platform::Rect> workArea;
 };
 
+/// Where in the pixel at which it points the mouse is, in pixels, rightwards and downwards: such that a line
+/// of one point's width along there is sharp on a whole scale, and that it is on the screen which shows the
+/// pixel.
+platform::Point mouseInPixel(double scale);
+
 /// The one place where the X server's pixels become the program's points and back.
 ///
 /// A monitor's size in points is its size in pixels divided by its scale. Its origin in the global display
@@ -26,7 +31,8 @@ struct Monitor {
 /// any thread.
 class ScreenLayout {
  public:
-  /// Without a primary monitor the first one counts as it.
+  /// Without a primary monitor the first one counts as it. Of monitors that show the same only the first
+  /// counts.
   explicit ScreenLayout(std::vector<Monitor> monitors);
 
   /// All screens, the primary one first.
@@ -38,11 +44,21 @@ class ScreenLayout {
   /// The monitor's pixels on the X screen; nothing for a display that isn't attached.
   std::optional<platform::Rect> pixels(platform::DisplayID display) const;
 
-  /// From a pixel of the X screen to the global screen space (points, y upwards). A pixel on no monitor is
-  /// measured from the nearest one.
-  platform::Point globalPoint(platform::Point pixel) const;
-  /// The display that shows the middle of a rectangle of the global screen space; 0 for none.
-  platform::DisplayID displayAt(const platform::Rect& globalRect) const;
+  /// Where a mouse that points at a pixel of the X screen is in the global screen space (points, y upwards);
+  /// see `mouseInPixel`. A pixel on no monitor is measured from the nearest one.
+  platform::Point mouseLocation(platform::Point pixel) const;
+
+  /// A rectangle of the global screen space on the display that shows its middle.
+  struct Place {
+    platform::DisplayID display = 0;
+    platform::Rect
+        pixels;  ///< On the X screen, rounded to whole pixels; the display's own where it covers it.
+    double scale = 1;
+    bool coversDisplay = false;
+    friend bool operator==(const Place&, const Place&) = default;
+  };
+  /// Nothing for a rectangle whose middle is on no display.
+  std::optional<Place> place(const platform::Rect& globalRect) const;
 
   /// The number of the output of that name: the same at every start, since it is made from the name alone.
   static platform::DisplayID displayID(const std::string& outputName);

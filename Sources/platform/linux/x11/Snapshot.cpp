@@ -4,7 +4,10 @@
 #include <unistd.h>
 #include <xcb/shm.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <cstring>
+#include <deque>
 #include <memory>
 
 namespace lumiscan::desktop::x11 {
@@ -47,42 +50,117 @@ Image imageOf(const PixelArea& area, std::shared_ptr<const std::byte> pixels) {
                std::move(pixels));
 }
 
-/// Memory that the server may write to; null when there is none.
-std::shared_ptr<const std::byte> mapped(int descriptor, std::size_t byteCount) {
-  if (ftruncate(descriptor, static_cast<off_t>(byteCount)) != 0) return nullptr;
-  void* memory = mmap(nullptr, byteCount, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
+/// Memory for large pictures: in large pages where the system has them, which are a fraction of the work, and
+/// given back to it as soon as it is freed. Null when there is none.
+std::shared_ptr<std::byte> allocated(std::size_t byteCount) {
+  constexpr std::size_t largePage = std::size_t{2} << 20;
+  // Room to begin at a large page.
+  const std::size_t size = byteCount + largePage;
+  void* const memory = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (memory == MAP_FAILED) return nullptr;
-  return {static_cast<const std::byte*>(memory),
-          [byteCount](const std::byte* pixels) { munmap(const_cast<std::byte*>(pixels), byteCount); }};
+  const auto address = reinterpret_cast<std::uintptr_t>(memory);
+  auto* const pixels = static_cast<std::byte*>(memory) + (largePage - address % largePage) % largePage;
+  madvise(pixels, byteCount, MADV_HUGEPAGE);
+  return {pixels, [memory, size](std::byte*) { munmap(memory, size); }};
 }
 
-std::optional<Image> sharedMemorySnapshot(const Connection& connection, const PixelArea& area) {
+/// Memory that the server writes to.
+class SharedMemory {
+ public:
+  SharedMemory(xcb_connection_t* connection, std::size_t byteCount)
+      : connection_(connection), size_(byteCount) {
+    const int descriptor = memfd_create("lumiscan-snapshot", MFD_CLOEXEC);
+    if (descriptor < 0) return;
+    void* memory = MAP_FAILED;
+    if (ftruncate(descriptor, static_cast<off_t>(byteCount)) == 0)
+      memory = mmap(nullptr, byteCount, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_POPULATE, descriptor, 0);
+    if (memory == MAP_FAILED) {
+      close(descriptor);
+      return;
+    }
+    bytes_ = static_cast<const std::byte*>(memory);
+    // The descriptor is the request's: it is closed once sent. A server on another machine refuses it.
+    const xcb_shm_seg_t segment = xcb_generate_id(connection);
+    const auto attach = xcb_shm_attach_fd_checked(connection, segment, descriptor, 0);
+    const Reply<xcb_generic_error_t> error(xcb_request_check(connection, attach));
+    if (!error) segment_ = segment;
+  }
+  ~SharedMemory() {
+    if (segment_) xcb_shm_detach(connection_, *segment_);
+    if (bytes_) munmap(const_cast<std::byte*>(bytes_), size_);
+  }
+  SharedMemory(const SharedMemory&) = delete;
+  SharedMemory& operator=(const SharedMemory&) = delete;
+
+  /// Nothing when the server can't write here.
+  std::optional<xcb_shm_seg_t> segment() const { return segment_; }
+  const std::byte* bytes() const { return bytes_; }
+
+ private:
+  xcb_connection_t* connection_;
+  std::size_t size_;
+  const std::byte* bytes_ = nullptr;
+  std::optional<xcb_shm_seg_t> segment_;
+};
+
+/// Keeps the server from serving anybody else.
+class ServerGrab {
+ public:
+  explicit ServerGrab(xcb_connection_t* connection) : connection_(connection) { xcb_grab_server(connection); }
+  ~ServerGrab() {
+    xcb_ungrab_server(connection_);
+    xcb_flush(connection_);
+  }
+  ServerGrab(const ServerGrab&) = delete;
+  ServerGrab& operator=(const ServerGrab&) = delete;
+
+ private:
+  xcb_connection_t* connection_;
+};
+
+std::optional<Image> sharedMemorySnapshot(const Connection& connection, xcb_drawable_t drawable,
+                                          const PixelArea& area) {
+  // Strips small enough to stay in the processor's cache, and enough of them to keep the server busy.
+  constexpr std::size_t stripBytes = std::size_t{1} << 19;
+  constexpr int stripCount = 4;
   xcb_connection_t* const x = connection.get();
   const auto* extension = xcb_get_extension_data(x, &xcb_shm_id);
   if (!extension || !extension->present) return std::nullopt;
-  const int descriptor = memfd_create("lumiscan-snapshot", MFD_CLOEXEC);
-  if (descriptor < 0) return std::nullopt;
-  const auto pixels = mapped(descriptor, area.byteCount());
-  if (!pixels) {
-    close(descriptor);
-    return std::nullopt;
+  const int rowsAtATime =
+      std::clamp(static_cast<int>(stripBytes / area.bytesPerRow()), 1, static_cast<int>(area.height));
+  const std::size_t strip = area.bytesPerRow() * static_cast<std::size_t>(rowsAtATime);
+  const SharedMemory shared(x, stripCount * strip);
+  const auto pixels = allocated(area.byteCount());
+  if (!shared.segment() || !pixels) return std::nullopt;
+
+  const ServerGrab grab(x);
+  const auto rowsFrom = [&](int y) { return std::min(rowsAtATime, area.height - y); };
+  const auto offset = [&](int y) { return strip * static_cast<std::size_t>(y / rowsAtATime % stripCount); };
+  const auto request = [&](int y) {
+    return xcb_shm_get_image(x, drawable, area.x, static_cast<std::int16_t>(area.y + y), area.width,
+                             static_cast<std::uint16_t>(rowsFrom(y)), ~0U, XCB_IMAGE_FORMAT_Z_PIXMAP,
+                             *shared.segment(), static_cast<std::uint32_t>(offset(y)));
+  };
+  std::deque<xcb_shm_get_image_cookie_t> requested;
+  int next = 0;
+  bool complete = true;
+  for (int y = 0; y < area.height; y += rowsAtATime) {
+    for (; next < area.height && requested.size() < stripCount; next += rowsAtATime)
+      requested.push_back(request(next));
+    const Reply<xcb_shm_get_image_reply_t> answer(xcb_shm_get_image_reply(x, requested.front(), nullptr));
+    requested.pop_front();
+    if (!answer) complete = false;
+    std::memcpy(pixels.get() + static_cast<std::size_t>(y) * area.bytesPerRow(), shared.bytes() + offset(y),
+                area.bytesPerRow() * static_cast<std::size_t>(rowsFrom(y)));
   }
-  // The descriptor is the request's: it is closed once sent. A server on another machine refuses it.
-  const xcb_shm_seg_t segment = xcb_generate_id(x);
-  const auto attach = xcb_shm_attach_fd_checked(x, segment, descriptor, 0);
-  const auto get = xcb_shm_get_image(x, connection.root(), area.x, area.y, area.width, area.height, ~0U,
-                                     XCB_IMAGE_FORMAT_Z_PIXMAP, segment, 0);
-  const Reply<xcb_generic_error_t> attachError(xcb_request_check(x, attach));
-  const Reply<xcb_shm_get_image_reply_t> answer(xcb_shm_get_image_reply(x, get, nullptr));
-  if (!attachError) xcb_shm_detach(x, segment);
-  xcb_flush(x);
-  if (!answer) return std::nullopt;
+  if (!complete) return std::nullopt;
   return imageOf(area, pixels);
 }
 
-std::optional<Image> sentSnapshot(const Connection& connection, const PixelArea& area) {
-  const auto get = xcb_get_image(connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, connection.root(), area.x,
-                                 area.y, area.width, area.height, ~0U);
+std::optional<Image> sentSnapshot(const Connection& connection, xcb_drawable_t drawable,
+                                  const PixelArea& area) {
+  const auto get = xcb_get_image(connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, drawable, area.x, area.y,
+                                 area.width, area.height, ~0U);
   const std::shared_ptr<xcb_get_image_reply_t> answer(xcb_get_image_reply(connection.get(), get, nullptr),
                                                       FreeReply());
   if (!answer || static_cast<std::size_t>(xcb_get_image_data_length(answer.get())) < area.byteCount())
@@ -93,14 +171,18 @@ std::optional<Image> sentSnapshot(const Connection& connection, const PixelArea&
 
 }  // namespace
 
-std::optional<Image> takeSnapshot(const Connection& connection, const platform::Rect& pixels) {
+std::optional<Image> takeSnapshot(const Connection& connection, xcb_drawable_t drawable,
+                                  const platform::Rect& pixels) {
   if (!hasKnownPixels(connection)) return std::nullopt;
   const PixelArea area{static_cast<std::int16_t>(pixels.origin.x), static_cast<std::int16_t>(pixels.origin.y),
                        static_cast<std::uint16_t>(pixels.size.width),
                        static_cast<std::uint16_t>(pixels.size.height)};
   if (area.width == 0 || area.height == 0) return std::nullopt;
-  if (auto image = sharedMemorySnapshot(connection, area)) return image;
-  return sentSnapshot(connection, area);
+  // Little is sent faster than memory is shared.
+  constexpr std::size_t little = std::size_t{1} << 16;
+  if (area.byteCount() > little)
+    if (auto image = sharedMemorySnapshot(connection, drawable, area)) return image;
+  return sentSnapshot(connection, drawable, area);
 }
 
 }  // namespace lumiscan::desktop::x11
