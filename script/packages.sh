@@ -47,5 +47,12 @@ benchmark_packages=(
   "${language_packages[@]}"
 )
 
+# More fonts, to train the glyph classifier on, beside what the corpora need: Benchmarks/glyphs/train.
+glyph_packages=(
+  fonts-inconsolata fonts-anonymous-pro fonts-go fonts-freefont-ttf fonts-crosextra-carlito fonts-crosextra-caladea
+  fonts-mononoki fonts-linuxlibertine fonts-urw-base35 fonts-fantasque-sans fonts-paratype fonts-agave fonts-terminus
+  libopenblas0-pthread
+)
+
 # To feed arbitrary images to the recognition code: script/fuzz.
 fuzz_packages=(clang libclang-rt-14-dev libomp-dev python3 python3-pil python3-numpy zint fonts-dejavu-core)

@@ -68,12 +68,21 @@ void divide(const PixelBox& box, std::vector<Symbol>& symbols, const Match& matc
 }
 
 /// Which of the symbols that share a cluster is the only one in it: the engine now and then reads one twice,
-/// once as a capital or as another sign. As many as there are where it may be several.
+/// once as a capital or as another sign, and isn't quite sure of that. As many as there are where it may be
+/// several.
 std::size_t onlyOne(const std::vector<Symbol>& symbols, const Match& match, const Classification& shape) {
-  constexpr float sure = 0.98F;
-  std::size_t i = 0;
-  while (i < match.symbolCount && onlyCodePoint(symbols[match.firstSymbol + i].text) != shape.best()) ++i;
-  return shape.bestProbability() >= sure ? i : match.symbolCount;
+  constexpr float sure = 0.95F;
+  constexpr double unsure = 97;
+  std::size_t only = match.symbolCount;
+  if (shape.bestProbability() < sure) return only;
+  for (std::size_t i = 0; i < match.symbolCount; ++i) {
+    const Symbol& symbol = symbols[match.firstSymbol + i];
+    if (only == match.symbolCount && onlyCodePoint(symbol.text) == shape.best())
+      only = i;
+    else if (symbol.confidence >= unsure)
+      return match.symbolCount;
+  }
+  return only;
 }
 
 /// Ink that the engine passed over, where it surely is a sign.

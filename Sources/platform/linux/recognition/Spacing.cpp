@@ -18,15 +18,17 @@ struct Pair {
   Symbol* right;
 
   int gap() const { return right->box.left - left->box.right - 1; }
-  /// Between the middles, doubled.
-  int doubleDistance() const { return right->box.left + right->box.right - left->box.left - left->box.right; }
 };
 
-std::vector<Pair> pairsOf(const SpacedLine& line) {
+std::vector<Pair> pairsOf(std::vector<Symbol>& symbols) {
   std::vector<Pair> pairs;
-  for (std::size_t i = 1; i < line.symbols->size(); ++i)
-    pairs.push_back({&(*line.symbols)[i - 1], &(*line.symbols)[i]});
+  for (std::size_t i = 1; i < symbols.size(); ++i) pairs.push_back({&symbols[i - 1], &symbols[i]});
   return pairs;
+}
+
+/// Between the middles of two boxes, doubled.
+int doubleDistance(const PixelBox& left, const PixelBox& right) {
+  return right.left + right.right - left.left - left.right;
 }
 
 unsigned char firstByte(const Symbol& symbol) { return static_cast<unsigned char>(symbol.text.front()); }
@@ -36,11 +38,11 @@ bool isWordCharacter(const Symbol& symbol) {
   return std::isalnum(c) || c == '_' || c >= 0x80;
 }
 
-/// The distances, doubled, between symbols without a space between them.
-std::vector<int> doubleDistances(const std::vector<Pair>& pairs) {
+/// The distances, doubled, between neighbours without a space between them.
+std::vector<int> doubleDistances(const std::vector<Symbol>& symbols) {
   std::vector<int> distances;
-  for (const Pair& pair : pairs)
-    if (!pair.right->spaceBefore) distances.push_back(pair.doubleDistance());
+  for (std::size_t i = 1; i < symbols.size(); ++i)
+    if (!symbols[i].spaceBefore) distances.push_back(doubleDistance(symbols[i - 1].box, symbols[i].box));
   return distances;
 }
 
@@ -69,7 +71,7 @@ std::optional<double> doublePitch(const std::vector<int>& distances) {
 void correctByPitch(const std::vector<Pair>& pairs, double doublePitch) {
   for (const Pair& pair : pairs) {
     if (!pair.left->hasOwnInk || !pair.right->hasOwnInk) continue;
-    const double places = pair.doubleDistance() / doublePitch;
+    const double places = doubleDistance(pair.left->box, pair.right->box) / doublePitch;
     if (places < 1.4) pair.right->spaceBefore = false;
     if (places > 1.6) pair.right->spaceBefore = true;
   }
@@ -104,28 +106,22 @@ void correctByWidth(const std::vector<Pair>& pairs, double space) {
 }  // namespace
 
 std::optional<double> fixedPitch(const std::vector<Symbol>& symbols) {
-  std::vector<int> distances;
-  for (std::size_t i = 1; i < symbols.size(); ++i) {
-    const PixelBox& left = symbols[i - 1].box;
-    const PixelBox& right = symbols[i].box;
-    if (!symbols[i].spaceBefore) distances.push_back(right.left + right.right - left.left - left.right);
-  }
-  const std::optional<double> pitch = doublePitch(distances);
+  const std::optional<double> pitch = doublePitch(doubleDistances(symbols));
   return pitch ? std::optional(*pitch / 2) : std::nullopt;
 }
 
 void correctSpaces(const std::vector<SpacedLine>& lines) {
-  std::vector<Pair> all;
+  std::vector<int> distances;
   std::vector<int> spaces;
   for (const SpacedLine& line : lines) {
-    const std::vector<Pair> pairs = pairsOf(line);
-    all.insert(all.end(), pairs.begin(), pairs.end());
-    if (const auto space = usualSpace(pairs, line.letterHeight)) spaces.push_back(*space);
+    const std::vector<int> ofLine = doubleDistances(*line.symbols);
+    distances.insert(distances.end(), ofLine.begin(), ofLine.end());
+    if (const auto space = usualSpace(pairsOf(*line.symbols), line.letterHeight)) spaces.push_back(*space);
   }
-  const std::optional<double> pitchOfAll = doublePitch(doubleDistances(all));
+  const std::optional<double> pitchOfAll = doublePitch(distances);
   for (const SpacedLine& line : lines) {
-    const std::vector<Pair> pairs = pairsOf(line);
-    std::optional<double> pitch = doublePitch(doubleDistances(pairs));
+    const std::vector<Pair> pairs = pairsOf(*line.symbols);
+    std::optional<double> pitch = doublePitch(doubleDistances(*line.symbols));
     if (!pitch) pitch = pitchOfAll;
     if (pitch) {
       correctByPitch(pairs, *pitch);
