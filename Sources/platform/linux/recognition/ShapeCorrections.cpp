@@ -17,9 +17,14 @@ bool isLetter(char32_t c) { return u_isalpha(static_cast<UChar32>(c)); }
 
 bool isQuote(char32_t c) { return std::u32string_view(U"'\"`‘’“”´").find(c) != std::u32string_view::npos; }
 
-bool areCasesOfOne(char32_t a, char32_t b) {
-  return u_foldCase(static_cast<UChar32>(a), U_FOLD_CASE_DEFAULT) ==
-         u_foldCase(static_cast<UChar32>(b), U_FOLD_CASE_DEFAULT);
+bool isDigit(char32_t c) { return c >= U'0' && c <= U'9'; }
+
+/// Whether two letters are cases of one and differ in size alone, of which the engine knows more.
+bool differInSizeAlone(char32_t a, char32_t b) {
+  const UChar32 folded = u_foldCase(static_cast<UChar32>(a), U_FOLD_CASE_DEFAULT);
+  return folded == u_foldCase(static_cast<UChar32>(b), U_FOLD_CASE_DEFAULT) &&
+         std::u32string_view(U"abdefghlmnqrt").find(static_cast<char32_t>(folded)) ==
+             std::u32string_view::npos;
 }
 
 /// How sure the classifier must be of its own character, and how sure that the engine's is wrong. The engine
@@ -32,6 +37,8 @@ struct Demand {
 Demand demandFor(char32_t read, char32_t seen, double confidence) {
   const bool isSure = confidence >= 98;
   if (isQuote(seen) && !isLetter(read)) return {0.5F, 0.3F};
+  if (isDigit(seen) && !isLetter(read)) return {0.8F, 0.05F};
+  if (u_tolower(static_cast<UChar32>(read)) == u_tolower(static_cast<UChar32>(seen))) return {0.98F, 0.01F};
   if (isSure || (isLetter(read) && isLetter(seen))) return {0.99F, 0.001F};
   if (isLetter(seen)) return {0.98F, 0.01F};
   if (isLetter(read)) return {0.8F, 0.02F};
@@ -42,19 +49,42 @@ Demand demandFor(char32_t read, char32_t seen, double confidence) {
 void correctSymbol(Symbol& symbol, const Classification& shape) {
   const char32_t read = onlyCodePoint(symbol.text);
   const char32_t seen = shape.best();
-  if (read == seen || seen == Classification::noCharacter || !shape.knows(read) || areCasesOfOne(read, seen))
+  if (read == seen || seen == Classification::noCharacter || !shape.knows(read) ||
+      differInSizeAlone(read, seen))
     return;
   const Demand demand = demandFor(read, seen, symbol.confidence);
   if (shape.bestProbability() >= demand.least && shape.of(read) <= demand.most) symbol.text = utf8Of(seen);
 }
 
-/// A stroke that ends on the line was no bar, as bars reach below it: the letter that sounds alone or begins
-/// a word is I, one within a word l.
-void correctBar(Symbol& symbol, const Classification& shape, bool isAfterLetter) {
+/// The characters of the same word on both sides; none where there is none.
+struct Neighbours {
+  char32_t before = Classification::noCharacter;
+  char32_t after = Classification::noCharacter;
+};
+
+/// 1, l, I and the bar are little more than one stroke: what is beside it says which it may be, and the shape
+/// which of these it is.
+void correctStroke(Symbol& symbol, const Classification& shape, const Neighbours& beside) {
+  const char32_t read = onlyCodePoint(symbol.text);
+  // F1 is a key.
+  const bool besideDigit = isDigit(beside.before) || isDigit(beside.after) || beside.before == U'F';
+  const bool besideLetter = isLetter(beside.before) || isLetter(beside.after);
+  const bool isAlone =
+      beside.before == Classification::noCharacter && beside.after == Classification::noCharacter;
+  const auto become = [&](char c) { symbol.text.assign(1, c); };
+  constexpr float possible = 0.05F;
   constexpr float rarely = 0.1F;
   constexpr float mostly = 0.6F;
-  if (symbol.text == "|" && shape.of(U'|') < rarely && shape.of(U'I') + shape.of(U'l') > mostly)
-    symbol.text.assign(1, isAfterLetter ? 'l' : 'I');
+  if (read == U'|' && shape.of(U'|') < rarely && shape.of(U'I') + shape.of(U'l') > mostly) {
+    // It ends on the line, below which bars reach.
+    become(isLetter(beside.before) ? 'l' : 'I');
+  } else if (read == U'l' && isAlone) {
+    if (shape.of(U'I') >= possible) become('I');
+  } else if ((read == U'l' || read == U'I' || read == U'i') && besideDigit) {
+    if (shape.of(U'1') > shape.of(read)) become('1');
+  } else if (read == U'1' && besideLetter && !besideDigit) {
+    if (shape.of(U'l') > 3 * shape.of(U'1')) become('l');
+  }
 }
 
 /// Shares the ink of a cluster among symbols that touch.
@@ -132,12 +162,16 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
     Symbol& first = symbols[match.firstSymbol];
     first.hasOwnInk = isOneToOne(match);
     constexpr double mild = 90;
-    const bool isAfterLetter =
-        !corrected.empty() && !first.spaceBefore && isLetter(onlyCodePoint(corrected.back().text));
-    if (first.hasOwnInk)
-      correctBar(first, shapes.classification(match.firstCluster, match.clusterCount), isAfterLetter);
-    if (first.hasOwnInk && (first.confidence < mild || isSteady(m)))
-      correctSymbol(first, shapes.classification(match.firstCluster, match.clusterCount));
+    Neighbours beside;
+    if (!corrected.empty() && !first.spaceBefore) beside.before = onlyCodePoint(corrected.back().text);
+    if (const std::size_t next = match.firstSymbol + match.symbolCount;
+        next < symbols.size() && !symbols[next].spaceBefore)
+      beside.after = onlyCodePoint(symbols[next].text);
+    if (first.hasOwnInk) {
+      const Classification& shape = shapes.classification(match.firstCluster, match.clusterCount);
+      if (first.confidence < mild || isSteady(m)) correctSymbol(first, shape);
+      correctStroke(first, shape, beside);
+    }
     first.isLikely =
         first.hasOwnInk && isLikely(first, shapes.classification(match.firstCluster, match.clusterCount));
     for (std::size_t i = 0; i < match.symbolCount; ++i)

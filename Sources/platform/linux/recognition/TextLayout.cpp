@@ -135,6 +135,14 @@ bool isCaretAtEdge(const Glyph& stroke, const Glyphs& all, int usual, int imageW
   });
 }
 
+/// Whether a line is of short upright strokes alone, as those that open and close a longer text are: they
+/// stand high, and what they stand over isn't there to tell.
+bool areQuotationMarks(const Glyphs& glyphs, int usual) {
+  return std::all_of(glyphs.begin(), glyphs.end(), [&](const Glyph& glyph) {
+    return glyph.height() >= 3 && 5 * glyph.height() < 4 * usual && 10 * glyph.height() >= 13 * glyph.width();
+  });
+}
+
 /// A line while it is put together.
 struct Row {
   Glyphs glyphs;
@@ -235,7 +243,10 @@ std::vector<TextLine> linesOf(Glyphs glyphs, Characters characters) {
     // A short line says little about its own letters.
     const bool alone = row.glyphs.size() < 6 && height < 2 * usual && 2 * height > usual;
     const PixelBox box = boxAround(row.glyphs);
-    lines.push_back({std::move(row.glyphs), box, alone || height == 0 ? usual : height, row.bottom + 1});
+    if (areQuotationMarks(row.glyphs, usual))
+      lines.push_back({std::move(row.glyphs), box, usual, box.top + usual * 5 / 4});
+    else
+      lines.push_back({std::move(row.glyphs), box, alone || height == 0 ? usual : height, row.bottom + 1});
   }
   return lines;
 }
