@@ -123,7 +123,7 @@ bool isSurelyMissing(const Classification& shape) {
 }
 
 bool isLikely(const Symbol& symbol, const Classification& shape) {
-  constexpr float likely = 0.3F;
+  constexpr float likely = 0.15F;
   constexpr double sure = 90;
   const char32_t character = onlyCodePoint(symbol.text);
   // Of letters of other scripts the classifier knows nothing.
