@@ -189,6 +189,10 @@ void correctQuotes(std::vector<Symbol>& symbols, const std::vector<Glyph>& glyph
       nearest->text = "’";
     if (mark.straight) nearest->text = std::string(1, mark.strokes == 1 ? '\'' : '"');
   }
+  // Whoever sets straight ones sets them on both sides.
+  if (std::any_of(symbols.begin(), symbols.end(), [](const Symbol& symbol) { return symbol.text == "\""; }))
+    for (Symbol& symbol : symbols)
+      if (symbol.text == "“" || symbol.text == "”") symbol.text.assign(1, '"');
 }
 
 void correctDashes(std::vector<Symbol>& symbols, const GreyBitmap& ink, const TextLine& line) {

@@ -46,8 +46,8 @@ double confidenceOfWide(double ofSymbols) {
 constexpr Rendition usualRendition{36, 0.3};
 constexpr Rendition otherRenditions[] = {{36, 0.2}, {30, 0.25}};
 
-/// Whether a line is worth reading more than once: the engine isn't sure of a symbol, less so where it doesn't look
-/// like it.
+/// Whether a line is worth reading more than once: the engine isn't sure of a symbol, less so where it
+/// doesn't look like it.
 bool isDoubtful(const std::vector<Symbol>& symbols) {
   return std::any_of(symbols.begin(), symbols.end(), [](const Symbol& symbol) {
     return symbol.confidence < (symbol.isLikely ? 80 : 90) || (symbol.hasOwnInk && !symbol.isLikely);

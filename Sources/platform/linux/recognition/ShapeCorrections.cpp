@@ -53,6 +53,9 @@ void correctSymbol(Symbol& symbol, const Classification& shape) {
       differInSizeAlone(read, seen))
     return;
   const Demand demand = demandFor(read, seen, symbol.confidence);
+  // The engine prefers those of books.
+  if (isQuote(read) && isQuote(seen) && shape.bestProbability() >= 2 * shape.of(read))
+    symbol.text = utf8Of(seen);
   if (shape.bestProbability() >= demand.least && shape.of(read) <= demand.most) symbol.text = utf8Of(seen);
 }
 
@@ -73,7 +76,7 @@ void correctStroke(Symbol& symbol, const Classification& shape, const Neighbours
       beside.before == Classification::noCharacter && beside.after == Classification::noCharacter;
   const auto become = [&](char c) { symbol.text.assign(1, c); };
   constexpr float possible = 0.05F;
-  constexpr float rarely = 0.1F;
+  constexpr float rarely = 0.3F;
   constexpr float mostly = 0.6F;
   if (read == U'|' && shape.of(U'|') < rarely && shape.of(U'I') + shape.of(U'l') > mostly) {
     // It ends on the line, below which bars reach.

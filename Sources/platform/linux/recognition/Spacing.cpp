@@ -67,11 +67,28 @@ std::optional<double> doublePitch(const std::vector<int>& distances) {
   return sum / regular;
 }
 
+double placesApart(const Pair& pair, double doublePitch) {
+  return doubleDistance(pair.left->box, pair.right->box) / doublePitch;
+}
+
+/// Whether the spaces that were read between words are places left free. A line of letters that happen to be
+/// of one width may have narrower ones; around signs the engine reads too many.
+bool fitsSpaces(const std::vector<Pair>& pairs, double doublePitch) {
+  std::size_t spaces = 0;
+  std::size_t narrow = 0;
+  for (const Pair& pair : pairs) {
+    if (!pair.right->spaceBefore || !isWordCharacter(*pair.left) || !isWordCharacter(*pair.right)) continue;
+    ++spaces;
+    narrow += placesApart(pair, doublePitch) < 1.6;
+  }
+  return 3 * narrow <= spaces;
+}
+
 /// Where characters have one width, a space is a place left free.
 void correctByPitch(const std::vector<Pair>& pairs, double doublePitch) {
   for (const Pair& pair : pairs) {
     if (!pair.left->hasOwnInk || !pair.right->hasOwnInk) continue;
-    const double places = doubleDistance(pair.left->box, pair.right->box) / doublePitch;
+    const double places = placesApart(pair, doublePitch);
     if (places < 1.4) pair.right->spaceBefore = false;
     if (places > 1.6) pair.right->spaceBefore = true;
   }
@@ -123,7 +140,7 @@ void correctSpaces(const std::vector<SpacedLine>& lines) {
     const std::vector<Pair> pairs = pairsOf(*line.symbols);
     std::optional<double> pitch = doublePitch(doubleDistances(*line.symbols));
     if (!pitch) pitch = pitchOfAll;
-    if (pitch) {
+    if (pitch && fitsSpaces(pairs, *pitch)) {
       correctByPitch(pairs, *pitch);
       continue;
     }
