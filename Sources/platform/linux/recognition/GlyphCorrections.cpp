@@ -164,9 +164,14 @@ void insertUnderscores(std::vector<Symbol>& symbols, const std::vector<Glyph>& t
     for (const Symbol& symbol : symbols)
       if (symbol.text.starts_with('_') && middleOf(symbol.box) < underscore.box.left)
         inkBefore = std::max(inkBefore, symbol.box.right);
-    const auto next = std::find_if(symbols.begin(), symbols.end(), [&](const Symbol& symbol) {
+    auto next = std::find_if(symbols.begin(), symbols.end(), [&](const Symbol& symbol) {
       return middleOf(symbol.box) > middleOf(underscore.box);
     });
+    // The engine may have taken the gap for the end of a sentence.
+    if (next != symbols.begin()) {
+      const auto before = std::prev(next);
+      if ((before->text == "." || before->text == ",") && !before->hasOwnInk) next = symbols.erase(before);
+    }
     if (next != symbols.end()) next->spaceBefore = inkAfter - underscore.box.right > space;
     const bool spaceBefore = next != symbols.begin() && underscore.box.left - inkBefore > space;
     symbols.insert(next, underscores(underscore, width, spaceBefore));

@@ -45,9 +45,10 @@ GlyphShape shapeOf(const GreyBitmap& ink, const Cluster& cluster, const TextLine
       std::clamp(GlyphShape::baseline + static_cast<int>(std::lround((box.top - line.baseline) * scale)), 0,
                  GlyphShape::height - fitted.height);
   GlyphShape shape;
-  for (int y = 0; y < fitted.height; ++y)
-    for (int x = 0; x < fitted.width; ++x)
-      shape.inputs[static_cast<std::size_t>((top + y) * GlyphShape::width + left + x)] = fitted.at(x, y);
+  for (int y = 0; y < fitted.height; ++y) {
+    const auto row = shape.inputs.begin() + std::ptrdiff_t{top + y} * GlyphShape::width + left;
+    for (int x = 0; x < fitted.width; ++x) row[x] = fitted.at(x, y);
+  }
   shape.inputs[GlyphShape::inputCount - 2] =
       inLetterHeights(cluster.box.right - cluster.box.left + 1, letterHeight);
   shape.inputs[GlyphShape::inputCount - 1] =
