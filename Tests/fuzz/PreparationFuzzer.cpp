@@ -1,10 +1,12 @@
-// Prepares arbitrary images for the text engine: ink, lines and the pictures of the lines.
+// Prepares arbitrary images for the text engine: ink, lines and the pictures of the lines; and holds a reading against
+// the shapes of their ink.
 
 #include <cstdlib>
 
 #include "fuzz/ImageFromBytes.h"
 #include "platform/linux/recognition/ImagePreparation.h"
 #include "platform/linux/recognition/LineImage.h"
+#include "platform/linux/recognition/ShapeCorrections.h"
 #include "platform/linux/recognition/TextLayout.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -17,7 +19,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const desktop::Glyph& glyph : line.glyphs)
       if (!ink.contains(glyph.box.left, glyph.box.top) || !ink.contains(glyph.box.right, glyph.box.bottom))
         std::abort();
-    desktop::drawLine(ink, line, line.glyphs);
+    desktop::drawLine(ink, line, line.glyphs, {36, 0.3});
+    desktop::LineShapes shapes(ink, line, line.glyphs);
+    std::vector<desktop::Symbol> symbols(3, {"x", false, line.box, 50});
+    correctByShape(symbols, shapes);
+    if (symbols.size() > 3 + line.glyphs.size()) std::abort();
   }
   return 0;
 }
