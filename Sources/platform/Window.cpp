@@ -49,6 +49,13 @@ void Window::orderOut() {
   peer_->orderOut();
 }
 
+void Window::animateAlphaValue(double alpha, double seconds, std::function<void()> completion) {
+  MainQueue::assertCurrent();
+  if (!visible_) return;
+  attributes_.alphaValue = alpha;
+  peer_->animateAlpha(alpha, seconds, std::move(completion));
+}
+
 bool Window::isKeyWindow() const { return visible_ && peer_->isKey(); }
 
 void Window::invalidate(const Rect& rect) {

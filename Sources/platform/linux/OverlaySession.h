@@ -15,14 +15,15 @@
 namespace lumiscan::desktop {
 
 class OverlayPeer;
+class PanelStage;
 
 /// What the overlays share while any of them shows: the desktop behind them, the grabbed mouse and keyboard,
 /// and the way by which the X server's events reach them. Main thread only, but for hiding them from a
 /// picture.
 class OverlaySession : private QAbstractNativeEventFilter, private x11::OverlayConcealer {
  public:
-  /// The toolkit's connection. It and the displays outlive the session.
-  OverlaySession(xcb_connection_t* connection, x11::X11Displays& displays);
+  /// The toolkit's connection. It, the displays and the panels outlive the session.
+  OverlaySession(xcb_connection_t* connection, x11::X11Displays& displays, PanelStage& panels);
   ~OverlaySession() override;
 
   xcb_connection_t* connection() const { return connection_; }
@@ -34,6 +35,8 @@ class OverlaySession : private QAbstractNativeEventFilter, private x11::OverlayC
   std::shared_ptr<const x11::FrozenDesktop> freeze(platform::DisplayID display) {
     return displays_.freeze(display);
   }
+  /// Freezes what the open overlays have yet to freeze: something of ours is about to show above them.
+  void freezeAll();
   void overlayCloses(OverlayPeer& overlay);
   /// Directs the keys to an overlay that shows. When another program holds the mouse or the keyboard this is
   /// tried again for a moment; then the overlay is told to cancel: one that doesn't get the user's input must
@@ -57,6 +60,7 @@ class OverlaySession : private QAbstractNativeEventFilter, private x11::OverlayC
 
   xcb_connection_t* connection_;
   x11::X11Displays& displays_;
+  PanelStage& panels_;
   x11::InputGrab grab_;
   x11::ThemeCursors cursors_;
   QObject context_;

@@ -41,6 +41,8 @@ class OverlayPeer : public platform::WindowPeer {
   void keyPressed(const xcb_key_press_event_t& event);
   /// `pixels` of the window have lost what was painted there.
   void exposed(const QRect& pixels);
+  /// Freezes the desktop behind the window, unless that was done.
+  void freeze();
   /// Hands the window's content the desktop's cancel command.
   void cancel();
   /// Whether the screen over which the window was shown is still there, and as it was.
@@ -50,7 +52,6 @@ class OverlayPeer : public platform::WindowPeer {
 
  private:
   void open();
-  void freeze();
   void useFrozenDesktop();
   void fetchBehind();
   void schedulePaint();
