@@ -1,5 +1,5 @@
-// Makes the pictures of the result panel: panel_pictures FOLDER [SCALE]. Shows it on a private desktop, light and
-// dark, and saves what the screen shows around it.
+// Makes the pictures of the result panel: panel_pictures FOLDER [SCALE]. Shows it on a private desktop, light
+// and dark, and saves what the screen shows around it.
 
 #include <unistd.h>
 
@@ -73,14 +73,15 @@ int main(int argc, char** argv) {
     const auto hud = std::make_shared<lumiscan::ResultHUD>();
     for (const Message& message : messages) {
       hud->show(message.title, optional(message.preview), message.isError, optional(message.icon));
-      const bool shows = lumiscan::testing::waitUntil(
-          [&] { return screen.windowsOfClass("LumiscanPanel").size() == 1; },
-          [] { QCoreApplication::processEvents(); });
+      const bool shows =
+          lumiscan::testing::waitUntil([&] { return screen.windowsOfClass("LumiscanPanel").size() == 1; },
+                                       [] { QCoreApplication::processEvents(); });
       if (!shows) {
         std::cerr << "panel_pictures: no panel" << std::endl;
         return EXIT_FAILURE;
       }
-      for (int i = 0; i < 20 && argc > 3; ++i) QCoreApplication::processEvents(QEventLoop::AllEvents, 10), usleep(10000);
+      for (int i = 0; i < 20 && argc > 3; ++i)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10), usleep(10000);
       const auto name = std::string(message.name) + (dark ? "-dark.png" : "-light.png");
       screenAround(screen, screen.windowsOfClass("LumiscanPanel").front())
           .save(QString::fromStdString((folder / name).string()));

@@ -5,26 +5,16 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cstdlib>
 #include <functional>
 #include <map>
 #include <utility>
 
+#include "platform/linux/SpeechLanguages.h"
+
 namespace lumiscan::desktop {
 
 namespace {
-
-std::string lowerCase(std::string text) {
-  std::ranges::transform(text, text.begin(), [](unsigned char c) { return std::tolower(c); });
-  return text;
-}
-
-/// An identifier's language as speech engines name it: they speak Mandarin rather than Chinese.
-std::string spokenLanguage(const std::string& identifier) {
-  const std::string language = identifier.substr(0, identifier.find_first_of("-_"));
-  return language == "zh" ? "cmn" : language;
-}
 
 /// Who hears of the end of messages, by the server's number of the connection: the library's callbacks carry
 /// nothing else.
@@ -57,20 +47,6 @@ class Listeners {
 
 }  // namespace
 
-std::optional<std::string> bestSpeechLanguage(const std::vector<std::string>& offered,
-                                              const std::string& identifier) {
-  const std::string wanted = lowerCase(identifier);
-  for (const std::string& each : offered)
-    if (lowerCase(each) == wanted) return each;
-  const std::string language = spokenLanguage(wanted);
-  // The bare language before one of its regions.
-  for (const std::string& each : offered)
-    if (lowerCase(each) == language) return each;
-  for (const std::string& each : offered)
-    if (spokenLanguage(lowerCase(each)) == language) return each;
-  return std::nullopt;
-}
-
 struct SpeechSession::Connection {
   SPDConnection* server = nullptr;
   std::size_t client = 0;
@@ -92,11 +68,7 @@ struct SpeechSession::Connection {
       defaultLanguage = language;
       std::free(language);
     }
-    SPDVoice** voices = spd_list_synthesis_voices(server);
-    if (!voices) return;
-    for (SPDVoice** voice = voices; *voice; ++voice)
-      if ((*voice)->language) languages.emplace_back((*voice)->language);
-    free_spd_voices(voices);
+    languages = offeredSpeechLanguages(server);
   }
   void useLanguage(const std::optional<std::string>& identifier) {
     const auto best = identifier ? bestSpeechLanguage(languages, *identifier) : std::nullopt;

@@ -3,20 +3,11 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <set>
-#include <string>
-#include <vector>
 
 #include "platform/SpeechSynthesizer.h"
 
 namespace lumiscan::desktop {
-
-/// Of the languages that a speech server offers, as it writes them, the best for a BCP 47 identifier: the
-/// very same, or else the same language in any region. Nothing when there is none. Letter case doesn't
-/// matter.
-std::optional<std::string> bestSpeechLanguage(const std::vector<std::string>& offered,
-                                              const std::string& identifier);
 
 /// A connection to the speech server and what is spoken over it.
 class SpeechSession {

@@ -1,20 +1,13 @@
 #include "platform/linux/SpeechSynthesizer.h"
 
-#include <chrono>
 #include <utility>
 
 #include "platform/linux/SpeechSession.h"
 
 namespace lumiscan::desktop {
 
-namespace {
-
-/// How long the server may take for an answer. Starting it takes a second or two.
-constexpr std::chrono::milliseconds serverPatience(4000);
-
-}  // namespace
-
-SpeechDispatcherSynthesizer::SpeechDispatcherSynthesizer() = default;
+SpeechDispatcherSynthesizer::SpeechDispatcherSynthesizer(std::chrono::milliseconds serverPatience)
+    : serverPatience_(serverPatience) {}
 
 SpeechDispatcherSynthesizer::~SpeechDispatcherSynthesizer() {
   stopSpeaking();
@@ -41,7 +34,7 @@ void SpeechDispatcherSynthesizer::stopSpeaking() {
 }
 
 void SpeechDispatcherSynthesizer::speak(const platform::SpeechUtterance& utterance) {
-  if (!worker_ || worker_->hangs(serverPatience)) startAfresh();
+  if (!worker_ || worker_->hangs(serverPatience_)) startAfresh();
   worker_->post(
       [session = session_, ticket = session_->announce(), utterance] { session->speak(ticket, utterance); });
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <memory>
 
 #include "platform/SpeechSynthesizer.h"
@@ -14,7 +15,9 @@ class SpeechSession;
 /// is left alone, its connection with it.
 class SpeechDispatcherSynthesizer : public platform::SpeechSynthesizer {
  public:
-  SpeechDispatcherSynthesizer();
+  /// How long the server may take for an answer before it counts as hanging. Starting it takes a second or
+  /// two.
+  explicit SpeechDispatcherSynthesizer(std::chrono::milliseconds serverPatience = std::chrono::seconds(4));
   /// Stops speaking.
   ~SpeechDispatcherSynthesizer() override;
 
@@ -26,6 +29,7 @@ class SpeechDispatcherSynthesizer : public platform::SpeechSynthesizer {
   void startAfresh();
   void leaveSession();
 
+  std::chrono::milliseconds serverPatience_;
   std::shared_ptr<SpeechSession> session_;
   std::unique_ptr<Worker> worker_;  ///< None before the first utterance.
 };

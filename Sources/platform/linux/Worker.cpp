@@ -42,7 +42,8 @@ Worker::~Worker() {
   std::unique_lock lock(state_->mutex);
   state_->ending = true;
   state_->changed.notify_all();
-  if (state_->changed.wait_for(lock, endPatience, [this] { return state_->ended; })) return;
+  const bool hangs = state_->runningSince && Clock::now() - *state_->runningSince > endPatience;
+  if (!hangs && state_->changed.wait_for(lock, endPatience, [this] { return state_->ended; })) return;
   state_->works.clear();
 }
 
