@@ -97,7 +97,7 @@ struct Interactive {
 
   QtApplication application;
   QtCursorStack cursors;
-  QtPasteboard pasteboard;
+  X11Pasteboard pasteboard;
   x11::X11HotKeys hotKeys;
   CanberraSounds sounds;
   QtTypesetter typesetter;
