@@ -69,6 +69,12 @@ xcb_timestamp_t ClipboardOwner::serverTime() {
   return XCB_CURRENT_TIME;
 }
 
+bool ClipboardOwner::ownsClipboard() {
+  const x11::Reply<xcb_get_selection_owner_reply_t> owner(
+      xcb_get_selection_owner_reply(x_, xcb_get_selection_owner(x_, atoms_[atomClipboard]), nullptr));
+  return owner && owner->owner == window_;
+}
+
 void ClipboardOwner::offer(std::optional<std::string> offered) {
   if (!x_) return;
   text_ = offered ? std::make_shared<const std::string>(*std::move(offered)) : nullptr;
@@ -80,14 +86,18 @@ void ClipboardOwner::offer(std::optional<std::string> offered) {
 }
 
 void ClipboardOwner::handleEvents() {
-  while (x11::Reply<xcb_generic_event_t> event{xcb_poll_for_event(x_)}) events_.push_back(std::move(event));
+  const auto take = [this](xcb_generic_event_t* (*next)(xcb_connection_t*)) {
+    while (x11::Reply<xcb_generic_event_t> event{next(x_)}) events_.push_back(std::move(event));
+  };
+  take(xcb_poll_for_event);
   while (!events_.empty()) {
     const auto event = std::move(events_.front());
     events_.pop_front();
     handle(*event);
-    // Answering asks the server, which may bring events that nothing else announces.
-    while (x11::Reply<xcb_generic_event_t> more{xcb_poll_for_queued_event(x_)})
-      events_.push_back(std::move(more));
+    // Whatever waits for an answer, or for the server to take what is sent, may bring events that nothing
+    // else announces.
+    if (events_.empty()) xcb_flush(x_);
+    take(xcb_poll_for_queued_event);
   }
   xcb_flush(x_);
   if (xcb_connection_has_error(x_)) notifier_->setEnabled(false);
@@ -98,12 +108,10 @@ void ClipboardOwner::handle(const xcb_generic_event_t& event) {
     case XCB_SELECTION_REQUEST:
       answer(reinterpret_cast<const xcb_selection_request_event_t&>(event));
       break;
-    case XCB_SELECTION_CLEAR: {
-      // Not when it tells of an ownership that we have renewed since.
-      const auto& cleared = reinterpret_cast<const xcb_selection_clear_event_t&>(event);
-      if (cleared.selection == atoms_[atomClipboard] && cleared.time >= ownedSince_) text_ = nullptr;
+    case XCB_SELECTION_CLEAR:
+      // It may tell of an ownership that has been renewed since, within the same millisecond even.
+      if (!ownsClipboard()) text_ = nullptr;
       break;
-    }
     case XCB_PROPERTY_NOTIFY:
       receiverTook(reinterpret_cast<const xcb_property_notify_event_t&>(event));
       break;

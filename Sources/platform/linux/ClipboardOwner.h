@@ -53,6 +53,7 @@ class ClipboardOwner {
 
   /// The server's clock. What comes meanwhile waits in `events_`.
   xcb_timestamp_t serverTime();
+  bool ownsClipboard();
   void handleEvents();
   void handle(const xcb_generic_event_t& event);
   void answer(const xcb_selection_request_event_t& request);

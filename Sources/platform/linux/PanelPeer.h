@@ -4,6 +4,7 @@
 #include <QVariantAnimation>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "platform/Window.h"
 #include "platform/linux/PanelWindow.h"
@@ -32,6 +33,10 @@ class PanelPeer : public platform::WindowPeer {
     return native_ ? native_->id() : static_cast<xcb_window_t>(XCB_WINDOW_NONE);
   }
   void paint();
+  /// A pixel of the X screen where the panel has neither text nor a symbol.
+  QPoint groundPixel() const { return native_->groundPixel(); }
+  /// What the screen shows there, 0xRRGGBB, where the panel is opaque.
+  std::optional<std::uint32_t> groundColor() const { return native_->groundColor(); }
   /// Another window has come above this one.
   void covered();
   /// From now on only what is behind the panel shows.

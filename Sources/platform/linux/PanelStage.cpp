@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QThread>
 #include <chrono>
+#include <cstring>
 #include <future>
 #include <memory>
 #include <thread>
@@ -18,8 +19,10 @@ namespace {
 
 /// How long the main thread may be busy before a picture is taken all the same.
 constexpr std::chrono::milliseconds concealPatience(400);
-/// How long a compositor may take to paint the screen without the panels.
-constexpr std::chrono::milliseconds compositorTime(34);
+/// How long a compositor may take to paint the screen without the panels. What is behind one may have its
+/// colour: then the time itself must do.
+constexpr std::chrono::milliseconds longestRepaint(100);
+constexpr std::chrono::milliseconds betweenLooks(2);
 
 }  // namespace
 
@@ -42,30 +45,49 @@ void PanelStage::shows(PanelPeer& panel) {
 
 void PanelStage::hides(PanelPeer& panel) { visibleCount_ -= static_cast<int>(std::erase(panels_, &panel)); }
 
-void PanelStage::conceal() {
-  for (PanelPeer* const panel : panels_) panel->conceal();
+std::vector<PanelStage::Sample> PanelStage::concealAll() {
+  std::vector<Sample> samples;
+  for (PanelPeer* const panel : panels_) {
+    const QPoint pixel = panel->groundPixel();
+    const auto color = panel->groundColor() ? panel->groundColor() : colorAt(pixel);
+    if (color) samples.push_back({pixel, *color});
+    panel->conceal();
+  }
   // An answer means that the server has painted what came before, also for other connections.
   const x11::Reply<xcb_get_input_focus_reply_t> answer(
       xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+  return samples;
+}
+
+std::optional<std::uint32_t> PanelStage::colorAt(QPoint pixel) const {
+  const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root;
+  const auto request =
+      xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, root, static_cast<std::int16_t>(pixel.x()),
+                    static_cast<std::int16_t>(pixel.y()), 1, 1, ~0U);
+  const x11::Reply<xcb_get_image_reply_t> image(xcb_get_image_reply(connection_, request, nullptr));
+  std::uint32_t color = 0;
+  if (!image || xcb_get_image_data_length(image.get()) < static_cast<int>(sizeof color)) return std::nullopt;
+  std::memcpy(&color, xcb_get_image_data(image.get()), sizeof color);
+  return color & 0xFFFFFF;
 }
 
 void PanelStage::concealAndWait() {
   if (visibleCount_ == 0) return;
+  std::vector<Sample> samples;
   if (QThread::currentThread() == context_.thread()) {
-    conceal();
+    samples = concealAll();
   } else {
-    const auto concealed = std::make_shared<std::promise<void>>();
+    const auto concealed = std::make_shared<std::promise<std::vector<Sample>>>();
     auto future = concealed->get_future();
     QMetaObject::invokeMethod(
-        &context_,
-        [this, concealed] {
-          conceal();
-          concealed->set_value();
-        },
-        Qt::QueuedConnection);
-    future.wait_for(concealPatience);
+        &context_, [this, concealed] { concealed->set_value(concealAll()); }, Qt::QueuedConnection);
+    if (future.wait_for(concealPatience) == std::future_status::ready) samples = future.get();
   }
-  if (x11::hasCompositor(connection_)) std::this_thread::sleep_for(compositorTime);
+  if (!x11::hasCompositor(connection_)) return;
+  const auto deadline = std::chrono::steady_clock::now() + longestRepaint;
+  for (const Sample& sample : samples)
+    while (colorAt(sample.pixel) == sample.color && std::chrono::steady_clock::now() < deadline)
+      std::this_thread::sleep_for(betweenLooks);
 }
 
 bool PanelStage::nativeEventFilter(const QByteArray& eventType, void* message, qintptr*) {

@@ -4,8 +4,11 @@
 
 #include <QAbstractNativeEventFilter>
 #include <QObject>
+#include <QPoint>
 #include <atomic>
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include "platform/linux/x11/Display.h"
@@ -33,11 +36,21 @@ class PanelStage : private QAbstractNativeEventFilter {
 
   /// Makes the panels that show paint nothing but what is behind them from now on: a message that is in the
   /// way of a picture has done its work, and one about the picture follows.
-  void conceal();
+  void conceal() { concealAll(); }
   /// Any thread. The same, and returns once the screen shows it or should.
   void concealAndWait();
 
  private:
+  /// A pixel of the X screen that showed a panel's ground, and its colour, 0xRRGGBB.
+  struct Sample {
+    QPoint pixel;
+    std::uint32_t color = 0;
+  };
+
+  /// Returns a sample of each panel from before.
+  std::vector<Sample> concealAll();
+  /// Any thread.
+  std::optional<std::uint32_t> colorAt(QPoint pixel) const;
   bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
 
   xcb_connection_t* connection_;

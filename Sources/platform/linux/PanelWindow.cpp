@@ -82,15 +82,19 @@ void PanelWindow::create(const xcb_screen_t& screen) {
   const xcb_colormap_t colormap = xcb_generate_id(connection_);
   xcb_create_colormap(connection_, XCB_COLORMAP_ALLOC_NONE, colormap, screen.root, visual);
   xcb_create_window_value_list_t values{};
+  // Until the picture is painted the window shows what is behind it: transparent, or nothing at all.
+  values.background_pixmap = XCB_BACK_PIXMAP_NONE;
+  values.background_pixel = 0;
   values.override_redirect = 1;
   values.event_mask = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_VISIBILITY_CHANGE;
   values.colormap = colormap;
-  xcb_create_window_aux(
-      connection_, depth_, window_, screen.root, static_cast<std::int16_t>(pixels_.x()),
-      static_cast<std::int16_t>(pixels_.y()), static_cast<std::uint16_t>(pixels_.width()),
-      static_cast<std::uint16_t>(pixels_.height()), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, visual,
-      // No background: the server paints nothing before we do.
-      XCB_CW_BORDER_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK | XCB_CW_COLORMAP, &values);
+  xcb_create_window_aux(connection_, depth_, window_, screen.root, static_cast<std::int16_t>(pixels_.x()),
+                        static_cast<std::int16_t>(pixels_.y()), static_cast<std::uint16_t>(pixels_.width()),
+                        static_cast<std::uint16_t>(pixels_.height()), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                        visual,
+                        (isTranslucent() ? XCB_CW_BACK_PIXEL : XCB_CW_BACK_PIXMAP) | XCB_CW_BORDER_PIXEL |
+                            XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK | XCB_CW_COLORMAP,
+                        &values);
   xcb_free_colormap(connection_, colormap);
   xcb_create_gc(connection_, gc_, window_, 0, nullptr);
 }
@@ -164,6 +168,12 @@ void PanelWindow::showOnTop() {
 void PanelWindow::setOpacity(double opacity) {
   opacity_ = std::clamp(opacity, 0.0, 1.0);
   paint();
+}
+
+std::optional<std::uint32_t> PanelWindow::groundColor() const {
+  const QRgb color = picture_.pixel(groundPixel() - pixels_.topLeft());
+  if (qAlpha(color) != 255) return std::nullopt;
+  return color & 0xFFFFFF;
 }
 
 void PanelWindow::paint() {

@@ -4,6 +4,8 @@
 
 #include <QImage>
 #include <QRect>
+#include <cstdint>
+#include <optional>
 
 namespace lumiscan::desktop {
 
@@ -31,6 +33,12 @@ class PanelWindow {
   void setOpacity(double opacity);
   void paint();
 
+  /// Near the end of the top edge: a pixel of the X screen.
+  QPoint groundPixel() const {
+    return {pixels_.right() - pixels_.height() / 2, pixels_.top() + pixels_.height() / 12};
+  }
+  /// Its colour, 0xRRGGBB, where the picture is opaque there.
+  std::optional<std::uint32_t> groundColor() const;
   xcb_window_t id() const { return window_; }
   bool isTranslucent() const { return depth_ == translucentDepth; }
 
