@@ -1,7 +1,5 @@
 #include "platform/Window.h"
 
-#include <utility>
-
 #include "platform/Desktop.h"
 #include "platform/Dispatch.h"
 
@@ -49,11 +47,11 @@ void Window::orderOut() {
   peer_->orderOut();
 }
 
-void Window::animateAlphaValue(double alpha, double seconds, std::function<void()> completion) {
+void Window::animateAlphaValue(double alpha, double seconds, const std::function<void()>& completion) {
   MainQueue::assertCurrent();
   if (!visible_) return;
   attributes_.alphaValue = alpha;
-  peer_->animateAlpha(alpha, seconds, std::move(completion));
+  peer_->animateAlpha(alpha, seconds, completion);
 }
 
 bool Window::isKeyWindow() const { return visible_ && peer_->isKey(); }

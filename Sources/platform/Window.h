@@ -40,7 +40,8 @@ class WindowPeer {
   virtual void orderOut() = 0;
   /// Changes the opacity of the showing window to `alpha` within `seconds`, then calls `completion`; not once
   /// the window was ordered out. Costs nothing when done. Only panels do; all others stay as they are.
-  virtual void animateAlpha(double /*alpha*/, double /*seconds*/, std::function<void()> /*completion*/) {}
+  virtual void animateAlpha(double /*alpha*/, double /*seconds*/,
+                            const std::function<void()>& /*completion*/) {}
   /// Asks for the key focus; it is there when this returns or soon after, without a click.
   virtual void makeKey() = 0;
   virtual bool isKey() const = 0;
@@ -94,7 +95,7 @@ class Window : public std::enable_shared_from_this<Window> {
   void orderOut();
   /// For panels. Changes the opacity to `alpha` within `seconds`, and then calls `completion`, on the main
   /// thread; neither when the panel isn't showing, nor once it was ordered out.
-  void animateAlphaValue(double alpha, double seconds, std::function<void()> completion);
+  void animateAlphaValue(double alpha, double seconds, const std::function<void()>& completion);
   bool isVisible() const { return visible_; }
   bool isKeyWindow() const;
 

@@ -31,9 +31,9 @@ class SimulatedWindowPeer : public platform::WindowPeer {
       windows_.effects_.add("show " + SimulatedWindows::content(window));
   }
   void orderOut() override { leave(); }
-  void animateAlpha(double, double seconds, std::function<void()> completion) override {
+  void animateAlpha(double, double seconds, const std::function<void()>& completion) override {
     assertCurrent();
-    animation_ = std::make_shared<platform::WorkItem>(std::move(completion));
+    animation_ = std::make_shared<platform::WorkItem>(completion);
     platform::MainQueue::asyncAfter(seconds, animation_);
   }
   void makeKey() override {

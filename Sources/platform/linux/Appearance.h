@@ -17,10 +17,9 @@ class ColorScheme : public QObject {
   ColorScheme();
   bool isDark() const;
 
- private slots:
-  void settingChanged(const QString& space, const QString& key, const QDBusVariant& value);
-
  private:
+  Q_SLOT void settingChanged(const QString& space, const QString& key, const QDBusVariant& value);
+
   std::optional<bool> preferred_;
 };
 

@@ -11,9 +11,7 @@ namespace lumiscan::desktop {
 
 namespace {
 
-using std::chrono::steady_clock;
-
-constexpr std::size_t pieceSize = 256 * 1024;
+constexpr std::size_t pieceSize = 1U << 18;
 /// How long a receiver may take for one piece.
 constexpr std::chrono::seconds receiverPatience(30);
 /// How long the end of the program waits for the clipboard manager, and for each piece that it takes.

@@ -3,7 +3,6 @@
 #include <QImage>
 #include <QPainter>
 #include <chrono>
-#include <utility>
 
 #include "platform/Appearance.h"
 #include "platform/linux/Graphics.h"
@@ -73,7 +72,7 @@ void PanelPeer::orderOut() {
   stage_.hides(*this);
 }
 
-void PanelPeer::animateAlpha(double alpha, double seconds, std::function<void()> completion) {
+void PanelPeer::animateAlpha(double alpha, double seconds, const std::function<void()>& completion) {
   fade_.stop();
   fade_.setStartValue(alpha_);
   fade_.setEndValue(alpha);
@@ -82,7 +81,7 @@ void PanelPeer::animateAlpha(double alpha, double seconds, std::function<void()>
   // Later, since the completion may drop this peer; as the child of the animation, not once it has gone.
   QObject::connect(
       &fade_, &QVariantAnimation::finished, &raise_,
-      [this, completion = std::move(completion)] {
+      [this, completion] {
         if (fade_.state() == QAbstractAnimation::Stopped && native_) completion();
       },
       Qt::QueuedConnection);

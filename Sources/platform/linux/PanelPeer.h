@@ -23,7 +23,7 @@ class PanelPeer : public platform::WindowPeer {
 
   void orderFront() override;
   void orderOut() override;
-  void animateAlpha(double alpha, double seconds, std::function<void()> completion) override;
+  void animateAlpha(double alpha, double seconds, const std::function<void()>& completion) override;
   void makeKey() override {}
   bool isKey() const override { return false; }
   void invalidate(const platform::Rect& rect) override;

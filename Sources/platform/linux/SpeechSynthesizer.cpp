@@ -10,7 +10,7 @@ SpeechDispatcherSynthesizer::SpeechDispatcherSynthesizer(std::chrono::millisecon
     : serverPatience_(serverPatience) {}
 
 SpeechDispatcherSynthesizer::~SpeechDispatcherSynthesizer() {
-  stopSpeaking();
+  SpeechDispatcherSynthesizer::stopSpeaking();
   leaveSession();
 }
 
