@@ -34,11 +34,12 @@ language_packages=(
   tesseract-ocr-rus tesseract-ocr-ukr
 )
 
-# To make the corpora of Benchmarks/corpus and to compare with other recognisers: Benchmarks/measure.
+# To make the corpora of Benchmarks/corpus and to compare with other programs: Benchmarks/measure and
+# Benchmarks/measure-session.
 benchmark_packages=(
   python3 python3-pil python3-numpy
   chromium python3-gi python3-gi-cairo gir1.2-pango-1.0 python3-pyqt6
-  zint
+  zint slop
   tesseract-ocr tesseract-ocr-eng tesseract-ocr-deu zbar-tools
   fonts-dejavu-core fonts-liberation fonts-noto-core fonts-noto-mono fonts-roboto fonts-cantarell fonts-open-sans
   fonts-lato fonts-inter fonts-hack fonts-firacode fonts-jetbrains-mono

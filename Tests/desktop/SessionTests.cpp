@@ -190,6 +190,33 @@ TEST_P(SessionTest, IsAboveMenusAndTheirPixelsAreCaptured) {
   expectCaptured(waitForEnd(), 650, 250, 150, 150);
 }
 
+TEST_P(SessionTest, WhatIsFrozenHasNoOtherWindowOfOurs) {
+  if (GetParam() == std::string("Compositor")) GTEST_SKIP() << "nothing is frozen";
+  start();
+  begin();
+  // In the same event, before anything of the overlays is painted.
+  const platform::Rect frame{{100, 600}, {200, 100}};
+  const auto window = std::make_shared<platform::Window>(frame, platform::windowStyleBorderless);
+  window->attributes().level = platform::windowLevelFloating;
+  window->orderFrontRegardless();
+  const auto onScreen = private_.indexOf(500 + 200, 150);
+  ASSERT_TRUE(waitFor([&] { return private_.screenPixels()[onScreen] == 0xFFFFFF; }));
+  private_.drag(510, 10, 1200, 700);
+  expectCaptured(waitForEnd(), 510, 10, 690, 690);
+}
+
+TEST_P(SessionTest, MonitorsMayShowTheSame) {
+  PrivateDesktop::setMonitor("BEAMER", "780/206x800/212+500+0", "none");
+  start();
+  ASSERT_EQ(platform::Displays::shared().screens().size(), 2U);
+  for (int i = 0; i < 2; ++i) {
+    beginAndWait();
+    private_.drag(510, 10, 1200, 700);
+    expectCaptured(waitForEnd(), 510, 10, 690, 690);
+    expectTheDesktopIsTheUsers();
+  }
+}
+
 TEST_P(SessionTest, WithoutTheUsersInputItEndsAndWithItItGoesOn) {
   start();
   for (const bool keyboard : {false, true}) {
@@ -321,7 +348,11 @@ TEST_P(SessionTest, SoakLeavesNothingBehind) {
   // A repeat may still be at it, and each of the two threads for tasks, which come and go, has a file of its
   // own.
   EXPECT_TRUE(waitFor([&] { return footprint().second <= before.second + 2; })) << "open files";
-  EXPECT_LT(footprint().first - before.first, 2048) << "KiB more than " << before.first;
+#ifndef __SANITIZE_ADDRESS__  // Which keeps what was freed.
+  // What was frozen for the last session goes a moment after it.
+  EXPECT_TRUE(waitFor([&] { return footprint().first - before.first < 2048; }))
+      << footprint().first << " KiB, " << before.first << " before";
+#endif
 }
 
 INSTANTIATE_TEST_SUITE_P(, SessionTest, ::testing::Values("NoCompositor", "Compositor"),

@@ -150,6 +150,7 @@ TEST_F(CaptureSessionTest, CancelsByKeyClickOrTooSmallARectangle) {
   const std::vector<std::function<void()>> cancels = {
       [this] { desktop.windows().keyDown(platform::keyCodeEscape); },
       [this] { desktop.windows().keyDown(platform::keyCodePeriod, platform::modifierCommand); },
+      [this] { controller->selectionWindows()[0]->sendCancel(); },
       [this] {
         desktop.windows().dragMouse({100, 200}, {100, 200});
       },

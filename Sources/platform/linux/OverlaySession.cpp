@@ -47,10 +47,6 @@ x11::OverlayGround OverlaySession::overlayOpens(OverlayPeer& overlay, platform::
   return displays_.overlayOpens(display);
 }
 
-void OverlaySession::freezeAll() {
-  for (OverlayPeer* const overlay : overlays_) overlay->freeze();
-}
-
 void OverlaySession::overlayCloses(OverlayPeer& overlay) {
   std::erase(overlays_, &overlay);
   if (pressedOverlay_ == &overlay) pressedOverlay_ = nullptr;
@@ -62,6 +58,15 @@ void OverlaySession::overlayCloses(OverlayPeer& overlay) {
   QTimer::singleShot(repaintTime, &context_, [this, closed = generation_] {
     if (closed == generation_) displays_.thaw();
   });
+}
+
+void OverlaySession::freezeWithin(const QRect& pixels) {
+  for (OverlayPeer* const overlay : overlays_)
+    if (overlay->pixels().intersects(pixels)) overlay->freeze();
+}
+
+void OverlaySession::freezeAll() {
+  for (OverlayPeer* const overlay : overlays_) overlay->freeze();
 }
 
 void OverlaySession::makeKey(OverlayPeer& overlay) {

@@ -35,9 +35,12 @@ class OverlaySession : private QAbstractNativeEventFilter, private x11::OverlayC
   std::shared_ptr<const x11::FrozenDesktop> freeze(platform::DisplayID display) {
     return displays_.freeze(display);
   }
-  /// Freezes what the open overlays have yet to freeze: something of ours is about to show above them.
-  void freezeAll();
   void overlayCloses(OverlayPeer& overlay);
+  /// Called before anything of ours is painted within `pixels` of the X screen, which must not get into what
+  /// the overlays there freeze: monitors may show the same part of it.
+  void freezeWithin(const QRect& pixels);
+  /// The same before another window of ours shows, wherever.
+  void freezeAll();
   /// Directs the keys to an overlay that shows. When another program holds the mouse or the keyboard this is
   /// tried again for a moment; then the overlay is told to cancel: one that doesn't get the user's input must
   /// not stay.

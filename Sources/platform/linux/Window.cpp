@@ -178,7 +178,7 @@ void OverlayPeer::paint() {
   QRegion ink = context.region() & QRect(QPoint(0, 0), native_->size());
   if (ground_.mark) ink += QRect(ground_.mark->x, ground_.mark->y, 1, 1);
   const QRegion toPaint = (painted_ + ink) & dirty_;
-  if (!toPaint.isEmpty()) freeze();
+  if (!toPaint.isEmpty()) session_.freezeWithin(pixels());
   for (const QRect& rect : toPaint) paint(rect);
   painted_ = (painted_ - dirty_) + (ink & dirty_);
   dirty_ = {};
@@ -187,9 +187,12 @@ void OverlayPeer::paint() {
 
 void OverlayPeer::paint(const QRect& pixels) {
   std::optional<platform::Image> ground;
-  if (!native_->isTransparent() && ground_.frozenDesktop)
-    ground = ground_.frozenDesktop->part(
-        {{double(pixels.x()), double(pixels.y())}, {double(pixels.width()), double(pixels.height())}});
+  if (!native_->isTransparent() && ground_.frozenDesktop) {
+    const platform::Point display = ground_.frozenDesktop->pixels().origin;
+    const QPoint onScreen = native_->origin() + pixels.topLeft();
+    ground = ground_.frozenDesktop->part({{onScreen.x() - display.x, onScreen.y() - display.y},
+                                          {double(pixels.width()), double(pixels.height())}});
+  }
   QImage image = canvas(pixels.size(), ground);
   const double height = window_.frame().size.height;
   {
@@ -208,9 +211,14 @@ void OverlayPeer::paint(const QRect& pixels) {
 }
 
 void OverlayPeer::eraseAll() {
-  for (const QRect& rect : painted_) {
+  const auto erase = [this](const QRect& rect) {
     native_->write(canvas(rect.size(), std::nullopt), rect.topLeft());
-  }
+  };
+  // The mark goes last: once the compositor shows that it has gone, all else has.
+  QRegion ink = painted_;
+  if (ground_.mark) ink -= QRect(ground_.mark->x, ground_.mark->y, 1, 1);
+  for (const QRect& rect : ink) erase(rect);
+  if (ground_.mark) erase(QRect(ground_.mark->x, ground_.mark->y, 1, 1));
   painted_ = {};
   xcb_flush(session_.connection());
 }

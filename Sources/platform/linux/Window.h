@@ -41,14 +41,16 @@ class OverlayPeer : public platform::WindowPeer {
   void keyPressed(const xcb_key_press_event_t& event);
   /// `pixels` of the window have lost what was painted there.
   void exposed(const QRect& pixels);
-  /// Freezes the desktop behind the window, unless that was done.
-  void freeze();
   /// Hands the window's content the desktop's cancel command.
   void cancel();
   /// Whether the screen over which the window was shown is still there, and as it was.
   bool coversItsScreen() const;
   /// Paints nothing but what is behind the window until it is no longer concealed.
   void setConcealed(bool concealed);
+  /// Of the X screen.
+  QRect pixels() const { return native_ ? QRect(native_->origin(), native_->size()) : QRect(); }
+  /// Freezes what the window covers, where that is still to be done.
+  void freeze();
 
  private:
   void open();

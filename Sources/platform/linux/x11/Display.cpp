@@ -5,6 +5,8 @@
 #include <cstring>
 #include <thread>
 
+#include "platform/linux/x11/Snapshot.h"
+
 namespace lumiscan::desktop::x11 {
 
 namespace {
@@ -98,7 +100,8 @@ std::optional<std::uint32_t> X11Displays::pixelColor(platform::DisplayID display
   const auto server = connection();
   const auto pixels = layout().pixels(display);
   if (!server || !pixels) return std::nullopt;
-  const auto image = takeSnapshot(*server, {{pixels->origin.x + x, pixels->origin.y + y}, {1, 1}});
+  const auto image =
+      takeSnapshot(*server, server->root(), {{pixels->origin.x + x, pixels->origin.y + y}, {1, 1}});
   if (!image) return std::nullopt;
   std::uint32_t color = 0;
   std::memcpy(&color, image->row(0), sizeof color);
@@ -121,9 +124,11 @@ std::optional<platform::Image> X11Displays::createImage(platform::DisplayID disp
     if (mark) waitForRepaint(display, *mark, since);
     const auto server = connection();
     const auto pixels = layout().pixels(display);
-    if (server && pixels) image = takeSnapshot(*server, *pixels);
+    if (server && pixels) image = takeSnapshot(*server, server->root(), *pixels);
   }
   if (concealer) concealer->reveal();
+  // Frozen meanwhile, since an overlay was about to be painted.
+  if (const auto desktop = frozen(display)) return desktop->image();
   return image;
 }
 

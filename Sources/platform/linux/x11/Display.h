@@ -9,8 +9,8 @@
 
 #include "platform/Display.h"
 #include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/FrozenDesktop.h"
 #include "platform/linux/x11/ScreenLayout.h"
-#include "platform/linux/x11/Snapshot.h"
 
 namespace lumiscan::desktop::x11 {
 

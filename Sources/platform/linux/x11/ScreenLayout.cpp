@@ -11,6 +11,12 @@ using platform::Rect;
 
 ScreenLayout::ScreenLayout(std::vector<Monitor> monitors) : monitors_(std::move(monitors)) {
   std::stable_partition(monitors_.begin(), monitors_.end(), [](const Monitor& m) { return m.isPrimary; });
+  std::vector<Monitor> distinct;
+  for (Monitor& monitor : monitors_) {
+    const auto showsTheSame = [&monitor](const Monitor& m) { return m.pixels == monitor.pixels; };
+    if (std::none_of(distinct.begin(), distinct.end(), showsTheSame)) distinct.push_back(std::move(monitor));
+  }
+  monitors_ = std::move(distinct);
 }
 
 DisplayID ScreenLayout::displayID(const std::string& outputName) {

@@ -31,7 +31,8 @@ platform::Point mouseInPixel(double scale);
 /// any thread.
 class ScreenLayout {
  public:
-  /// Without a primary monitor the first one counts as it.
+  /// Without a primary monitor the first one counts as it. Of monitors that show the same only the first
+  /// counts.
   explicit ScreenLayout(std::vector<Monitor> monitors);
 
   /// All screens, the primary one first.

@@ -169,9 +169,10 @@ std::optional<Image> sentSnapshot(const Connection& connection, xcb_drawable_t d
   return imageOf(area, std::shared_ptr<const std::byte>(answer, bytes));
 }
 
-/// Nothing for an area without pixels, or whose pixels are in a form that is not known here.
-std::optional<Image> readPixels(const Connection& connection, xcb_drawable_t drawable,
-                                const platform::Rect& pixels) {
+}  // namespace
+
+std::optional<Image> takeSnapshot(const Connection& connection, xcb_drawable_t drawable,
+                                  const platform::Rect& pixels) {
   if (!hasKnownPixels(connection)) return std::nullopt;
   const PixelArea area{static_cast<std::int16_t>(pixels.origin.x), static_cast<std::int16_t>(pixels.origin.y),
                        static_cast<std::uint16_t>(pixels.size.width),
@@ -182,55 +183,6 @@ std::optional<Image> readPixels(const Connection& connection, xcb_drawable_t dra
   if (area.byteCount() > little)
     if (auto image = sharedMemorySnapshot(connection, drawable, area)) return image;
   return sentSnapshot(connection, drawable, area);
-}
-
-}  // namespace
-
-Pixmap::Pixmap(std::shared_ptr<Connection> connection, int width, int height)
-    : connection_(std::move(connection)), id_(xcb_generate_id(connection_->get())) {
-  const xcb_screen_t& screen = connection_->screen();
-  xcb_create_pixmap(connection_->get(), screen.root_depth, id_, screen.root,
-                    static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height));
-}
-
-Pixmap::~Pixmap() {
-  xcb_free_pixmap(connection_->get(), id_);
-  xcb_flush(connection_->get());
-}
-
-FrozenDesktop::FrozenDesktop(std::shared_ptr<Connection> connection, const platform::Rect& pixels)
-    : connection_(connection),
-      pixels_(pixels),
-      pixmap_(std::move(connection), static_cast<int>(pixels.size.width),
-              static_cast<int>(pixels.size.height)) {
-  xcb_connection_t* const x = connection_->get();
-  const xcb_gcontext_t gc = xcb_generate_id(x);
-  const std::uint32_t values[] = {XCB_SUBWINDOW_MODE_INCLUDE_INFERIORS, 0};
-  xcb_create_gc(x, gc, connection_->root(), XCB_GC_SUBWINDOW_MODE | XCB_GC_GRAPHICS_EXPOSURES, values);
-  // Checked, so that it is there for other connections when this returns.
-  const auto copy = xcb_copy_area_checked(
-      x, connection_->root(), pixmap_.id(), gc, static_cast<std::int16_t>(pixels.origin.x),
-      static_cast<std::int16_t>(pixels.origin.y), 0, 0, static_cast<std::uint16_t>(pixels.size.width),
-      static_cast<std::uint16_t>(pixels.size.height));
-  const Reply<xcb_generic_error_t> error(xcb_request_check(x, copy));
-  xcb_free_gc(x, gc);
-}
-
-std::optional<Image> FrozenDesktop::image() const {
-  const std::lock_guard lock(mutex_);
-  if (!image_) image_ = readPixels(*connection_, pixmap_.id(), {{0, 0}, pixels_.size});
-  return image_;
-}
-
-std::optional<Image> FrozenDesktop::part(const platform::Rect& rect) const {
-  // Whoever fetches all of it needs a while.
-  const std::unique_lock lock(mutex_, std::try_to_lock);
-  if (lock && image_) return image_->cropped(rect);
-  return readPixels(*connection_, pixmap_.id(), rect);
-}
-
-std::optional<Image> takeSnapshot(const Connection& connection, const platform::Rect& pixels) {
-  return readPixels(connection, connection.root(), pixels);
 }
 
 }  // namespace lumiscan::desktop::x11

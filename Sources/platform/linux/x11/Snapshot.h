@@ -1,7 +1,7 @@
 #pragma once
 
-#include <memory>
-#include <mutex>
+#include <xcb/xcb.h>
+
 #include <optional>
 
 #include "platform/Geometry.h"
@@ -10,53 +10,13 @@
 
 namespace lumiscan::desktop::x11 {
 
-/// A pixmap on the server, freed with this object.
-class Pixmap {
- public:
-  /// Of undefined content, in the depth of the screen.
-  Pixmap(std::shared_ptr<Connection> connection, int width, int height);
-  ~Pixmap();
-  Pixmap(const Pixmap&) = delete;
-  Pixmap& operator=(const Pixmap&) = delete;
-
-  xcb_pixmap_t id() const { return id_; }
-
- private:
-  std::shared_ptr<Connection> connection_;
-  xcb_pixmap_t id_;
-};
-
-/// What a part of the X screen showed at one moment. It stays on the server until its pixels are asked for.
-/// Any thread.
-class FrozenDesktop {
- public:
-  /// Of what `pixels`, whole ones on the X screen, shows now.
-  FrozenDesktop(std::shared_ptr<Connection> connection, const platform::Rect& pixels);
-
-  /// Of its size, in the depth of the screen; lives as long as this object.
-  xcb_pixmap_t pixmap() const { return pixmap_.id(); }
-  /// The pixels of the X screen that it shows.
-  const platform::Rect& pixels() const { return pixels_; }
-
-  /// All of it; the first call fetches it. Nothing when that fails.
-  std::optional<platform::Image> image() const;
-  /// A part of it: whole pixels from its own top left. Nothing when that fails.
-  std::optional<platform::Image> part(const platform::Rect& rect) const;
-
- private:
-  std::shared_ptr<Connection> connection_;
-  platform::Rect pixels_;
-  Pixmap pixmap_;
-  mutable std::mutex mutex_;
-  mutable std::optional<platform::Image> image_;
-};
-
-/// What a part of the X screen shows now, without the cursor. `pixels` is on the X screen: whole pixels,
-/// origin at the top left, y downwards. Any thread. Nothing when the server refuses or keeps its pixels in
-/// a form that is not known here.
+/// The pixels of a part of a window or pixmap on the server, without the cursor; of the root window, what the
+/// screen shows now. `pixels` is whole, origin at the drawable's top left, y downwards. Any thread. Nothing
+/// when the server refuses or keeps its pixels in a form that is not known here.
 ///
-/// Where the server shares memory with us it writes strips while we copy those before. The server shows
-/// nothing new meanwhile, so that the strips fit together.
-std::optional<platform::Image> takeSnapshot(const Connection& connection, const platform::Rect& pixels);
+/// Where the server shares memory with us it writes strips while we copy those before. The server serves
+/// nobody else meanwhile, so that the strips fit together.
+std::optional<platform::Image> takeSnapshot(const Connection& connection, xcb_drawable_t drawable,
+                                            const platform::Rect& pixels);
 
 }  // namespace lumiscan::desktop::x11
