@@ -150,7 +150,8 @@ void SpeechSession::speak(Ticket ticket, const platform::SpeechUtterance& uttera
   if (!isWanted()) return;
   std::string text = utterance.text;
   std::ranges::replace(text, '\0', ' ');
-  const int message = spd_say(server->server, SPD_TEXT, text.c_str());
+  // Messages are spoken one after the other; of what is said as text the server keeps the last alone.
+  const int message = spd_say(server->server, SPD_MESSAGE, text.c_str());
   const std::lock_guard lock(mutex_);
   // One that was dropped meanwhile is silenced by the `cancel` that follows.
   const bool wanted = announced_.erase(ticket) > 0;
