@@ -1,8 +1,6 @@
 // Makes the pictures of the result panel: panel_pictures FOLDER [SCALE]. Shows it on a private desktop, light
 // and dark, and saves what the screen shows around it.
 
-#include <unistd.h>
-
 #include <QGuiApplication>
 #include <QImage>
 #include <QPalette>
@@ -34,17 +32,13 @@ constexpr Message messages[] = {
     {"long-preview", "Added to additive clipboard",
      "Everything that was captured: the start and the end stay visible, whatever stands between them", false,
      nullptr},
-    {"symbol", "Text in a viewfinder", nullptr, false, "text.viewfinder"},
 };
 
 std::optional<std::string> optional(const char* text) {
   return text ? std::optional<std::string>(text) : std::nullopt;
 }
 
-void useDarkColors() {
-  QPalette palette(QColor(0x30, 0x30, 0x33));
-  QGuiApplication::setPalette(palette);
-}
+void useDarkColors() { QGuiApplication::setPalette(QPalette(QColor(0x30, 0x30, 0x33))); }
 
 /// The panel and some of what is around it.
 QImage screenAround(const PrivateDesktop& desktop, xcb_window_t panel) {
@@ -59,11 +53,9 @@ QImage screenAround(const PrivateDesktop& desktop, xcb_window_t panel) {
 
 int main(int argc, char** argv) {
   const std::filesystem::path folder = argc > 1 ? argv[1] : ".";
-  const int scale = argc > 2 ? std::atoi(argv[2]) : 1;
   std::filesystem::create_directories(folder);
   setenv("QT_SCALE_FACTOR", argc > 2 ? argv[2] : "1", 1);
-  PrivateDesktop screen(900 * (scale + 1), 500 * (scale + 1));
-  if (argc > 3) screen.startCompositor();
+  PrivateDesktop screen(2000, 1000);
   lumiscan::desktop::LinuxDesktop desktop(argc, argv);
   lumiscan::platform::Application::shared();
   for (const bool dark : {false, true}) {
@@ -80,8 +72,6 @@ int main(int argc, char** argv) {
         std::cerr << "panel_pictures: no panel" << std::endl;
         return EXIT_FAILURE;
       }
-      for (int i = 0; i < 20 && argc > 3; ++i)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10), usleep(10000);
       const auto name = std::string(message.name) + (dark ? "-dark.png" : "-light.png");
       screenAround(screen, screen.windowsOfClass("LumiscanPanel").front())
           .save(QString::fromStdString((folder / name).string()));
