@@ -49,10 +49,6 @@ ClipboardOwner::ClipboardOwner() : connection_(x11::Connection::open()) {
   });
 }
 
-ClipboardOwner::~ClipboardOwner() {
-  if (x_ && text_) handToManager();
-}
-
 xcb_timestamp_t ClipboardOwner::serverTime() {
   // A change of a property is an event, and each event tells the time.
   xcb_change_property(x_, XCB_PROP_MODE_APPEND, window_, atoms_[atomScratch], XCB_ATOM_STRING, 8, 0, nullptr);
@@ -229,6 +225,7 @@ void ClipboardOwner::receiverTook(const xcb_property_notify_event_t& event) {
 }
 
 void ClipboardOwner::handToManager() {
+  if (!x_ || !text_) return;
   const x11::Reply<xcb_get_selection_owner_reply_t> manager(
       xcb_get_selection_owner_reply(x_, xcb_get_selection_owner(x_, atoms_[atomClipboardManager]), nullptr));
   if (!manager || manager->owner == XCB_WINDOW_NONE) return;

@@ -24,13 +24,14 @@ namespace lumiscan::desktop {
 class ClipboardOwner {
  public:
   ClipboardOwner();
-  /// Hands the text to the clipboard manager, where one runs, so that it outlives the program.
-  ~ClipboardOwner();
   ClipboardOwner(const ClipboardOwner&) = delete;
   ClipboardOwner& operator=(const ClipboardOwner&) = delete;
 
   /// Takes the clipboard over and offers `text` (valid UTF-8), in one step; without a text leaves it empty.
   void offer(std::optional<std::string> text);
+  /// Hands the text to the clipboard manager, where one runs, so that it outlives the program. Waits for it,
+  /// for a second after each sign of life.
+  void handToManager();
 
  private:
   enum Atom {
@@ -67,7 +68,6 @@ class ClipboardOwner {
   void endTransfers(Predicate isOver);
   void listenTo(xcb_window_t receiver, bool listen);
   void receiverTook(const xcb_property_notify_event_t& event);
-  void handToManager();
 
   std::unique_ptr<x11::Connection> connection_;  ///< Null when there is none to be had.
   xcb_connection_t* x_ = nullptr;

@@ -157,6 +157,7 @@ LinuxDesktop::LinuxDesktop(int& argc, char** argv) : parts_(std::make_unique<Par
 
 LinuxDesktop::~LinuxDesktop() {
   dropSingletons();
+  if (parts_->interactive) parts_->interactive->pasteboard.leave();
   // A recognition can't be broken off. Nothing waits for its result any more and everything is saved, so
   // the process ends around it.
   parts_->dispatcher.dropWaitingTasks();

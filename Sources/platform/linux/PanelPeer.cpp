@@ -6,6 +6,7 @@
 
 #include "platform/Appearance.h"
 #include "platform/linux/Graphics.h"
+#include "platform/linux/PanelShadow.h"
 #include "platform/linux/PanelStage.h"
 
 namespace lumiscan::desktop {
@@ -31,12 +32,12 @@ PanelPeer::PanelPeer(platform::Window& window, PanelStage& stage) : window_(wind
   fade_.setEasingCurve(QEasingCurve::InOutQuad);
   QObject::connect(&fade_, &QVariantAnimation::valueChanged, [this](const QVariant& value) {
     alpha_ = value.toDouble();
-    if (native_ && !concealed_) native_->setOpacity(alpha_);
+    if (native_ && !concealed_) setOpacity(alpha_);
   });
   raise_.setSingleShot(true);
   raise_.setInterval(betweenRaises);
   QObject::connect(&raise_, &QTimer::timeout, [this] {
-    if (native_) native_->showOnTop();
+    if (native_) raise();
   });
 }
 
@@ -44,7 +45,17 @@ PanelPeer::~PanelPeer() { PanelPeer::orderOut(); }
 
 void PanelPeer::orderFront() {
   if (!native_) open();
-  if (native_) native_->showOnTop();
+  if (native_) raise();
+}
+
+void PanelPeer::raise() {
+  if (shadow_) shadow_->showOnTop();
+  native_->showOnTop();
+}
+
+void PanelPeer::setOpacity(double opacity) {
+  if (shadow_) shadow_->setOpacity(opacity);
+  native_->setOpacity(opacity);
 }
 
 void PanelPeer::open() {
@@ -54,13 +65,19 @@ void PanelPeer::open() {
   const platform::Rect& pixels = place->pixels;
   const QRect rect(static_cast<int>(pixels.minX()), static_cast<int>(pixels.minY()),
                    static_cast<int>(pixels.size.width), static_cast<int>(pixels.size.height));
-  native_ =
-      std::make_unique<PanelWindow>(stage_.connection(), rect, pictureOf(window_, rect.size(), place->scale));
+  const QImage picture = pictureOf(window_, rect.size(), place->scale);
+  native_ = std::make_unique<PanelWindow>(stage_.connection(), rect, picture, "LumiscanPanel");
+  if (window_.attributes().hasShadow && native_->isTranslucent()) {
+    const PanelShadow shadow = shadowOf(picture, place->scale);
+    const int reach = shadow.reach;
+    shadow_ = std::make_unique<PanelWindow>(stage_.connection(), rect.adjusted(-reach, -reach, reach, reach),
+                                            shadow.picture, "LumiscanShadow");
+  }
   if (window_.attributes().blursBehind && platform::Appearance::current().blursBehindWindows)
     native_->blurBehind();
   concealed_ = false;
   alpha_ = window_.attributes().alphaValue;
-  native_->setOpacity(alpha_);
+  setOpacity(alpha_);
   stage_.shows(*this);
 }
 
@@ -69,6 +86,7 @@ void PanelPeer::orderOut() {
   raise_.stop();
   if (!native_) return;
   native_ = nullptr;
+  shadow_ = nullptr;
   stage_.hides(*this);
 }
 
@@ -100,7 +118,7 @@ void PanelPeer::covered() {
 
 void PanelPeer::conceal() {
   concealed_ = true;
-  native_->setOpacity(0);
+  setOpacity(0);
 }
 
 }  // namespace lumiscan::desktop

@@ -44,10 +44,13 @@ class PanelPeer : public platform::WindowPeer {
 
  private:
   void open();
+  void raise();
+  void setOpacity(double opacity);
 
   platform::Window& window_;
   PanelStage& stage_;
   std::unique_ptr<PanelWindow> native_;
+  std::unique_ptr<PanelWindow> shadow_;  ///< Only with a compositor.
   QVariantAnimation fade_;
   QTimer raise_;
   double alpha_ = 1;

@@ -7,7 +7,6 @@
 #include <array>
 #include <cmath>
 #include <cstring>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -50,7 +49,8 @@ std::vector<xcb_rectangle_t> inkRows(const QImage& picture) {
 
 }  // namespace
 
-PanelWindow::PanelWindow(xcb_connection_t* connection, const QRect& pixels, QImage picture)
+PanelWindow::PanelWindow(xcb_connection_t* connection, const QRect& pixels, QImage picture,
+                         const std::string& windowClass)
     : connection_(connection),
       pixels_(pixels),
       picture_(std::move(picture)),
@@ -58,7 +58,7 @@ PanelWindow::PanelWindow(xcb_connection_t* connection, const QRect& pixels, QIma
       gc_(xcb_generate_id(connection)) {
   const xcb_screen_t& screen = screenOf(connection);
   create(screen);
-  describe();
+  describe(windowClass);
   letTheMouseThrough();
   if (isTranslucent()) return;
   takeShapeOf(picture_);
@@ -99,13 +99,17 @@ void PanelWindow::create(const xcb_screen_t& screen) {
   xcb_create_gc(connection_, gc_, window_, 0, nullptr);
 }
 
-void PanelWindow::describe() {
-  constexpr std::string_view instanceAndClass("panel\0LumiscanPanel\0", 20);
+void PanelWindow::describe(const std::string& windowClass) {
+  const std::string instanceAndClass = "panel" + std::string(1, '\0') + windowClass + std::string(1, '\0');
   xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8,
-                      instanceAndClass.size(), instanceAndClass.data());
+                      static_cast<std::uint32_t>(instanceAndClass.size()), instanceAndClass.data());
   const xcb_atom_t type = x11::atom(connection_, "_NET_WM_WINDOW_TYPE_NOTIFICATION");
   xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window_,
                       x11::atom(connection_, "_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, 32, 1, &type);
+  // A compositor's own shadow would be that of a rectangle.
+  const std::uint32_t no = 0;
+  xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window_, x11::atom(connection_, "_COMPTON_SHADOW"),
+                      XCB_ATOM_CARDINAL, 32, 1, &no);
 }
 
 void PanelWindow::letTheMouseThrough() {

@@ -6,6 +6,7 @@
 #include <QRect>
 #include <cstdint>
 #include <optional>
+#include <string>
 
 namespace lumiscan::desktop {
 
@@ -19,7 +20,9 @@ class PanelWindow {
  public:
   /// Not yet shown. `pixels` is on the X screen: origin at its top left, y downwards. `picture` has that
   /// size, 32 bits a pixel with premultiplied alpha.
-  PanelWindow(xcb_connection_t* connection, const QRect& pixels, QImage picture);
+  /// `windowClass` is what other programs know the window by.
+  PanelWindow(xcb_connection_t* connection, const QRect& pixels, QImage picture,
+              const std::string& windowClass);
   ~PanelWindow();
   PanelWindow(const PanelWindow&) = delete;
   PanelWindow& operator=(const PanelWindow&) = delete;
@@ -46,7 +49,7 @@ class PanelWindow {
   static constexpr std::uint8_t translucentDepth = 32;
 
   void create(const xcb_screen_t& screen);
-  void describe();
+  void describe(const std::string& windowClass);
   void letTheMouseThrough();
   /// Without a compositor: what the screen shows here, and the window only where the picture has ink.
   void takeShapeOf(const QImage& picture);

@@ -6,7 +6,10 @@
 
 namespace lumiscan::desktop {
 
-X11Pasteboard::~X11Pasteboard() { flush(); }
+void X11Pasteboard::leave() {
+  flush();
+  owner_.handToManager();
+}
 
 void X11Pasteboard::clearContents() { write(std::nullopt); }
 

@@ -12,11 +12,11 @@ namespace lumiscan::desktop {
 /// The X clipboard. What the program writes within one event is offered at its end, in one step.
 class X11Pasteboard : public platform::Pasteboard {
  public:
-  /// Offers at once what still waits for the end of the event.
-  ~X11Pasteboard() override;
-
   void clearContents() override;
   void setString(std::string_view text) override;
+
+  /// Called at the end of the program: offers what still waits, and lets the clipboard manager keep it.
+  void leave();
 
  private:
   /// What the pasteboard will hold: a text, or nothing.
