@@ -10,16 +10,18 @@ build_packages=(
   libicu-dev nlohmann-json3-dev
   libcairo2-dev libfontconfig-dev
   libsystemd-dev
+  libcanberra-dev libspeechd-dev
   libgtest-dev libgmock-dev libbenchmark-dev
 )
 
-# To run: recognition data for English and a font for the self-test.
-run_packages=(tesseract-ocr-eng fonts-liberation)
+# To run: recognition data for English, a font for the self-test, a sound server's driver, and a speech server.
+run_packages=(tesseract-ocr-eng fonts-liberation libcanberra-pulse speech-dispatcher speech-dispatcher-espeak-ng)
 
 # To test, and for script/run where there is no display.
 test_packages=(
   xvfb openbox picom xdotool xclip dbus xterm x11-utils x11-xserver-utils imagemagick
   fonts-dejavu-core
+  pulseaudio pulseaudio-utils espeak-ng xfce4-clipman
 )
 
 # To keep the house style: script/format and script/tidy.

@@ -22,9 +22,8 @@ void AppDelegate::captureLastSelection() {
 void AppDelegate::startCapture(CaptureMode mode, LineBreaksOverride lineBreaksOverride) {
   captureController_->begin(mode, lineBreaksOverride, completion());
   if (captureController_->selectionWindows().empty()) return;
-  if (hud_)
-    hud_->show("Drag to select an area", "Esc or click cancels", false, "text.magnifyingglass",
-               startHintSeconds);
+  hud_->show("Drag to select an area", "Esc or click cancels", false, "text.magnifyingglass",
+             startHintSeconds);
   // Loading a language takes less time than a drag: by the mouse-up the recogniser is warm.
   if (mode != CaptureMode::barcode) OCRService::prepare(Settings::recognitionLanguages());
 }

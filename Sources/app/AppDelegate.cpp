@@ -44,8 +44,13 @@ void AppDelegate::perform(HotkeyAction action) {
       captureLastSelection();
       break;
     case HotkeyAction::stopSpeaking:
+      stopSpeaking();
+      break;
     case HotkeyAction::toggleAdditiveClipboard:
+      toggleAdditive();
+      break;
     case HotkeyAction::clearAdditiveClipboard:
+      clearAdditive();
       break;
   }
 }

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "capture/CaptureMode.h"
@@ -20,9 +20,6 @@ namespace lumiscan {
 /// since what outlives a call holds it weakly.
 class AppDelegate : public platform::ApplicationDelegate, public std::enable_shared_from_this<AppDelegate> {
  public:
-  /// Without a `hud` the user is shown no messages.
-  explicit AppDelegate(std::unique_ptr<ResultHUD> hud = nullptr) : hud_(std::move(hud)) {}
-
   void applicationDidFinishLaunching() override;
 
   // Requests: each starts a capture. (AppDelegate+Requests.cpp)
@@ -31,6 +28,14 @@ class AppDelegate : public platform::ApplicationDelegate, public std::enable_sha
   void captureAndSpeak();
   void captureBarcode();
   void captureLastSelection();
+
+  // Actions on what captures leave. (AppDelegate+Outputs.cpp)
+  void stopSpeaking();
+  void toggleAdditive();
+  void clearAdditive();
+  /// Copies a record of the history again. `representedObject` is what the chosen menu item carries, the
+  /// record's id as text; anything else, also the id of a record that has gone, does nothing.
+  void copyHistoryItem(const std::optional<std::string>& representedObject);
 
   const ScreenCaptureController& captureController() const { return *captureController_; }
 
@@ -43,14 +48,18 @@ class AppDelegate : public platform::ApplicationDelegate, public std::enable_sha
 
   // Outcomes. (AppDelegate+Outcome.cpp)
   void handleOutcome(const CaptureOutcome& outcome, CaptureMode mode, LineBreaksOverride lineBreaksOverride);
-  static void askForScreenAccess();
+  void leadToScreenAccess();
   /// Recognises or decodes on a background task and comes back with `finishCapture`.
   void process(const platform::Image& image, CaptureMode mode, LineBreaksOverride lineBreaksOverride);
-  void finishCapture(CaptureMode mode, LineBreaksOverride lineBreaksOverride, std::string text,
+  void finishCapture(CaptureMode mode, LineBreaksOverride lineBreaksOverride, const std::string& text,
                      const std::vector<std::string>& payloads);
+  void finishBarcodes(const std::vector<std::string>& payloads);
+  void finishText(CaptureMode mode, LineBreaksOverride lineBreaksOverride, std::string text);
+  void report(const std::string& title, const std::string& preview);
+  void reportFailure(const std::string& title, const std::optional<std::string>& preview = std::nullopt);
 
   std::shared_ptr<ScreenCaptureController> captureController_ = std::make_shared<ScreenCaptureController>();
-  std::unique_ptr<ResultHUD> hud_;
+  std::shared_ptr<ResultHUD> hud_ = std::make_shared<ResultHUD>();
   std::unique_ptr<platform::Timer> reregisterTimer_;
   std::vector<std::shared_ptr<platform::NotificationCenter::Observation>> observations_;
 };

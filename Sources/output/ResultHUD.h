@@ -1,19 +1,33 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 
+#include "platform/Dispatch.h"
+#include "platform/Window.h"
+
 namespace lumiscan {
 
-/// Shows the user short messages that go away by themselves. Main thread only.
-class ResultHUD {
+/// Shows the user short messages, in a panel near the top of the screen with the mouse that goes away by
+/// itself. Main thread only. Owned by a shared pointer, since its timers hold it weakly.
+class ResultHUD : public std::enable_shared_from_this<ResultHUD> {
  public:
-  virtual ~ResultHUD() = default;
+  ~ResultHUD();
 
-  /// Replaces the message that shows, if any. `preview` is a second line; `icon` names a symbol, and
-  /// `duration` is in seconds: absent, each is what suits a success or an error.
-  virtual void show(const std::string& title, const std::optional<std::string>& preview, bool isError,
-                    const std::optional<std::string>& icon, std::optional<double> duration) = 0;
+  /// Replaces the message that shows, if any; does nothing at all while the `showHUD` setting is off.
+  /// `preview` is a second line; `icon` names a symbol, and `duration` is in seconds: absent, each is what
+  /// suits a success or an error.
+  void show(const std::string& title, const std::optional<std::string>& preview = std::nullopt,
+            bool isError = false, const std::optional<std::string>& icon = std::nullopt,
+            std::optional<double> duration = std::nullopt);
+
+ private:
+  void fadeOut();
+  void close();
+
+  std::shared_ptr<platform::Window> panel_;
+  std::shared_ptr<platform::WorkItem> hideWorkItem_;
 };
 
 }  // namespace lumiscan

@@ -2,10 +2,12 @@
 
 #include <cassert>
 
+#include "platform/Appearance.h"
 #include "platform/Application.h"
 #include "platform/BarcodeDetector.h"
 #include "platform/BitmapContext.h"
 #include "platform/Cursor.h"
+#include "platform/Date.h"
 #include "platform/Dispatch.h"
 #include "platform/Display.h"
 #include "platform/Event.h"
@@ -13,7 +15,10 @@
 #include "platform/Logger.h"
 #include "platform/NotificationCenter.h"
 #include "platform/Pasteboard.h"
+#include "platform/Sound.h"
+#include "platform/SpeechSynthesizer.h"
 #include "platform/TextRecognizer.h"
+#include "platform/Typesetter.h"
 #include "platform/UserDefaults.h"
 #include "platform/Window.h"
 #include "platform/Workspace.h"
@@ -33,9 +38,11 @@ void Desktop::install(Desktop* desktop) { installed = desktop; }
 
 // The short ways to the installed desktop's parts.
 
+Appearance Appearance::current() { return Desktop::current().appearance(); }
 Application& Application::shared() { return Desktop::current().application(); }
 BarcodeDetector& BarcodeDetector::shared() { return Desktop::current().barcodeDetector(); }
 CursorStack& CursorStack::shared() { return Desktop::current().cursors(); }
+Date Date::now() { return Desktop::current().currentDate(); }
 Displays& Displays::shared() { return Desktop::current().displays(); }
 HotKeys& HotKeys::shared() { return Desktop::current().hotKeys(); }
 NotificationCenter& NotificationCenter::defaultCenter() { return Desktop::current().notificationCenter(); }
@@ -43,7 +50,10 @@ NotificationCenter& NotificationCenter::workspaceCenter() {
   return Desktop::current().workspaceNotificationCenter();
 }
 Pasteboard& Pasteboard::general() { return Desktop::current().pasteboard(); }
+Sounds& Sounds::shared() { return Desktop::current().sounds(); }
+SpeechSynthesizer& SpeechSynthesizer::shared() { return Desktop::current().speechSynthesizer(); }
 TextRecognizer& TextRecognizer::shared() { return Desktop::current().textRecognizer(); }
+Typesetter& Typesetter::shared() { return Desktop::current().typesetter(); }
 UserDefaults& UserDefaults::standard() { return Desktop::current().userDefaults(); }
 Workspace& Workspace::shared() { return Desktop::current().workspace(); }
 Point MouseEvent::mouseLocation() { return Desktop::current().mouseLocation(); }

@@ -12,16 +12,21 @@
 namespace lumiscan::platform {
 
 class Application;
+struct Appearance;
 class BarcodeDetector;
 class BitmapContext;
 class CursorStack;
+struct Date;
 class Dispatcher;
 class Displays;
 class HotKeys;
 class LogSink;
 class NotificationCenter;
 class Pasteboard;
+class Sounds;
+class SpeechSynthesizer;
 class TextRecognizer;
+class Typesetter;
 class UserDefaults;
 class Window;
 class WindowPeer;
@@ -55,6 +60,7 @@ class Desktop {
 
   virtual Application& application() = 0;
   virtual Dispatcher& dispatcher() = 0;
+  virtual Date currentDate() = 0;
   virtual UserDefaults& userDefaults() = 0;
   virtual LogSink& logSink() = 0;
   virtual NotificationCenter& notificationCenter() = 0;
@@ -63,10 +69,14 @@ class Desktop {
   virtual Point mouseLocation() = 0;
   virtual CursorStack& cursors() = 0;
   virtual Pasteboard& pasteboard() = 0;
+  virtual Sounds& sounds() = 0;
+  virtual SpeechSynthesizer& speechSynthesizer() = 0;
   virtual HotKeys& hotKeys() = 0;
   virtual Workspace& workspace() = 0;
   virtual TextRecognizer& textRecognizer() = 0;
   virtual BarcodeDetector& barcodeDetector() = 0;
+  virtual Appearance appearance() = 0;
+  virtual Typesetter& typesetter() = 0;
   virtual std::unique_ptr<WindowPeer> makeWindowPeer(Window& window) = 0;
   virtual std::unique_ptr<BitmapContext> makeBitmapContext(int width, int height) = 0;
   virtual std::optional<Image> generateQRCode(std::string_view message, QRCorrectionLevel level) = 0;

@@ -53,6 +53,9 @@ struct BezierPath {
   struct RoundedRect {
     Rect rect;
     double radius = 0;
+    /// Whether the corners flow into the sides, as those of panels do, rather than being quarters of circles.
+    /// On a screen only: bitmaps in memory have quarters of circles.
+    bool continuous = false;
   };
 
   std::vector<Segment> segments;
@@ -78,6 +81,10 @@ class GraphicsContext {
   virtual Size sizeOf(std::string_view text, const TextAttributes& attributes) = 0;
   /// Draws one line of UTF-8 text whose box (see `sizeOf`) has its bottom-left corner at `origin`.
   virtual void draw(std::string_view text, Point origin, const TextAttributes& attributes) = 0;
+
+  /// Draws one of the desktop's symbols, in one colour, as large as fits into the rectangle and in its
+  /// middle. A name that the surface doesn't know draws nothing; bitmaps in memory know none.
+  virtual void drawSymbol(std::string_view name, const Rect& rect, Color color) = 0;
 };
 
 }  // namespace lumiscan::platform

@@ -35,6 +35,8 @@ class View {
   View& operator=(const View&) = delete;
 
   const Rect& frame() const { return frame_; }
+  /// Takes effect when the view is next drawn.
+  void setFrame(const Rect& frame) { frame_ = frame; }
   Rect bounds() const { return {{0, 0}, frame_.size}; }
   /// The window that shows the view, or null.
   Window* window() const { return window_; }

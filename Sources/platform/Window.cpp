@@ -1,7 +1,5 @@
 #include "platform/Window.h"
 
-#include <utility>
-
 #include "platform/Desktop.h"
 #include "platform/Dispatch.h"
 
@@ -47,6 +45,13 @@ void Window::orderOut() {
   if (!visible_) return;
   visible_ = false;
   peer_->orderOut();
+}
+
+void Window::animateAlphaValue(double alpha, double seconds, const std::function<void()>& completion) {
+  MainQueue::assertCurrent();
+  if (!visible_) return;
+  attributes_.alphaValue = alpha;
+  peer_->animateAlpha(alpha, seconds, completion);
 }
 
 bool Window::isKeyWindow() const { return visible_ && peer_->isKey(); }

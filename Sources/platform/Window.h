@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include "platform/Event.h"
@@ -37,6 +38,10 @@ class WindowPeer {
   /// Shows the window above the others of its level without activating the program.
   virtual void orderFront() = 0;
   virtual void orderOut() = 0;
+  /// Changes the opacity of the showing window to `alpha` within `seconds`, then calls `completion`; not once
+  /// the window was ordered out. Costs nothing when done. Only panels do; all others stay as they are.
+  virtual void animateAlpha(double /*alpha*/, double /*seconds*/,
+                            const std::function<void()>& /*completion*/) {}
   /// Asks for the key focus; it is there when this returns or soon after, without a click.
   virtual void makeKey() = 0;
   virtual bool isKey() const = 0;
@@ -67,6 +72,8 @@ class Window : public std::enable_shared_from_this<Window> {
     double alphaValue = 1;
     bool acceptsMouseMovedEvents = false;
     unsigned collectionBehavior = 0;
+    /// The desktop blurs what is behind the drawn part of the window, where it can.
+    bool blursBehind = false;
   };
   Attributes& attributes() { return attributes_; }
   const Attributes& attributes() const { return attributes_; }
@@ -86,6 +93,9 @@ class Window : public std::enable_shared_from_this<Window> {
   void makeKey();
   void makeKeyAndOrderFront();
   void orderOut();
+  /// For panels. Changes the opacity to `alpha` within `seconds`, and then calls `completion`, on the main
+  /// thread; neither when the panel isn't showing, nor once it was ordered out.
+  void animateAlphaValue(double alpha, double seconds, const std::function<void()>& completion);
   bool isVisible() const { return visible_; }
   bool isKeyWindow() const;
 

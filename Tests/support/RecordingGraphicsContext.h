@@ -11,13 +11,14 @@ namespace lumiscan::testing {
 
 /// What was drawn, in order.
 struct DrawingOperation {
-  enum class Kind { stroke, fill, text };
+  enum class Kind { stroke, fill, text, symbol };
   Kind kind = Kind::stroke;
   platform::BezierPath path;  ///< Of strokes and fills.
   platform::Color color;      ///< Of a text, its foreground colour.
-  std::string text;
-  platform::Point origin;  ///< Of a text's box, or of its baseline when it was drawn as a line.
+  std::string text;           ///< Of a symbol, its name.
+  platform::Point origin;     ///< Of a text's box, or of its baseline when it was drawn as a line.
   platform::Font font;
+  platform::Rect rect;  ///< Of a symbol.
 };
 using Drawing = std::vector<DrawingOperation>;
 
@@ -37,10 +38,10 @@ template <typename Base>
 class Recording : public Base {
  public:
   void stroke(const platform::BezierPath& path, platform::Color color) override {
-    drawing.push_back({DrawingOperation::Kind::stroke, path, color, {}, {}, {}});
+    drawing.push_back({DrawingOperation::Kind::stroke, path, color, {}, {}, {}, {}});
   }
   void fill(const platform::BezierPath& path, platform::Color color) override {
-    drawing.push_back({DrawingOperation::Kind::fill, path, color, {}, {}, {}});
+    drawing.push_back({DrawingOperation::Kind::fill, path, color, {}, {}, {}, {}});
   }
   platform::Size sizeOf(std::string_view text, const platform::TextAttributes&) override {
     return simulatedTextSize(text);
@@ -52,7 +53,11 @@ class Recording : public Base {
                        attributes.foregroundColor,
                        std::string(text),
                        origin,
-                       attributes.font});
+                       attributes.font,
+                       {}});
+  }
+  void drawSymbol(std::string_view name, const platform::Rect& rect, platform::Color color) override {
+    drawing.push_back({DrawingOperation::Kind::symbol, {}, color, std::string(name), {}, {}, rect});
   }
 
   Drawing drawing;

@@ -16,7 +16,7 @@ SimulatedDesktop::SimulatedDesktop(std::shared_ptr<Preferences> preferences)
         pasteboard_.publish();
         hotKeys_.releaseUnregistered();
       }),
-      userDefaults_(std::move(preferences)) {
+      userDefaults_(std::move(preferences), effects_) {
   Desktop::install(this);
   displays_.attach(1, {{0, 0}, {1440, 900}});
 }

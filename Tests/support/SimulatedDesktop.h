@@ -5,7 +5,9 @@
 #include <string>
 #include <string_view>
 
+#include "platform/Appearance.h"
 #include "platform/Application.h"
+#include "platform/Date.h"
 #include "platform/Desktop.h"
 #include "platform/NotificationCenter.h"
 #include "support/Printing.h"
@@ -53,6 +55,8 @@ class SimulatedDesktop : public platform::Desktop {
   std::optional<std::string> interactiveModeProblem() override { return problem; }
   SimulatedApplication& application() override;
   SimulatedDispatcher& dispatcher() override { return dispatcher_; }
+  /// A day and the virtual clock's seconds after the reference date.
+  platform::Date currentDate() override { return {86400 + dispatcher_.now()}; }
   SimulatedUserDefaults& userDefaults() override { return userDefaults_; }
   RecordedLog& logSink() override { return log_; }
   platform::NotificationCenter& notificationCenter() override { return center_; }
@@ -61,10 +65,14 @@ class SimulatedDesktop : public platform::Desktop {
   platform::Point mouseLocation() override { return windows_.mouseLocation; }
   SimulatedCursors& cursors() override { return cursors_; }
   SimulatedPasteboard& pasteboard() override { return pasteboard_; }
+  SimulatedSounds& sounds() override { return sounds_; }
+  SimulatedSpeechSynthesizer& speechSynthesizer() override { return speechSynthesizer_; }
   SimulatedHotKeys& hotKeys() override { return hotKeys_; }
   SimulatedWorkspace& workspace() override { return workspace_; }
   SimulatedTextRecognizer& textRecognizer() override { return textRecognizer_; }
   SimulatedBarcodeDetector& barcodeDetector() override { return barcodeDetector_; }
+  platform::Appearance appearance() override { return look; }
+  SimulatedTypesetter& typesetter() override { return typesetter_; }
   std::unique_ptr<platform::WindowPeer> makeWindowPeer(platform::Window& window) override {
     return windows_.makePeer(window);
   }
@@ -76,6 +84,7 @@ class SimulatedDesktop : public platform::Desktop {
     return drawing_.generateQRCode(message, level);
   }
 
+  Effects& effects() { return effects_; }
   SimulatedWindows& windows() { return windows_; }
   SimulatedDrawing& drawing() { return drawing_; }
 
@@ -86,19 +95,24 @@ class SimulatedDesktop : public platform::Desktop {
   void settle() { dispatcher_.settle(); }
 
   std::optional<std::string> problem;
+  platform::Appearance look;
   /// Whether the application object was ever asked for.
   bool applicationMade() const { return application_ != nullptr; }
 
  private:
+  Effects effects_;
   SimulatedDispatcher dispatcher_;
   SimulatedUserDefaults userDefaults_;
   RecordedLog log_;
   platform::NotificationCenter center_;
   platform::NotificationCenter workspaceCenter_;
-  SimulatedWindows windows_{dispatcher_};
+  SimulatedWindows windows_{dispatcher_, effects_};
   SimulatedDisplays displays_{dispatcher_, windows_};
   SimulatedCursors cursors_;
-  SimulatedPasteboard pasteboard_;
+  SimulatedPasteboard pasteboard_{effects_};
+  SimulatedSounds sounds_{effects_};
+  SimulatedSpeechSynthesizer speechSynthesizer_{effects_};
+  SimulatedTypesetter typesetter_;
   SimulatedHotKeys hotKeys_{dispatcher_};
   SimulatedWorkspace workspace_;
   SimulatedTextRecognizer textRecognizer_{dispatcher_};

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cmath>
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <optional>
@@ -14,8 +16,12 @@
 #include "platform/Dispatch.h"
 #include "platform/Logger.h"
 #include "platform/QRCode.h"
+#include "platform/Sound.h"
+#include "platform/SpeechSynthesizer.h"
+#include "platform/Typesetter.h"
 #include "platform/UserDefaults.h"
 #include "platform/Workspace.h"
+#include "support/Effects.h"
 #include "support/RecordingGraphicsContext.h"
 #include "support/TestImages.h"
 
@@ -52,20 +58,79 @@ using Preferences = std::map<std::string, platform::DefaultsValue, std::less<>>;
 
 class SimulatedUserDefaults : public platform::UserDefaults {
  public:
-  explicit SimulatedUserDefaults(std::shared_ptr<Preferences> preferences)
-      : preferences_(std::move(preferences)) {}
+  SimulatedUserDefaults(std::shared_ptr<Preferences> preferences, Effects& effects)
+      : preferences_(std::move(preferences)), effects_(effects) {}
 
   std::optional<platform::DefaultsValue> object(std::string_view key) const override {
     const auto found = preferences_->find(key);
     return found == preferences_->end() ? std::nullopt : std::optional(found->second);
   }
   void setObject(std::string_view key, platform::DefaultsValue value) override {
+    effects_.add("store " + std::string(key));
     preferences_->insert_or_assign(std::string(key), std::move(value));
   }
   void removeObject(std::string_view key) override { preferences_->erase(std::string(key)); }
 
  private:
   std::shared_ptr<Preferences> preferences_;
+  Effects& effects_;
+};
+
+class SimulatedSounds : public platform::Sounds {
+ public:
+  explicit SimulatedSounds(Effects& effects) : effects_(effects) {}
+  void play(std::string_view name) override {
+    platform::MainQueue::assertCurrent();
+    effects_.add("play " + std::string(name));
+  }
+
+ private:
+  Effects& effects_;
+};
+
+/// Speaks every utterance until a test ends it.
+class SimulatedSpeechSynthesizer : public platform::SpeechSynthesizer {
+ public:
+  explicit SimulatedSpeechSynthesizer(Effects& effects) : effects_(effects) {}
+  bool isSpeaking() const override { return !utterances.empty(); }
+  void stopSpeaking() override {
+    utterances.clear();
+    effects_.add("stop speaking");
+  }
+  void speak(const platform::SpeechUtterance& utterance) override {
+    platform::MainQueue::assertCurrent();
+    utterances.push_back(utterance);
+    effects_.add("speak " + utterance.language.value_or("by default") + " " + utterance.text);
+  }
+
+  std::vector<platform::SpeechUtterance> utterances;  ///< Spoken first, then those that are queued.
+
+ private:
+  Effects& effects_;
+};
+
+/// Every character is as wide as the next, at whole points, and every line as high.
+class SimulatedTypesetter : public platform::Typesetter {
+ public:
+  static double characterWidth(const platform::Font& font) { return std::floor(font.size / 2); }
+  platform::Size sizeOf(std::string_view text, const platform::Font& font) override {
+    const platform::Size size = simulatedTextSize(text);
+    return {size.width / testing::characterWidth * characterWidth(font), size.height};
+  }
+  std::vector<std::string> lines(std::string_view text, const platform::Font& font, double width) override {
+    std::vector<std::string> lines;
+    const auto most = static_cast<std::size_t>(width / characterWidth(font));
+    for (; text.size() > most; text.remove_prefix(most)) lines.emplace_back(text.substr(0, most));
+    lines.emplace_back(text);
+    return lines;
+  }
+  /// Texts of ASCII characters only.
+  std::string truncatedInMiddle(std::string_view text, const platform::Font& font, double width) override {
+    const auto most = static_cast<std::size_t>(width / characterWidth(font));
+    if (text.size() <= most) return std::string(text);
+    const std::size_t half = (most - 1) / 2;
+    return std::string(text.substr(0, half)) + "…" + std::string(text.substr(text.size() - half));
+  }
 };
 
 struct LogLine {

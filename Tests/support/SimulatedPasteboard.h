@@ -5,12 +5,15 @@
 #include <string_view>
 
 #include "platform/Pasteboard.h"
+#include "support/Effects.h"
 
 namespace lumiscan::testing {
 
 /// The pasteboard as other programs see it.
 class SimulatedPasteboard : public platform::Pasteboard {
  public:
+  explicit SimulatedPasteboard(Effects& effects) : effects_(effects) {}
+
   void clearContents() override;
   void setString(std::string_view text) override;
 
@@ -26,6 +29,7 @@ class SimulatedPasteboard : public platform::Pasteboard {
   int changeCount = 0;
 
  private:
+  Effects& effects_;
   bool owned_ = false;
   bool changed_ = false;
   std::optional<std::string> pending_;

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/Dispatch.h"
+#include "support/Effects.h"
 #include "support/SimulatedDispatcher.h"
 
 namespace lumiscan::testing {
@@ -26,8 +27,15 @@ class SimulatedWindowPeer : public platform::WindowPeer {
     const auto below =
         std::ranges::find_if(windows_.peers_, [this](auto* peer) { return peer->level <= level; });
     windows_.peers_.insert(below, this);
+    if (level == platform::windowLevelFloating)
+      windows_.effects_.add("show " + SimulatedWindows::content(window));
   }
   void orderOut() override { leave(); }
+  void animateAlpha(double, double seconds, const std::function<void()>& completion) override {
+    assertCurrent();
+    animation_ = std::make_shared<platform::WorkItem>(completion);
+    platform::MainQueue::asyncAfter(seconds, animation_);
+  }
   void makeKey() override {
     assertCurrent();
     windows_.keyWindow_ = &window;
@@ -47,9 +55,11 @@ class SimulatedWindowPeer : public platform::WindowPeer {
     assertCurrent();
     std::erase(windows_.peers_, this);
     if (windows_.keyWindow_ == &window) windows_.keyWindow_ = nullptr;
+    if (animation_) animation_->cancel();
   }
 
   SimulatedWindows& windows_;
+  std::shared_ptr<platform::WorkItem> animation_;
 };
 
 std::unique_ptr<platform::WindowPeer> SimulatedWindows::makePeer(Window& window) {
@@ -116,6 +126,17 @@ Drawing SimulatedWindows::render(Window& window) {
   RecordingGraphicsContext context;
   window.draw(context, {{0, 0}, window.frame().size});
   return context.drawing;
+}
+
+std::string SimulatedWindows::content(Window& window) {
+  std::string content;
+  int texts = 0;
+  for (const DrawingOperation& operation : render(window)) {
+    if (operation.kind == DrawingOperation::Kind::symbol) content += operation.text + ' ';
+    if (operation.kind == DrawingOperation::Kind::text)
+      content += (texts++ > 0 ? " / " : "") + operation.text;
+  }
+  return content;
 }
 
 std::vector<Rect> SimulatedWindows::takeInvalidated(const Window& window) {

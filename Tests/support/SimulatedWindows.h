@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "platform/Window.h"
@@ -9,6 +10,7 @@
 
 namespace lumiscan::testing {
 
+class Effects;
 class SimulatedDispatcher;
 class SimulatedWindowPeer;
 
@@ -17,7 +19,8 @@ class SimulatedWindowPeer;
 /// the global screen space.
 class SimulatedWindows {
  public:
-  explicit SimulatedWindows(SimulatedDispatcher& dispatcher) : dispatcher_(dispatcher) {}
+  SimulatedWindows(SimulatedDispatcher& dispatcher, Effects& effects)
+      : dispatcher_(dispatcher), effects_(effects) {}
 
   std::unique_ptr<platform::WindowPeer> makePeer(platform::Window& window);
 
@@ -41,6 +44,8 @@ class SimulatedWindows {
 
   /// Draws the whole window.
   static Drawing render(platform::Window& window);
+  /// What a window says: its symbols and texts, in the order in which they are drawn.
+  static std::string content(platform::Window& window);
   /// What was invalidated in the window since it was last asked, in window coordinates.
   std::vector<platform::Rect> takeInvalidated(const platform::Window& window);
 
@@ -53,6 +58,7 @@ class SimulatedWindows {
   std::weak_ptr<platform::Window> windowAt(platform::Point point) const;
 
   SimulatedDispatcher& dispatcher_;
+  Effects& effects_;
   std::vector<SimulatedWindowPeer*> peers_;  ///< Those of visible windows, the topmost first.
   platform::Window* keyWindow_ = nullptr;
   std::weak_ptr<platform::Window> pressedWindow_;

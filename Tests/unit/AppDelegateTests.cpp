@@ -2,10 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "CaptureDescription.h"
-#include "app/AppDelegate.h"
-#include "hotkeys/HotkeyManager.h"
-#include "settings/Settings.h"
-#include "support/SimulatedDesktop.h"
+#include "LaunchedProgram.h"
 
 namespace lumiscan {
 namespace {
@@ -13,52 +10,13 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-/// A message panel that writes down what it is to show.
-class RecordingHUD : public ResultHUD {
- public:
-  explicit RecordingHUD(std::vector<std::string>& shown) : shown_(shown) {}
-  void show(const std::string& title, const std::optional<std::string>& preview, bool isError,
-            const std::optional<std::string>& icon, std::optional<double> duration) override {
-    shown_.push_back(title + " / " + preview.value_or("no preview") + (isError ? " / error / " : " / ") +
-                     icon.value_or("no icon") + " / " + std::to_string(duration.value_or(0)));
-  }
-
- private:
-  std::vector<std::string>& shown_;
-};
-
-/// The launched program, used by its hotkeys and the mouse.
-class AppDelegateTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    desktop.userDefaults().setObject("hotkey.captureTextNoBreaks", std::string("2,256"));
-    desktop.application().setDelegate(delegate.get());
-    desktop.application().run();
-    desktop.pasteboard().takeOver("before");
-  }
-  void press(HotkeyAction action) {
-    const auto binding = HotkeyManager::shared().hotkey(action);
-    ASSERT_TRUE(binding);
-    ASSERT_TRUE(desktop.hotKeys().press(binding->keyCode, binding->modifiers));
-    desktop.settle();
-  }
-  void capture(HotkeyAction action) {
-    press(action);
-    desktop.windows().dragMouse({100, 200}, {400, 350});
-    desktop.settle();
-  }
-
-  testing::SimulatedDesktop desktop;
-  std::vector<std::string> shown;
-  std::shared_ptr<AppDelegate> delegate =
-      std::make_shared<AppDelegate>(std::make_unique<RecordingHUD>(shown));
-};
+using AppDelegateTest = LaunchedProgram;
 
 TEST_F(AppDelegateTest, HotkeyAndDragPutTheTextOnThePasteboard) {
   desktop.userDefaults().setObject("recognitionLanguages", std::vector<std::string>{"de-DE", "en-US"});
   desktop.textRecognizer().recognizes({"first line", "second line"});
   press(HotkeyAction::captureText);
-  EXPECT_EQ(desktop.windows().visible().size(), 1U);
+  EXPECT_EQ(overlays().size(), 1U);
   EXPECT_THAT(desktop.textRecognizer().prepared, ElementsAre(ElementsAre("de-DE", "en-US")))
       << "the recogniser gets ready during the drag";
   desktop.windows().dragMouse({100, 200}, {400, 350});
@@ -93,14 +51,6 @@ TEST_F(AppDelegateTest, LineBreaksFollowTheRequestOrElseTheSetting) {
   }
 }
 
-TEST_F(AppDelegateTest, BlankTextCountsAsTextUntilItIsJoined) {
-  desktop.textRecognizer().recognizes({"  "});
-  capture(HotkeyAction::captureText);
-  EXPECT_EQ(desktop.pasteboard().text, "  ");
-  capture(HotkeyAction::captureTextNoBreaks);
-  EXPECT_EQ(desktop.pasteboard().text, "");
-}
-
 TEST_F(AppDelegateTest, BarcodePayloadsAreJoinedByLineFeeds) {
   desktop.textRecognizer().recognizes({"text"});
   desktop.barcodeDetector().finds({"A", "", "B\r\n"});
@@ -130,7 +80,7 @@ TEST_F(AppDelegateTest, NothingFoundLeavesThePasteboardAlone) {
   capture(HotkeyAction::captureText);
   desktop.displays().accessGranted = false;
   press(HotkeyAction::captureText);
-  EXPECT_THAT(desktop.windows().visible(), IsEmpty());
+  EXPECT_THAT(overlays(), IsEmpty());
   EXPECT_EQ(desktop.textRecognizer().prepared.size(), 4U) << "a refused request loads no recogniser";
   EXPECT_EQ(desktop.pasteboard().text, "before");
   EXPECT_EQ(desktop.pasteboard().changeCount, 0);
@@ -139,24 +89,28 @@ TEST_F(AppDelegateTest, NothingFoundLeavesThePasteboardAlone) {
 TEST_F(AppDelegateTest, RequestsOpenASessionWithAHintOrRepeatTheLastSelection) {
   desktop.textRecognizer().recognizes({"text"});
   press(HotkeyAction::captureLastSelection);
-  EXPECT_THAT(desktop.windows().visible(), IsEmpty()) << "nothing is stored yet";
-  EXPECT_THAT(shown, IsEmpty());
+  EXPECT_THAT(overlays(), IsEmpty()) << "nothing is stored yet";
   for (const auto action : {HotkeyAction::captureText, HotkeyAction::captureTextNoBreaks,
                             HotkeyAction::captureAndSpeak, HotkeyAction::captureBarcode}) {
+    desktop.effects().take();
     press(action);
-    EXPECT_EQ(desktop.windows().visible().size(), 1U);
-    EXPECT_EQ(shown.back(),
-              "Drag to select an area / Esc or click cancels / text.magnifyingglass / 2.200000");
+    EXPECT_EQ(overlays().size(), 1U);
+    EXPECT_THAT(desktop.effects().take(),
+                ElementsAre("show text.magnifyingglass Drag to select an area / Esc or click cancels"));
   }
   desktop.windows().keyDown(platform::keyCodeEscape);
+  desktop.advance(2.4);
+  EXPECT_EQ(desktop.windows().visible().size(), 1U) << "shows for 2.2 seconds and fades";
+  desktop.advance(0.1);
+  EXPECT_THAT(desktop.windows().visible(), IsEmpty());
   capture(HotkeyAction::captureAndSpeak);
   EXPECT_EQ(desktop.pasteboard().changeCount, 1);
-  EXPECT_EQ(shown.size(), 5U);
 
+  desktop.effects().take();
   press(HotkeyAction::captureLastSelection);
-  EXPECT_THAT(desktop.windows().visible(), IsEmpty());
-  EXPECT_EQ(shown.size(), 5U) << "a repeat shows no hint";
-  EXPECT_EQ(desktop.pasteboard().changeCount, 2);
+  EXPECT_THAT(desktop.effects().take(), ElementsAre("pasteboard text", "store captureHistory", "play Tink",
+                                                    "show checkmark.circle.fill Copied / text"))
+      << "a repeat opens no session and shows no hint";
   EXPECT_EQ(describe(desktop.textRecognizer().requests.back().image), "100,550 300×150");
 }
 
@@ -166,7 +120,6 @@ TEST_F(AppDelegateTest, WithoutAccessTheUserIsLedToTheSettings) {
   EXPECT_EQ(desktop.displays().accessRequests, 1);
   EXPECT_THAT(desktop.workspace().opened,
               ElementsAre("x-apple.systempreferences:com.apple.preference.security?Privacy_ScreenCapture"));
-  EXPECT_THAT(shown, IsEmpty()) << "no hint to drag";
 
   // Access granted meanwhile is seen at once; what fails all the same leads to the settings without asking.
   desktop.displays().accessGranted = true;
@@ -204,7 +157,7 @@ TEST_F(AppDelegateTest, NothingHappensOnceTheDelegateIsGone) {
   EXPECT_THAT(desktop.textRecognizer().requests, IsEmpty());
   EXPECT_EQ(desktop.pasteboard().changeCount, 0);
   press(HotkeyAction::captureText);
-  EXPECT_THAT(desktop.windows().visible(), IsEmpty());
+  EXPECT_THAT(overlays(), IsEmpty());
 }
 
 TEST_F(AppDelegateTest, LaunchRegistersTheHotkeysAndKeepsThemRegistered) {

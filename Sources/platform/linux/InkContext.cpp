@@ -22,9 +22,9 @@ void InkContext::stroke(const platform::BezierPath& path, platform::Color color)
   const double reach = path.lineWidth / 2;
   for (const auto& segment : path.segments)
     add(platform::insetBy(platform::rectBetween(segment.from, segment.to), -reach, -reach));
-  for (const auto& [rect, radius] : path.roundedRects) {
+  for (const auto& [rect, radius, continuous] : path.roundedRects) {
     // The four sides, so that what a large outline surrounds counts as free of ink.
-    const double side = 2 * reach + radius;
+    const double side = 2 * reach + (continuous ? 2 : 1) * radius;
     const Rect outer = platform::insetBy(rect, -reach, -reach);
     add({outer.origin, {side, outer.size.height}});
     add({{outer.maxX() - side, outer.minY()}, {side, outer.size.height}});
@@ -39,6 +39,8 @@ void InkContext::fill(const platform::BezierPath& path, platform::Color color) {
   for (const auto& rounded : path.roundedRects) add(rounded.rect);
   for (const Rect& oval : path.ovals) add(oval);
 }
+
+void InkContext::drawSymbol(std::string_view, const Rect& rect, platform::Color) { add(rect); }
 
 platform::Size InkContext::sizeOf(std::string_view text, const platform::TextAttributes& attributes) {
   return textSize(text, attributes);

@@ -15,6 +15,7 @@ class InkContext : public platform::GraphicsContext {
 
   void stroke(const platform::BezierPath& path, platform::Color color) override;
   void fill(const platform::BezierPath& path, platform::Color color) override;
+  void drawSymbol(std::string_view name, const platform::Rect& rect, platform::Color color) override;
   platform::Size sizeOf(std::string_view text, const platform::TextAttributes& attributes) override;
   void draw(std::string_view text, platform::Point origin,
             const platform::TextAttributes& attributes) override;

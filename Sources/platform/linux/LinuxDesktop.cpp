@@ -4,16 +4,25 @@
 #include <QScreen>
 #include <atomic>
 #include <cassert>
+#include <chrono>
 #include <cstdlib>
 #include <map>
 #include <string>
 
+#include "platform/Appearance.h"
+#include "platform/Date.h"
 #include "platform/NotificationCenter.h"
+#include "platform/linux/Appearance.h"
 #include "platform/linux/Application.h"
 #include "platform/linux/Dispatch.h"
 #include "platform/linux/Logger.h"
 #include "platform/linux/OverlaySession.h"
+#include "platform/linux/PanelPeer.h"
+#include "platform/linux/PanelStage.h"
 #include "platform/linux/Pasteboard.h"
+#include "platform/linux/Sound.h"
+#include "platform/linux/SpeechSynthesizer.h"
+#include "platform/linux/Typesetter.h"
 #include "platform/linux/UserDefaults.h"
 #include "platform/linux/Window.h"
 #include "platform/linux/Workspace.h"
@@ -72,15 +81,29 @@ void followToolkitScreens(x11::X11Displays& displays, OverlaySession& overlays, 
 
 /// What needs the application object, made with it.
 struct Interactive {
-  Interactive(int& argc, char** argv, x11::X11Displays& displays)
-      : application(argc, argv), hotKeys(toolkitConnection()), overlays(toolkitConnection(), displays) {
+  Interactive(int& argc, char** argv, PanelFreeDisplays& allDisplays)
+      : application(argc, argv),
+        hotKeys(toolkitConnection()),
+        displays(allDisplays),
+        panels(toolkitConnection(), displays),
+        overlays(toolkitConnection(), displays, panels) {
+    panels.beforeShowing = [this] { overlays.freezeAll(); };
+    displays.setStage(&panels);
     followToolkitScreens(displays, overlays, screenFollower);
   }
+  ~Interactive() { displays.setStage(nullptr); }
+  Interactive(const Interactive&) = delete;
+  Interactive& operator=(const Interactive&) = delete;
 
   QtApplication application;
   QtCursorStack cursors;
-  QtPasteboard pasteboard;
+  X11Pasteboard pasteboard;
   x11::X11HotKeys hotKeys;
+  CanberraSounds sounds;
+  QtTypesetter typesetter;
+  ColorScheme colorScheme;
+  PanelFreeDisplays& displays;
+  PanelStage panels;
   OverlaySession overlays;
   QObject screenFollower;
 };
@@ -95,7 +118,7 @@ struct LinuxDesktop::Parts {
   FileUserDefaults userDefaults{FileUserDefaults::defaultFile()};
   platform::NotificationCenter notificationCenter;
   platform::NotificationCenter workspaceNotificationCenter;
-  x11::X11Displays displays;
+  PanelFreeDisplays displays;
   XdgWorkspace workspace;
   TesseractRecognizer textRecognizer{{
       .runInBackground =
@@ -109,6 +132,7 @@ struct LinuxDesktop::Parts {
   }};
   std::atomic<unsigned> recognizerUses = 0;
   ZXingDetector barcodeDetector;
+  SpeechDispatcherSynthesizer speechSynthesizer;
   std::unique_ptr<Interactive> interactive;
 
   /// Gives the recogniser's memory back once nobody has used it for long. Any thread. A command-line mode,
@@ -133,6 +157,7 @@ LinuxDesktop::LinuxDesktop(int& argc, char** argv) : parts_(std::make_unique<Par
 
 LinuxDesktop::~LinuxDesktop() {
   dropSingletons();
+  if (parts_->interactive) parts_->interactive->pasteboard.leave();
   // A recognition can't be broken off. Nothing waits for its result any more and everything is saved, so
   // the process ends around it.
   parts_->dispatcher.dropWaitingTasks();
@@ -150,6 +175,11 @@ std::optional<std::string> LinuxDesktop::interactiveModeProblem() {
 
 platform::Application& LinuxDesktop::application() { return parts_->needInteractive().application; }
 platform::Dispatcher& LinuxDesktop::dispatcher() { return parts_->dispatcher; }
+platform::Date LinuxDesktop::currentDate() {
+  constexpr double referenceDateSince1970 = 978307200;  // 2001-01-01 00:00:00 UTC.
+  const std::chrono::duration<double> since1970 = std::chrono::system_clock::now().time_since_epoch();
+  return {since1970.count() - referenceDateSince1970};
+}
 platform::UserDefaults& LinuxDesktop::userDefaults() { return parts_->userDefaults; }
 platform::LogSink& LinuxDesktop::logSink() { return parts_->log; }
 platform::NotificationCenter& LinuxDesktop::notificationCenter() { return parts_->notificationCenter; }
@@ -160,6 +190,8 @@ platform::Displays& LinuxDesktop::displays() { return parts_->displays; }
 platform::Point LinuxDesktop::mouseLocation() { return parts_->displays.mouseLocation(); }
 platform::CursorStack& LinuxDesktop::cursors() { return parts_->needInteractive().cursors; }
 platform::Pasteboard& LinuxDesktop::pasteboard() { return parts_->needInteractive().pasteboard; }
+platform::Sounds& LinuxDesktop::sounds() { return parts_->needInteractive().sounds; }
+platform::SpeechSynthesizer& LinuxDesktop::speechSynthesizer() { return parts_->speechSynthesizer; }
 platform::HotKeys& LinuxDesktop::hotKeys() { return parts_->needInteractive().hotKeys; }
 platform::Workspace& LinuxDesktop::workspace() { return parts_->workspace; }
 platform::TextRecognizer& LinuxDesktop::textRecognizer() {
@@ -168,11 +200,15 @@ platform::TextRecognizer& LinuxDesktop::textRecognizer() {
 }
 platform::BarcodeDetector& LinuxDesktop::barcodeDetector() { return parts_->barcodeDetector; }
 
+platform::Appearance LinuxDesktop::appearance() {
+  return {parts_->needInteractive().colorScheme.isDark(), PanelWindow::blursBehind(toolkitConnection())};
+}
+platform::Typesetter& LinuxDesktop::typesetter() { return parts_->needInteractive().typesetter; }
+
 std::unique_ptr<platform::WindowPeer> LinuxDesktop::makeWindowPeer(platform::Window& window) {
-  OverlaySession& overlays = parts_->needInteractive().overlays;
-  const bool isOverlay = window.attributes().level > platform::windowLevelScreenSaver;
-  if (!isOverlay) overlays.freezeAll();
-  return std::make_unique<OverlayPeer>(window, overlays);
+  if (window.attributes().styleMask & platform::windowStyleNonactivatingPanel)
+    return std::make_unique<PanelPeer>(window, parts_->needInteractive().panels);
+  return std::make_unique<OverlayPeer>(window, parts_->needInteractive().overlays);
 }
 
 std::unique_ptr<platform::BitmapContext> LinuxDesktop::makeBitmapContext(int width, int height) {

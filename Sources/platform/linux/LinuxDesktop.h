@@ -19,6 +19,7 @@ class LinuxDesktop : public platform::Desktop {
 
   platform::Application& application() override;
   platform::Dispatcher& dispatcher() override;
+  platform::Date currentDate() override;
   platform::UserDefaults& userDefaults() override;
   platform::LogSink& logSink() override;
   platform::NotificationCenter& notificationCenter() override;
@@ -27,10 +28,14 @@ class LinuxDesktop : public platform::Desktop {
   platform::Point mouseLocation() override;
   platform::CursorStack& cursors() override;
   platform::Pasteboard& pasteboard() override;
+  platform::Sounds& sounds() override;
+  platform::SpeechSynthesizer& speechSynthesizer() override;
   platform::HotKeys& hotKeys() override;
   platform::Workspace& workspace() override;
   platform::TextRecognizer& textRecognizer() override;
   platform::BarcodeDetector& barcodeDetector() override;
+  platform::Appearance appearance() override;
+  platform::Typesetter& typesetter() override;
   std::unique_ptr<platform::WindowPeer> makeWindowPeer(platform::Window& window) override;
   std::unique_ptr<platform::BitmapContext> makeBitmapContext(int width, int height) override;
   std::optional<platform::Image> generateQRCode(std::string_view message,

@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "platform/Logger.h"
+#include "platform/linux/PanelStage.h"
 #include "platform/linux/Window.h"
 
 namespace lumiscan::desktop {
@@ -25,8 +26,8 @@ constexpr std::chrono::milliseconds concealPatience(400);
 
 }  // namespace
 
-OverlaySession::OverlaySession(xcb_connection_t* connection, x11::X11Displays& displays)
-    : connection_(connection), displays_(displays), grab_(connection), cursors_(connection) {
+OverlaySession::OverlaySession(xcb_connection_t* connection, x11::X11Displays& displays, PanelStage& panels)
+    : connection_(connection), displays_(displays), panels_(panels), grab_(connection), cursors_(connection) {
   grabRetry_.setSingleShot(true);
   QObject::connect(&grabRetry_, &QTimer::timeout, &context_, [this] { takeInput(); });
   QCoreApplication::instance()->installNativeEventFilter(this);
@@ -39,6 +40,8 @@ OverlaySession::~OverlaySession() {
 }
 
 x11::OverlayGround OverlaySession::overlayOpens(OverlayPeer& overlay, platform::DisplayID display) {
+  // What an overlay freezes, or shows through itself, is the desktop without them.
+  if (overlays_.empty()) panels_.conceal();
   overlays_.push_back(&overlay);
   ++generation_;
   return displays_.overlayOpens(display);

@@ -15,14 +15,15 @@
 namespace lumiscan::desktop {
 
 class OverlayPeer;
+class PanelStage;
 
 /// What the overlays share while any of them shows: the desktop behind them, the grabbed mouse and keyboard,
 /// and the way by which the X server's events reach them. Main thread only, but for hiding them from a
 /// picture.
 class OverlaySession : private QAbstractNativeEventFilter, private x11::OverlayConcealer {
  public:
-  /// The toolkit's connection. It and the displays outlive the session.
-  OverlaySession(xcb_connection_t* connection, x11::X11Displays& displays);
+  /// The toolkit's connection. It, the displays and the panels outlive the session.
+  OverlaySession(xcb_connection_t* connection, x11::X11Displays& displays, PanelStage& panels);
   ~OverlaySession() override;
 
   xcb_connection_t* connection() const { return connection_; }
@@ -62,6 +63,7 @@ class OverlaySession : private QAbstractNativeEventFilter, private x11::OverlayC
 
   xcb_connection_t* connection_;
   x11::X11Displays& displays_;
+  PanelStage& panels_;
   x11::InputGrab grab_;
   x11::ThemeCursors cursors_;
   QObject context_;

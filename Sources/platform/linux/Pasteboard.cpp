@@ -1,33 +1,30 @@
 #include "platform/linux/Pasteboard.h"
 
-#include <QClipboard>
-#include <QGuiApplication>
 #include <utility>
+
+#include "platform/UTF8.h"
 
 namespace lumiscan::desktop {
 
-QtPasteboard::~QtPasteboard() { flush(); }
-
-void QtPasteboard::clearContents() { write(std::nullopt); }
-
-void QtPasteboard::setString(std::string_view text) {
-  write(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
+void X11Pasteboard::leave() {
+  flush();
+  owner_.handToManager();
 }
 
-void QtPasteboard::write(Content content) {
+void X11Pasteboard::clearContents() { write(std::nullopt); }
+
+void X11Pasteboard::setString(std::string_view text) { write(platform::validUTF8(text)); }
+
+void X11Pasteboard::write(Content content) {
   if (!pending_)
     QMetaObject::invokeMethod(
         &context_, [this] { flush(); }, Qt::QueuedConnection);
   pending_ = std::move(content);
 }
 
-void QtPasteboard::flush() {
+void X11Pasteboard::flush() {
   if (!pending_) return;
-  if (*pending_)
-    QGuiApplication::clipboard()->setText(**pending_);
-  else
-    QGuiApplication::clipboard()->clear();
-  pending_.reset();
+  owner_.offer(*std::exchange(pending_, std::nullopt));
 }
 
 }  // namespace lumiscan::desktop

@@ -70,6 +70,7 @@ class WriterLock {
   ~WriterLock() {
     if (descriptor_ >= 0) close(descriptor_);
   }
+  bool isHeld() const { return descriptor_ >= 0; }
   WriterLock(const WriterLock&) = delete;
   WriterLock& operator=(const WriterLock&) = delete;
 
@@ -82,6 +83,19 @@ void makePrivateFolder(const std::filesystem::path& folder) {
   std::filesystem::create_directories(folder.parent_path(), ignored);
   mkdir(folder.c_str(), 0700);
   chmod(folder.c_str(), 0700);
+}
+
+/// Removes what writers that were killed have left: files of the preferences' name and six more characters.
+/// Precondition: nobody else writes.
+void removeUnfinished(const std::filesystem::path& file) {
+  constexpr std::size_t added = 7;  // The dot with them.
+  const std::string prefix = file.filename().string() + ".";
+  std::error_code ignored;
+  for (const auto& entry : std::filesystem::directory_iterator(file.parent_path(), ignored)) {
+    const std::string name = entry.path().filename().string();
+    if (name.starts_with(prefix) && name.size() == file.filename().string().size() + added)
+      std::filesystem::remove(entry.path(), ignored);
+  }
 }
 
 }  // namespace
@@ -155,6 +169,7 @@ void FileUserDefaults::setAside() const {
 bool FileUserDefaults::save() {
   makePrivateFolder(file_.parent_path());
   const WriterLock writerLock(file_);
+  if (writerLock.isHeld() && !std::exchange(unfinishedRemoved_, true)) removeUnfinished(file_);
   reload();
   json next = document_;
   for (const auto& [key, value] : unsaved_) {

@@ -51,6 +51,7 @@ class FileUserDefaults : public platform::UserDefaults {
   mutable std::mutex mutex_;
   mutable nlohmann::json document_ = nlohmann::json::object();
   mutable std::optional<Stamp> stamp_;
+  bool unfinishedRemoved_ = false;
   /// What couldn't be written yet: the new value, or nothing for a removed key.
   std::map<std::string, std::optional<nlohmann::json>, std::less<>> unsaved_;
 };

@@ -106,7 +106,7 @@ struct CairoBitmapContext::Canvas {
 
   void addShapes(const BezierPath& path) {
     cairo_t* const c = cairo.get();
-    for (const auto& [rect, radius] : path.roundedRects) addRoundedRect(rect, radius);
+    for (const auto& rounded : path.roundedRects) addRoundedRect(rounded.rect, rounded.radius);
     for (const Rect& oval : path.ovals) {
       if (!(oval.size.width > 0) || !(oval.size.height > 0)) continue;
       cairo_save(c);

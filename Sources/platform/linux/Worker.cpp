@@ -1,0 +1,79 @@
+#include "platform/linux/Worker.h"
+
+#include <condition_variable>
+#include <csignal>
+#include <deque>
+#include <mutex>
+#include <optional>
+#include <thread>
+#include <utility>
+
+namespace lumiscan::desktop {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// How long the end waits for works that were posted.
+constexpr std::chrono::milliseconds endPatience(200);
+
+}  // namespace
+
+struct Worker::State {
+  std::mutex mutex;
+  std::condition_variable changed;
+  std::deque<std::function<void()>> works;
+  std::optional<Clock::time_point> runningSince;
+  bool ending = false;
+  bool ended = false;
+};
+
+Worker::Worker() : state_(std::make_shared<State>()) {
+  // Signals are the main thread's, and a broken connection, which raises one, no reason to end the program.
+  sigset_t all;
+  sigset_t before;
+  sigfillset(&all);
+  pthread_sigmask(SIG_SETMASK, &all, &before);
+  std::thread(run, state_).detach();
+  pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}
+
+Worker::~Worker() {
+  std::unique_lock lock(state_->mutex);
+  state_->ending = true;
+  state_->changed.notify_all();
+  const bool hangs = state_->runningSince && Clock::now() - *state_->runningSince > endPatience;
+  if (!hangs && state_->changed.wait_for(lock, endPatience, [this] { return state_->ended; })) return;
+  state_->works.clear();
+}
+
+void Worker::post(std::function<void()> work) {
+  const std::lock_guard lock(state_->mutex);
+  state_->works.push_back(std::move(work));
+  state_->changed.notify_all();
+}
+
+bool Worker::hangs(std::chrono::milliseconds patience) const {
+  const std::lock_guard lock(state_->mutex);
+  return state_->runningSince && Clock::now() - *state_->runningSince > patience;
+}
+
+void Worker::run(const std::shared_ptr<State>& state) {
+  std::unique_lock lock(state->mutex);
+  while (true) {
+    state->changed.wait(lock, [&state] { return state->ending || !state->works.empty(); });
+    if (state->works.empty()) break;
+    auto work = std::move(state->works.front());
+    state->works.pop_front();
+    state->runningSince = Clock::now();
+    lock.unlock();
+    work();
+    work = nullptr;
+    lock.lock();
+    state->runningSince.reset();
+  }
+  state->ended = true;
+  state->changed.notify_all();
+}
+
+}  // namespace lumiscan::desktop

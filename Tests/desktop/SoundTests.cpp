@@ -1,0 +1,83 @@
+// The sounds on a private sound server without a device, whose output is recorded.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+
+#include "desktop/Process.h"
+#include "platform/linux/Sound.h"
+
+namespace lumiscan::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+class SoundTest : public ::testing::Test {
+ protected:
+  SoundTest() {
+    std::string name = fs::temp_directory_path() / "lumiscan-test-XXXXXX";
+    folder_ = mkdtemp(name.data());
+    for (const char* variable : {"HOME", "XDG_RUNTIME_DIR"}) setenv(variable, folder_.c_str(), 1);
+    setenv("PULSE_SERVER", ("unix:" + (folder_ / "socket").string()).c_str(), 1);
+  }
+  ~SoundTest() override { fs::remove_all(folder_); }
+
+  void startServer() {
+    std::ofstream(folder_ / "setup.pa")
+        << "load-module module-null-sink sink_name=silent rate=44100 channels=1\n"
+           "load-module module-native-protocol-unix auth-anonymous=1 socket="
+        << (folder_ / "socket").string() << "\nset-default-sink silent\n";
+    fs::remove(folder_ / "socket");
+    server_ = std::make_unique<Process>(std::vector<std::string>{"pulseaudio", "-n", "-F",
+                                                                 folder_ / "setup.pa", "--daemonize=no",
+                                                                 "--exit-idle-time=-1", "--use-pid-file=no"});
+    ASSERT_TRUE(waitUntil([this] { return fs::exists(folder_ / "socket"); }));
+    recorder_ = std::make_unique<Process>(std::vector<std::string>{"parec", "-d", "silent.monitor",
+                                                                   "--rate=44100", "--channels=1",
+                                                                   "--format=s16le", "--latency-msec=10"});
+    ASSERT_TRUE(waitUntil([this] { return !recorder_->standardOutput().empty(); }));
+  }
+
+  /// How many samples of what was recorded are no silence.
+  std::size_t loudSamples() const {
+    const std::string bytes = recorder_->standardOutput();
+    std::vector<std::int16_t> samples(bytes.size() / 2);
+    std::memcpy(samples.data(), bytes.data(), samples.size() * 2);
+    return static_cast<std::size_t>(
+        std::ranges::count_if(samples, [](int sample) { return std::abs(sample) > 500; }));
+  }
+  bool waitForSound() {
+    const std::size_t before = loudSamples();
+    return waitUntil([&] { return loudSamples() > before + 2000; });
+  }
+
+  fs::path folder_;
+  std::unique_ptr<Process> server_;
+  std::unique_ptr<Process> recorder_;
+};
+
+TEST_F(SoundTest, PlaysWhereThereIsADeviceAndIsSilentElsewhere) {
+  desktop::CanberraSounds sounds;
+  sounds.play("Tink");
+  startServer();
+  sounds.play("No such sound");
+  for (const char* name : {"Tink", "Basso", "Tink"}) {
+    sounds.play(name);
+    EXPECT_TRUE(waitForSound()) << name;
+  }
+  // A server that was started again.
+  recorder_ = nullptr;
+  server_ = nullptr;
+  sounds.play("Basso");
+  startServer();
+  EXPECT_EQ(loudSamples(), 0U);
+  sounds.play("Basso");
+  EXPECT_TRUE(waitForSound());
+}
+
+}  // namespace
+}  // namespace lumiscan::testing

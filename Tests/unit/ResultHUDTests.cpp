@@ -1,0 +1,138 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "output/HUDContentView.h"
+#include "output/ResultHUD.h"
+#include "settings/Settings.h"
+#include "support/SimulatedDesktop.h"
+
+namespace lumiscan {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using Kind = testing::DrawingOperation::Kind;
+using platform::Color;
+using platform::Rect;
+
+class ResultHUDTest : public ::testing::Test {
+ protected:
+  platform::Window* panel() { return desktop.windows().topmost(); }
+  std::string shown() { return panel() ? testing::SimulatedWindows::content(*panel()) : "nothing"; }
+
+  testing::SimulatedDesktop desktop;
+  std::shared_ptr<ResultHUD> hud = std::make_shared<ResultHUD>();
+};
+
+TEST_F(ResultHUDTest, ThePanelFloatsUnfocusedWhereTheMouseIs) {
+  desktop.displays().attach(2, {{1440, -100}, {1000, 800}}, 2);
+  struct Case {
+    platform::Point mouse;
+    std::string title;
+    std::optional<std::string> preview;
+    Rect frame;
+  };
+  // Characters are 6 points wide, lines 14 high; 16 by 16 is the symbol, 28 and 20 the padding.
+  const std::string fifty(50, 'x');
+  const Case cases[] = {
+      {{10, 10}, "Copied", std::nullopt, {{600, 852}, {240, 36}}},
+      {{10, 10}, "Copied", "", {{600, 852}, {240, 36}}},
+      {{10, 10}, "Copied", fifty, {{556, 834}, {328, 54}}},
+      {{10, 10}, "Copied", std::string(500, 'x'), {{517, 834}, {406, 54}}},
+      {{10, 10}, fifty, std::nullopt, {{544, 852}, {352, 36}}},
+      {{10, 10}, fifty + fifty, std::nullopt, {{517, 840}, {406, 48}}},
+      {{1440, 0}, "Copied", std::nullopt, {{1820, 652}, {240, 36}}},
+      {{-5000, 0}, "Copied", std::nullopt, {{600, 852}, {240, 36}}},
+  };
+  for (const Case& each : cases) {
+    desktop.windows().mouseLocation = each.mouse;
+    hud->show(each.title, each.preview);
+    ASSERT_EQ(desktop.windows().visible().size(), 1U);
+    EXPECT_EQ(panel()->frame(), each.frame) << each.title << " / " << each.preview.value_or("none");
+  }
+  EXPECT_EQ(desktop.windows().keyWindow(), nullptr);
+  EXPECT_FALSE(panel()->canBecomeKey());
+  EXPECT_FALSE(desktop.applicationMade()) << "nothing is activated";
+  const auto& attributes = panel()->attributes();
+  EXPECT_EQ(attributes.styleMask, 128U);
+  EXPECT_EQ(attributes.level, 3);
+  EXPECT_EQ(attributes.collectionBehavior, 321U);
+  EXPECT_EQ(attributes.backgroundColor, Color::clear());
+  EXPECT_TRUE(attributes.hasShadow && !attributes.opaque);
+
+  desktop.displays().detach(2);
+  desktop.displays().detach(1);
+  hud->show("No screen");
+  EXPECT_EQ(panel()->frame(), (Rect{{600, 852}, {240, 36}}));
+}
+
+TEST_F(ResultHUDTest, ThePanelGoesByItselfAndANewOneReplacesIt) {
+  hud->show("success");
+  desktop.advance(2.04);
+  EXPECT_EQ(shown(), "checkmark.circle.fill success") << "1.8 seconds and a fade";
+  desktop.advance(0.02);
+  EXPECT_EQ(panel(), nullptr);
+  hud->show("error", std::nullopt, true);
+  desktop.advance(2.84);
+  EXPECT_EQ(shown(), "exclamationmark.triangle.fill error") << "2.6 seconds and a fade";
+  desktop.advance(0.02);
+  EXPECT_EQ(panel(), nullptr);
+
+  hud->show("own", std::nullopt, true, "symbol", 0.5);
+  EXPECT_EQ(shown(), "symbol own");
+  desktop.advance(0.4);
+  hud->show("second");
+  EXPECT_EQ(desktop.windows().visible().size(), 1U);
+  desktop.advance(1.9);  // Within the second one's fade.
+  EXPECT_EQ(panel()->attributes().alphaValue, 0);
+  hud->show("third");
+  EXPECT_EQ(panel()->attributes().alphaValue, 1);
+  desktop.advance(1.7);
+  EXPECT_EQ(shown(), "checkmark.circle.fill third");
+
+  Settings::setBool("showHUD", false);
+  hud->show("never");
+  EXPECT_EQ(shown(), "checkmark.circle.fill third");
+  desktop.advance(0.36);
+  EXPECT_EQ(panel(), nullptr);
+
+  Settings::setBool("showHUD", true);
+  hud->show("last");
+  hud = nullptr;
+  EXPECT_EQ(panel(), nullptr);
+  desktop.advance(5);
+}
+
+TEST_F(ResultHUDTest, TheContentIsLaidOutFromTheLeadingEdge) {
+  for (const bool dark : {false, true}) {
+    desktop.look.isDark = dark;
+    hud->show("Title", "pre\nview", dark);
+    const auto drawing = testing::SimulatedWindows::render(*panel());
+    ASSERT_EQ(drawing.size(), 5U);
+    EXPECT_EQ(drawing[0].kind, Kind::fill);
+    EXPECT_EQ(drawing[0].path.roundedRects[0].radius, 12);
+    EXPECT_TRUE(drawing[0].path.roundedRects[0].continuous);
+    EXPECT_EQ(drawing[0].color, desktop.look.panelMaterial());
+    EXPECT_EQ(drawing[1].rect, (Rect{{14, 28}, {16, 16}}));
+    EXPECT_EQ(drawing[1].color, dark ? (Color{0.95, 0.5, 0.25, 1}) : desktop.look.systemGreen());
+    EXPECT_EQ(drawing[2].origin, (platform::Point{38, 29}));
+    EXPECT_EQ(drawing[2].font.size, 13);
+    EXPECT_EQ(drawing[2].font.weight, platform::FontWeight::semibold);
+    EXPECT_EQ(drawing[3].text, "pre view");
+    EXPECT_EQ(drawing[3].origin, (platform::Point{14, 10}));
+    EXPECT_EQ(drawing[3].font.size, 12);
+    EXPECT_EQ(drawing[3].color, desktop.look.secondaryLabelColor());
+    EXPECT_EQ(drawing[4].kind, Kind::stroke);
+    EXPECT_EQ(drawing[4].path.roundedRects[0].rect, (Rect{{0.5, 0.5}, {239, 53}}));
+    EXPECT_EQ(drawing[4].color, desktop.look.labelColor().withAlpha(0.08));
+  }
+}
+
+TEST_F(ResultHUDTest, LongPreviewsKeepTheirStartAndEnd) {
+  hud->show("Copied", "start " + std::string(10 << 20, 'x') + " end");
+  EXPECT_EQ(shown(), "checkmark.circle.fill Copied / start " + std::string(25, 'x') + "…" +
+                         std::string(27, 'x') + " end");
+}
+
+}  // namespace
+}  // namespace lumiscan
