@@ -1,5 +1,5 @@
-// Prepares arbitrary images for the text engine: ink, lines and the pictures of the lines; and holds a reading against
-// the shapes of their ink.
+// Prepares arbitrary images for the text engine: ink, lines and the pictures of the lines; and holds a
+// reading against the shapes of their ink.
 
 #include <cstdlib>
 

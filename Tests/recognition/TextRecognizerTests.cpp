@@ -73,6 +73,27 @@ TEST(TextRecognizer, ReadsSourceCodeWithItsUnderscoresAndQuotes) {
       ElementsAre("def __init__(self, max_size=10):", "self.user_name = 'none'", "self.title = \"a_b\""));
 }
 
+TEST(TextRecognizer, ReadsSignsWhereTheEngineAloneReadsLetters) {
+  const std::vector<std::string> code{"ls -la `pwd` | sed 's/#//'",
+                                      "for (i = 0; i <= n1; ++i) {",
+                                      "xs = [*a, **b] && !(c || d);",
+                                      "}",
+                                      "-38.5",
+                                      "@__index__"};
+  for (const double size : {14.0, 18.0, 22.0})
+    EXPECT_THAT(
+        linesOf(pictureOf(code, {size, Color::black(), Color::white(), platform::Font::Design::monospaced})),
+        ElementsAreArray(code))
+        << size;
+}
+
+TEST(TextRecognizer, ReadsSpacesByTheirWidthAndDashesByTheirStrokes) {
+  const std::vector<std::string> text{"I came, I saw -- and one when he", "was a boy. (8) Ln 12, Col 8",
+                                      "Move to Trash at 9:05 PM today"};
+  for (const double size : {12.0, 15.0, 20.0})
+    EXPECT_THAT(linesOf(pictureOf(text, {size})), ElementsAreArray(text)) << size;
+}
+
 TEST(TextRecognizer, ReadsSeveralLanguagesInOneText) {
   const std::vector<std::string> german{"Größere Änderungen über Nacht", "müssen öfter geprüft werden."};
   EXPECT_THAT(linesOf(pictureOf(german), {"en-US", "de-DE"}), ElementsAreArray(german));

@@ -49,6 +49,8 @@ constexpr Rendition otherRenditions[] = {{36, 0.2}, {30, 0.25}};
 /// Whether a line is worth reading more than once: the engine isn't sure of a symbol, less so where it
 /// doesn't look like it.
 bool isDoubtful(const std::vector<Symbol>& symbols) {
+  constexpr double hopeless = 60;  // Of a line that the selection cuts in half, or of no text.
+  if (meanConfidence(symbols) < hopeless) return false;
   return std::any_of(symbols.begin(), symbols.end(), [](const Symbol& symbol) {
     return symbol.confidence < (symbol.isLikely ? 80 : 90) || (symbol.hasOwnInk && !symbol.isLikely);
   });

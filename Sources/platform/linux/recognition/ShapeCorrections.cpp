@@ -36,11 +36,13 @@ struct Demand {
 
 Demand demandFor(char32_t read, char32_t seen, double confidence) {
   const bool isSure = confidence >= 98;
+  const bool isTorn = confidence < 70;  // Readings differ.
   if (isQuote(seen) && !isLetter(read)) return {0.5F, 0.3F};
   if (isDigit(seen) && !isLetter(read)) return {0.8F, 0.05F};
   if (u_tolower(static_cast<UChar32>(read)) == u_tolower(static_cast<UChar32>(seen))) return {0.98F, 0.01F};
   if (isSure || (isLetter(read) && isLetter(seen))) return {0.99F, 0.001F};
   if (isLetter(seen)) return {0.98F, 0.01F};
+  if (isTorn) return {0.6F, 0.1F};
   if (isLetter(read)) return {0.8F, 0.02F};
   return confidence > 90 ? Demand{0.98F, 0.01F} : Demand{0.8F, 0.1F};
 }
