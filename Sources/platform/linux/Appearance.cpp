@@ -1,12 +1,12 @@
 #include "platform/linux/Appearance.h"
 
-#include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
 #include <QGuiApplication>
 #include <QPalette>
+#include <utility>
 
 namespace lumiscan::desktop {
 
@@ -28,30 +28,28 @@ std::optional<bool> prefersDark(QVariant value) {
 
 }  // namespace
 
-ColorScheme::ColorScheme() {
-  QDBusConnection bus = QDBusConnection::sessionBus();
-  if (!bus.isConnected()) return;
-  bus.connect(service, path, interface, QStringLiteral("SettingChanged"), this,
-              SLOT(settingChanged(QString, QString, QDBusVariant)));
+ColorScheme::ColorScheme(QDBusConnection bus) : bus_(std::move(bus)) { askPortal(); }
+
+void ColorScheme::askPortal() {
+  if (isAsking_ || !bus_.isConnected()) return;
   QDBusMessage question = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("Read"));
   question << space << key;
-  auto* answer = new QDBusPendingCallWatcher(bus.asyncCall(question), this);
-  connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
+  auto* answer = new QDBusPendingCallWatcher(bus_.asyncCall(question), &context_);
+  isAsking_ = true;
+  QObject::connect(answer, &QDBusPendingCallWatcher::finished, &context_, [this, answer] {
+    isAsking_ = false;
     const QDBusPendingReply<QDBusVariant> reply = *answer;
-    if (!reply.isError()) preferred_ = prefersDark(QVariant::fromValue(reply.value()));
+    preferred_ = reply.isError() ? std::nullopt : prefersDark(QVariant::fromValue(reply.value()));
     answer->deleteLater();
   });
 }
 
-bool ColorScheme::isDark() const {
-  if (preferred_) return *preferred_;
+bool ColorScheme::isDark() {
   const QPalette palette = QGuiApplication::palette();
-  return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
-}
-
-void ColorScheme::settingChanged(const QString& changedSpace, const QString& changedKey,
-                                 const QDBusVariant& value) {
-  if (changedSpace == space && changedKey == key) preferred_ = prefersDark(value.variant());
+  const bool dark = preferred_.value_or(palette.color(QPalette::Window).lightness() <
+                                        palette.color(QPalette::WindowText).lightness());
+  askPortal();
+  return dark;
 }
 
 }  // namespace lumiscan::desktop

@@ -1,25 +1,25 @@
 #pragma once
 
+#include <QDBusConnection>
 #include <QObject>
 #include <optional>
-
-class QDBusVariant;
-class QString;
 
 namespace lumiscan::desktop {
 
 /// Whether the user prefers dark windows: what the desktop's portal says, or without one how the toolkit's
-/// own palette looks. Follows changes; never waits for the portal. Main thread only.
-class ColorScheme : public QObject {
-  Q_OBJECT
-
+/// own palette looks. Never waits for the portal: each answer is the last one known, and has the portal asked
+/// again for the next. Main thread only.
+class ColorScheme {
  public:
-  ColorScheme();
-  bool isDark() const;
+  explicit ColorScheme(QDBusConnection bus = QDBusConnection::sessionBus());
+  bool isDark();
 
  private:
-  Q_SLOT void settingChanged(const QString& space, const QString& key, const QDBusVariant& value);
+  void askPortal();
 
+  QDBusConnection bus_;
+  QObject context_;
+  bool isAsking_ = false;
   std::optional<bool> preferred_;
 };
 

@@ -1,0 +1,70 @@
+// The user's choice between light and dark, as a desktop portal tells it on a private bus.
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVariant>
+#include <QDBusVirtualObject>
+#include <atomic>
+
+#include "desktop/PrivateDesktop.h"
+#include "platform/Appearance.h"
+#include "platform/Application.h"
+#include "platform/linux/Appearance.h"
+#include "platform/linux/LinuxDesktop.h"
+
+namespace lumiscan::testing {
+namespace {
+
+const QString path = "/org/freedesktop/portal/desktop";
+const QString interface = "org.freedesktop.portal.Settings";
+const QString space = "org.freedesktop.appearance";
+
+/// Answers what a portal answers: a number in a variant in a variant.
+class Portal : public QDBusVirtualObject {
+ public:
+  QString introspect(const QString&) const override { return {}; }
+  bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
+    EXPECT_EQ(message.interface(), interface);
+    EXPECT_EQ(message.arguments(), (QVariantList{space, "color-scheme"}));
+    const QDBusVariant value(QVariant::fromValue(QDBusVariant(scheme.load())));
+    return connection.send(message.createReply(QVariant::fromValue(value)));
+  }
+  std::atomic<unsigned> scheme = 1;
+};
+
+TEST(Appearance, FollowsThePortalAndElseThePalette) {
+  PrivateDesktop screen;
+  char name[] = "test";
+  char* argv[] = {name, nullptr};
+  int argc = 1;
+  desktop::LinuxDesktop desktop(argc, argv);
+  platform::Application::shared();
+  EXPECT_FALSE(platform::Appearance::current().isDark) << "no portal and a light palette";
+
+  Process bus({"dbus-daemon", "--session", "--nofork", "--print-address=1"});
+  ASSERT_TRUE(waitUntil([&bus] { return bus.standardOutput().ends_with('\n'); }));
+  const QString address = QString::fromStdString(bus.standardOutput()).trimmed();
+  QDBusConnection portalSide = QDBusConnection::connectToBus(address, "portal");
+  Portal portal;
+  ASSERT_TRUE(portalSide.registerVirtualObject(path, &portal));
+  ASSERT_TRUE(portalSide.registerService("org.freedesktop.portal.Desktop"));
+
+  desktop::ColorScheme scheme(QDBusConnection::connectToBus(address, "program"));
+  const auto becomes = [&scheme](bool dark) {
+    return waitUntil([&] { return scheme.isDark() == dark; }, [] { QCoreApplication::processEvents(); });
+  };
+  EXPECT_FALSE(scheme.isDark()) << "not yet answered: the palette's";
+  EXPECT_TRUE(becomes(true));
+  portal.scheme = 2;
+  EXPECT_TRUE(becomes(false));
+  portal.scheme = 1;
+  EXPECT_TRUE(becomes(true));
+  portal.scheme = 0;
+  EXPECT_TRUE(becomes(false)) << "no preference: the palette's";
+}
+
+}  // namespace
+}  // namespace lumiscan::testing
