@@ -4,6 +4,7 @@
 #include <xcb/xfixes.h>
 
 #include <QCoreApplication>
+#include <cmath>
 #include <csignal>
 #include <fstream>
 
@@ -29,7 +30,7 @@ class OutputTest : public ::testing::Test {
   /// 0xRRGGBB.
   static std::uint32_t panelGround() {
     const platform::Color color = platform::Appearance::current().panelMaterial();
-    const auto channel = [](double value) { return static_cast<std::uint32_t>(value * 255 + 0.5); };
+    const auto channel = [](double value) { return static_cast<std::uint32_t>(std::lround(value * 255)); };
     return channel(color.red) << 16 | channel(color.green) << 8 | channel(color.blue);
   }
 

@@ -17,7 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 
 class SoundTest : public ::testing::Test {
- protected:
+ public:
   SoundTest() {
     std::string name = fs::temp_directory_path() / "lumiscan-test-XXXXXX";
     folder_ = mkdtemp(name.data());
@@ -26,6 +26,7 @@ class SoundTest : public ::testing::Test {
   }
   ~SoundTest() override { fs::remove_all(folder_); }
 
+ protected:
   void startServer() {
     std::ofstream(folder_ / "setup.pa")
         << "load-module module-null-sink sink_name=silent rate=44100 channels=1\n"

@@ -21,7 +21,7 @@ using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
 class SpeechTest : public ::testing::Test {
- protected:
+ public:
   SpeechTest() {
     std::string name = fs::temp_directory_path() / "lumiscan-test-XXXXXX";
     folder_ = mkdtemp(name.data());
@@ -51,6 +51,7 @@ AddVoice "cmn" "MALE1" "cmn"
     fs::remove_all(folder_);
   }
 
+ protected:
   /// Which of the two modules speaks: the one that notes what it does, or the engine's own.
   void configure(const std::string& module) {
     std::ofstream(folder_ / "speechd.conf") << R"(LogLevel 0
