@@ -11,24 +11,11 @@
 #include <vector>
 
 #include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/Visual.h"
 
 namespace lumiscan::desktop {
 
 namespace {
-
-const xcb_screen_t& screenOf(xcb_connection_t* connection) {
-  return *xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
-}
-
-/// A visual with an alpha channel; 0 when the server has none.
-xcb_visualid_t translucentVisual(const xcb_screen_t& screen, std::uint8_t depth) {
-  for (auto depths = xcb_screen_allowed_depths_iterator(&screen); depths.rem; xcb_depth_next(&depths)) {
-    if (depths.data->depth != depth) continue;
-    for (auto visuals = xcb_depth_visuals_iterator(depths.data); visuals.rem; xcb_visualtype_next(&visuals))
-      if (visuals.data->_class == XCB_VISUAL_CLASS_TRUE_COLOR) return visuals.data->visual_id;
-  }
-  return 0;
-}
 
 /// For each row, from where to where the picture has ink: the shape of a picture without holes.
 std::vector<xcb_rectangle_t> inkRows(const QImage& picture) {
@@ -56,7 +43,7 @@ PanelWindow::PanelWindow(xcb_connection_t* connection, const QRect& pixels, QIma
       picture_(std::move(picture)),
       window_(xcb_generate_id(connection)),
       gc_(xcb_generate_id(connection)) {
-  const xcb_screen_t& screen = screenOf(connection);
+  const xcb_screen_t& screen = x11::screenOf(connection);
   create(screen);
   describe(windowClass);
   letTheMouseThrough();
@@ -74,7 +61,7 @@ PanelWindow::~PanelWindow() {
 void PanelWindow::create(const xcb_screen_t& screen) {
   xcb_visualid_t visual = screen.root_visual;
   depth_ = screen.root_depth;
-  const auto withAlpha = translucentVisual(screen, translucentDepth);
+  const auto withAlpha = x11::visualOfDepth(screen, translucentDepth);
   if (withAlpha != 0 && x11::hasCompositor(connection_)) {
     visual = withAlpha;
     depth_ = translucentDepth;
@@ -145,7 +132,7 @@ bool PanelWindow::blursBehind(xcb_connection_t* connection) {
   if (!x11::hasCompositor(connection)) return false;
   // Who blurs announces it by a property of that name.
   const x11::Reply<xcb_list_properties_reply_t> properties(xcb_list_properties_reply(
-      connection, xcb_list_properties(connection, screenOf(connection).root), nullptr));
+      connection, xcb_list_properties(connection, x11::screenOf(connection).root), nullptr));
   if (!properties) return false;
   const xcb_atom_t* first = xcb_list_properties_atoms(properties.get());
   const xcb_atom_t* end = first + xcb_list_properties_atoms_length(properties.get());

@@ -111,7 +111,7 @@ std::vector<QuoteMark> quoteMarks(const std::vector<Glyph>& glyphs, const GreyBi
 
 /// How many strokes lie one behind the other, also where their smoothed ends meet: there the ink is fainter.
 int strokesAlong(const GreyBitmap& ink, const PixelBox& box) {
-  constexpr int fainter = 80;  // Per cent of the ink before and behind.
+  constexpr int fainter = 88;  // Per cent of the ink before and behind.
   int strokes = 0;
   int peak = 0;    // Of this stroke so far,
   int valley = 0;  // and the least ink behind it.

@@ -135,7 +135,7 @@ std::optional<platform::Image> X11Displays::createImage(platform::DisplayID disp
 void X11Displays::waitForRepaint(const platform::DisplayID& display, const Mark& mark,
                                  std::chrono::steady_clock::time_point since) const {
   // A ground that has changed meanwhile never comes back: then the time itself must do.
-  constexpr auto longestRepaint = std::chrono::milliseconds(100);
+  constexpr auto longestRepaint = std::chrono::milliseconds(300);
   constexpr auto betweenLooks = std::chrono::milliseconds(2);
   while (std::chrono::steady_clock::now() < since + longestRepaint &&
          pixelColor(display, mark.x, mark.y) != mark.ground)

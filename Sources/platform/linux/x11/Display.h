@@ -95,7 +95,7 @@ class X11Displays : public platform::Displays {
   std::optional<Mark> placeMark(platform::DisplayID display);
   std::optional<Mark> knownMark(platform::DisplayID display) const;
   std::optional<std::uint32_t> pixelColor(platform::DisplayID display, int x, int y) const;
-  /// Waits until the screen shows none of our overlays, for a tenth of a second from `since` at the most.
+  /// Waits until the screen shows none of our overlays, for a third of a second from `since` at the most.
   void waitForRepaint(const platform::DisplayID& display, const Mark& mark,
                       std::chrono::steady_clock::time_point since) const;
 

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/Visual.h"
 
 namespace lumiscan::desktop::x11 {
 
@@ -13,20 +14,6 @@ namespace {
 constexpr std::uint32_t wantedEvents = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_BUTTON_PRESS |
                                        XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_POINTER_MOTION |
                                        XCB_EVENT_MASK_KEY_PRESS;
-
-const xcb_screen_t& screenOf(xcb_connection_t* connection) {
-  return *xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
-}
-
-/// A visual with an alpha channel; 0 when the server has none.
-xcb_visualid_t transparentVisual(const xcb_screen_t& screen, std::uint8_t depth) {
-  for (auto depths = xcb_screen_allowed_depths_iterator(&screen); depths.rem; xcb_depth_next(&depths)) {
-    if (depths.data->depth != depth) continue;
-    for (auto visuals = xcb_depth_visuals_iterator(depths.data); visuals.rem; xcb_visualtype_next(&visuals))
-      if (visuals.data->_class == XCB_VISUAL_CLASS_TRUE_COLOR) return visuals.data->visual_id;
-  }
-  return 0;
-}
 
 }  // namespace
 
@@ -40,7 +27,7 @@ OverlayWindow::OverlayWindow(xcb_connection_t* connection, const platform::Rect&
   const xcb_screen_t& screen = screenOf(connection);
   xcb_visualid_t visual = screen.root_visual;
   depth_ = screen.root_depth;
-  if (const auto withAlpha = transparentVisual(screen, transparentDepth);
+  if (const auto withAlpha = visualOfDepth(screen, transparentDepth);
       withAlpha != 0 && ground == Ground::nothing) {
     visual = withAlpha;
     depth_ = transparentDepth;
