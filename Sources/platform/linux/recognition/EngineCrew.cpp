@@ -86,7 +86,12 @@ class EngineCrew::Shift {
 
   void reinforce(std::size_t engine, std::unique_lock<std::mutex>& lock) {
     lock.unlock();
-    std::shared_ptr<Engine> more = crew_.reinforce_(engine);
+    std::shared_ptr<Engine> more;
+    try {
+      more = crew_.reinforce_(engine);
+    } catch (const std::exception&) {
+      // The engine that there is does without, as where memory is short.
+    }
     lock.lock();
     if (more) crew_.engines_[engine].push_back(std::move(more));
   }

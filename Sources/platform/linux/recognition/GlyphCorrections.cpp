@@ -128,11 +128,6 @@ int strokesAlong(const GreyBitmap& ink, const PixelBox& box) {
   return strokes;
 }
 
-bool isWordCharacter(const Symbol& symbol) {
-  const auto c = static_cast<unsigned char>(symbol.text.front());
-  return std::isalnum(c) || c == '_' || c >= 0x80;
-}
-
 }  // namespace
 
 std::vector<Glyph> takeUnderscores(std::vector<Glyph>& glyphs, const TextLine& line) {

@@ -5,24 +5,13 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/linux/recognition/Utf8.h"
+
 namespace lumiscan::desktop {
 
 namespace {
 
-/// The first code point of what was read.
-char32_t codePointOf(const Symbol& symbol) {
-  char32_t point = 0;
-  for (std::size_t i = 0; i < symbol.text.size(); ++i) {
-    const auto byte = static_cast<unsigned char>(symbol.text[i]);
-    if (i == 0)
-      point = byte < 0x80 ? byte : byte < 0xE0 ? byte & 31 : byte < 0xF0 ? byte & 15 : byte & 7;
-    else if ((byte & 0xC0) == 0x80)
-      point = point << 6 | (byte & 63);
-    else
-      break;
-  }
-  return point;
-}
+char32_t codePointOf(const Symbol& symbol) { return onlyCodePoint(symbol.text); }
 
 bool isIdeograph(char32_t c) { return (c >= 0x3400 && c <= 0x9FFF) || (c >= 0xF900 && c <= 0xFAFF); }
 bool isKana(char32_t c) { return c >= 0x3041 && c <= 0x30FF; }

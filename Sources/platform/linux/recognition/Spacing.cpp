@@ -33,11 +33,6 @@ int doubleDistance(const PixelBox& left, const PixelBox& right) {
 
 unsigned char firstByte(const Symbol& symbol) { return static_cast<unsigned char>(symbol.text.front()); }
 bool isDigit(const Symbol& symbol) { return std::isdigit(firstByte(symbol)) != 0; }
-bool isWordCharacter(const Symbol& symbol) {
-  const unsigned char c = firstByte(symbol);
-  return std::isalnum(c) || c == '_' || c >= 0x80;
-}
-
 /// The distances, doubled, between neighbours without a space between them.
 std::vector<int> doubleDistances(const std::vector<Symbol>& symbols) {
   std::vector<int> distances;
@@ -121,6 +116,11 @@ void correctByWidth(const std::vector<Pair>& pairs, double space) {
 }
 
 }  // namespace
+
+bool isWordCharacter(const Symbol& symbol) {
+  const unsigned char c = firstByte(symbol);
+  return std::isalnum(c) || c == '_' || c >= 0x80;
+}
 
 std::optional<double> fixedPitch(const std::vector<Symbol>& symbols) {
   const std::optional<double> pitch = doublePitch(doubleDistances(symbols));

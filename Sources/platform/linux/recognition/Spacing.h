@@ -7,6 +7,9 @@
 
 namespace lumiscan::desktop {
 
+/// Whether a symbol is part of a word, and no sign beside it.
+bool isWordCharacter(const Symbol& symbol);
+
 /// The distance in pixels at which all symbols stand, if there is one. Their boxes are those of their ink.
 std::optional<double> fixedPitch(const std::vector<Symbol>& symbols);
 
