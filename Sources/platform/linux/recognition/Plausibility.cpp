@@ -72,7 +72,8 @@ void dropImplausible(std::vector<ReadLine>& lines) {
   std::erase_if(lines, [smallest = *smallest, largest = *largest](const ReadLine& line) {
     constexpr double leastConfidence = 20;
     const bool isOfTheirSize = 3 * line.letterHeight >= smallest && line.letterHeight <= 3 * largest;
-    const bool isRead = line.confidence >= leastConfidence || 2 * line.likely >= line.symbols;
+    const bool isRead = line.confidence >= leastConfidence || 2 * line.likely >= line.symbols ||
+                        (hasTouchingLetters(line) && hasLongWord(line.text));
     return !isRead || (!isOfTheirSize && !isLoneLabel(line));
   });
 }

@@ -182,6 +182,26 @@ std::vector<Row> rowsOfLetters(const Glyphs& letters) {
   return rows;
 }
 
+/// Commas and the like may be as high as a small letter, and hang so low that they share little of its
+/// height with the row. Real lines don't reach into each other's letters.
+void joinHangingRows(std::vector<Row>& rows, int usual) {
+  for (auto row = rows.begin(); row != rows.end();) {
+    const bool low = std::all_of(row->glyphs.begin(), row->glyphs.end(), [usual](const Glyph& glyph) {
+      return glyph.height() <= usual && 2 * glyph.width() <= 3 * glyph.height();
+    });
+    const auto above = std::find_if(rows.begin(), rows.end(), [&](const Row& other) {
+      return &other != &*row && other.glyphs.size() > row->glyphs.size() && other.top < row->top &&
+             other.bottom >= row->top;
+    });
+    if (!low || above == rows.end()) {
+      ++row;
+      continue;
+    }
+    above->glyphs.insert(above->glyphs.end(), row->glyphs.begin(), row->glyphs.end());
+    row = rows.erase(row);
+  }
+}
+
 /// How far a mark is from a row. Flat strokes stand below their row, as underscores do, or in it.
 int markDistance(const Row& row, const Glyph& mark, int usual) {
   const bool flat = mark.width() >= 3 * mark.height();
@@ -212,6 +232,7 @@ std::vector<Row> rowsOf(const Glyphs& glyphs, int usual, Characters characters) 
   for (const Glyph& glyph : glyphs) (isMark(glyph) ? marks : letters).push_back(glyph);
   std::vector<Row> rows = rowsOfLetters(letters);
   if (characters == Characters::alphabetic) {
+    joinHangingRows(rows, usual);
     // Lines of nothing but marks.
     std::vector<Row> more = rowsOfLetters(addMarks(rows, marks, usual, usual));
     std::move(more.begin(), more.end(), std::back_inserter(rows));
