@@ -73,7 +73,7 @@ class Aligner {
     if (hasSymbol) offer(0, 1, symbolWithoutInk);
     if (!hasCluster || !hasSymbol || distance(c, 1, s, 1) > farthest + 2) return;
     offer(1, 1, pairCost(c, 1, s));
-    for (std::size_t n = 2; n <= mostPieces && c + n <= clusterCount_ && areNear(c + n - 2); ++n)
+    for (std::size_t n = 2; n <= mostPieces && c + n <= clusterCount_ && areNear(c, n); ++n)
       offer(n, 1, pairCost(c, n, s) + inPieces * static_cast<double>(n - 1));
     for (std::size_t n = 2; n <= mostTouching && s + n <= symbols_.size(); ++n) {
       if (symbols_[s + n - 1].spaceBefore) break;
@@ -81,10 +81,12 @@ class Aligner {
     }
   }
 
-  /// Whether the cluster and the next may be pieces of one character.
-  bool areNear(std::size_t c) const {
+  /// Whether the last of the clusters may be a piece of one character with the others.
+  bool areNear(std::size_t c, std::size_t count) const {
     const auto& clusters = shapes_.clusters();
-    return 5 * (clusters[c + 1].box.left - clusters[c].box.right) <= 2 * letterHeight_ + 5;
+    const PixelBox& last = clusters[c + count - 1].box;
+    return 5 * (last.left - clusters[c + count - 2].box.right) <= 2 * letterHeight_ + 5 &&
+           last.right - clusters[c].box.left <= 2 * letterHeight_;
   }
 
   /// Between the middles, in heights of a letter.

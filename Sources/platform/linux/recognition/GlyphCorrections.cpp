@@ -23,14 +23,14 @@ int middleOf(const PixelBox& box) { return (box.left + box.right) / 2; }
 
 /// The width of one underscore: a place where all characters have one width; else most fonts make it a little
 /// narrower than the height of an x.
-double underscoreWidth(const std::vector<Symbol>& symbols, int letterHeight) {
+double underscoreWidth(const std::vector<Symbol>& symbols, const TextLine& line) {
   constexpr std::string_view low = "acemnorsuvwxz";
-  if (const auto pitch = fixedPitch(symbols)) return *pitch;
+  if (line.cells) return line.cells->pitch;
   std::vector<int> heights;
   for (const Symbol& symbol : symbols)
     if (symbol.hasOwnInk && symbol.text.size() == 1 && low.find(symbol.text) != std::string_view::npos)
       heights.push_back(symbol.box.bottom - symbol.box.top + 1);
-  return heights.empty() ? 1.05 * letterHeight : 0.93 * levelAt(std::move(heights), 0.5);
+  return heights.empty() ? 1.05 * line.letterHeight : 0.93 * levelAt(std::move(heights), 0.5);
 }
 
 Symbol underscores(const Glyph& glyph, double width, bool spaceBefore) {
@@ -145,9 +145,9 @@ std::vector<Glyph> takeUnderscores(std::vector<Glyph>& glyphs, const TextLine& l
 }
 
 void insertUnderscores(std::vector<Symbol>& symbols, const std::vector<Glyph>& taken,
-                       const std::vector<Glyph>& letters, int letterHeight) {
-  const double space = 0.7 * letterHeight;
-  const double width = underscoreWidth(symbols, letterHeight);
+                       const std::vector<Glyph>& letters, const TextLine& line) {
+  const double space = 0.7 * line.letterHeight;
+  const double width = underscoreWidth(symbols, line);
   for (const Glyph& underscore : taken) {
     // Where the ink beside the underscore ends and begins, which the engine's boxes tell only roughly.
     int inkBefore = -1'000'000;

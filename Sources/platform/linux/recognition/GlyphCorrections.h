@@ -14,7 +14,7 @@ std::vector<Glyph> takeUnderscores(std::vector<Glyph>& glyphs, const TextLine& l
 /// Puts the underscores back between the symbols that were read without them, all boxes in pixels of the
 /// image.
 void insertUnderscores(std::vector<Symbol>& symbols, const std::vector<Glyph>& underscores,
-                       const std::vector<Glyph>& letters, int letterHeight);
+                       const std::vector<Glyph>& letters, const TextLine& line);
 
 /// Makes apostrophes and quotation marks straight, and one or two strokes, where their ink is: the models
 /// prefer what is usual in books.

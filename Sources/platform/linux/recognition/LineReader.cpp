@@ -4,6 +4,7 @@
 #include <numeric>
 #include <utility>
 
+#include "platform/linux/recognition/Cells.h"
 #include "platform/linux/recognition/Columns.h"
 #include "platform/linux/recognition/GlyphCorrections.h"
 #include "platform/linux/recognition/LanguageChoice.h"
@@ -132,11 +133,12 @@ std::string join(const std::vector<Symbol>& symbols) {
 std::vector<std::string> readLines(EngineCrew& crew, const std::vector<std::vector<std::string>>& languages,
                                    const GreyBitmap& ink) {
   const bool wide = std::any_of(languages.begin(), languages.end(), hasWideCharacters);
-  const std::vector<TextLine> lines = findTextLines(ink, wide ? Characters::wide : Characters::alphabetic);
+  std::vector<TextLine> lines = findTextLines(ink, wide ? Characters::wide : Characters::alphabetic);
+  if (!wide) findCells(lines, ink);
   std::vector<LineDraft> drafts = draftsOf(crew, languages, ink, lines);
   std::vector<SpacedLine> spaced;
   for (LineDraft& draft : drafts)
-    if (!draft.isWide) spaced.push_back({&draft.symbols, draft.line->letterHeight});
+    if (!draft.isWide) spaced.push_back({&draft.symbols, draft.line});
   correctSpaces(spaced);
   std::vector<ReadLine> read;
   for (LineDraft& draft : drafts) {
@@ -144,7 +146,7 @@ std::vector<std::string> readLines(EngineCrew& crew, const std::vector<std::vect
     ReadLine result{
         {},          draft.confidence, line.letterHeight, draft.symbols.size(), likelyCount(draft.symbols),
         draft.pieces};
-    insertUnderscores(draft.symbols, draft.underscores, draft.letters, line.letterHeight);
+    insertUnderscores(draft.symbols, draft.underscores, draft.letters, line);
     correctQuotes(draft.symbols, draft.letters, ink, line);
     correctDashes(draft.symbols, ink, line);
     correctHexadecimals(draft.symbols);

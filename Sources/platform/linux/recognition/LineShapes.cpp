@@ -1,5 +1,7 @@
 #include "platform/linux/recognition/LineShapes.h"
 
+#include <algorithm>
+
 namespace lumiscan::desktop {
 
 LineShapes::LineShapes(const GreyBitmap& ink, const TextLine& line, const std::vector<Glyph>& glyphs)
@@ -15,6 +17,11 @@ const Classification& LineShapes::classification(std::size_t first, std::size_t 
 
 PixelBox LineShapes::box(std::size_t first, std::size_t count) const {
   return joined(clusters_, first, count).box;
+}
+
+bool LineShapes::isCut(std::size_t cluster) const {
+  return std::any_of(clusters_[cluster].glyphs.begin(), clusters_[cluster].glyphs.end(),
+                     [](const Glyph& glyph) { return glyph.isCut; });
 }
 
 }  // namespace lumiscan::desktop

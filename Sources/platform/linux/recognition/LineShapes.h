@@ -22,6 +22,8 @@ class LineShapes {
   /// Precondition: there are `count` clusters from `first` on.
   const Classification& classification(std::size_t first, std::size_t count = 1);
   PixelBox box(std::size_t first, std::size_t count = 1) const;
+  /// Whether some of its ink may be that of its neighbours.
+  bool isCut(std::size_t cluster) const;
 
  private:
   const GreyBitmap& ink_;

@@ -174,7 +174,9 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
       beside.after = onlyCodePoint(symbols[next].text);
     if (first.hasOwnInk) {
       const Classification& shape = shapes.classification(match.firstCluster, match.clusterCount);
-      if (first.confidence < mild || isSteady(m)) correctSymbol(first, shape);
+      // A letter is hard to tell with something of the next in its picture.
+      const bool isBlurred = shapes.isCut(match.firstCluster) && isLetter(onlyCodePoint(first.text));
+      if (!isBlurred && (first.confidence < mild || isSteady(m))) correctSymbol(first, shape);
       correctStroke(first, shape, beside);
     }
     first.isLikely =

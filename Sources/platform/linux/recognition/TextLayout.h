@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "platform/linux/recognition/GreyBitmap.h"
@@ -9,17 +10,28 @@ namespace lumiscan::desktop {
 /// A connected piece of ink: a letter, a dot, an underscore. In pixels of the image.
 struct Glyph {
   PixelBox box;
+  bool isCut = false;  // From others that it touched; some of its ink may be theirs.
   int width() const { return box.right - box.left + 1; }
   int height() const { return box.bottom - box.top + 1; }
   int middle() const { return (box.top + box.bottom) / 2; }
 };
 
+/// The places of a line whose characters all have one width, in pixels of the image.
+struct Cells {
+  double pitch;   ///< From one place to the next.
+  double middle;  ///< Of one of the places, along x.
+
+  /// How many places a position is behind that one; whole numbers in the middle of places.
+  double placeOf(double x) const { return (x - middle) / pitch; }
+};
+
 /// The glyphs of one line of text, from left to right.
 struct TextLine {
   std::vector<Glyph> glyphs;
-  PixelBox box;          ///< Around the glyphs.
-  int letterHeight = 0;  ///< The usual height of the letters around it.
-  int baseline = 0;      ///< The row below the feet of most letters.
+  PixelBox box;                               ///< Around the glyphs.
+  int letterHeight = 0;                       ///< The usual height of the letters around it.
+  int baseline = 0;                           ///< The row below the feet of most letters.
+  std::optional<Cells> cells = std::nullopt;  ///< Where characters have one width: see `findCells`.
 };
 
 /// What a text may be made of.
