@@ -102,6 +102,13 @@ void divide(const PixelBox& box, std::vector<Symbol>& symbols, const Match& matc
   }
 }
 
+/// Whether a symbol is an apostrophe within a word, which is easily taken for a part of the letter beside it.
+bool isApostrophe(const std::vector<Symbol>& symbols, std::size_t i) {
+  const bool isOne = symbols[i].text == "'" || symbols[i].text == "’";
+  return isOne && i + 1 < symbols.size() && !symbols[i + 1].spaceBefore &&
+         isLetter(onlyCodePoint(symbols[i + 1].text));
+}
+
 /// Which of the symbols that share a cluster is the only one in it: the engine now and then reads one twice,
 /// once as a capital or as another sign, and isn't quite sure of that. As many as there are where it may be
 /// several.
@@ -112,9 +119,10 @@ std::size_t onlyOne(const std::vector<Symbol>& symbols, const Match& match, cons
   if (shape.bestProbability() < sure) return only;
   for (std::size_t i = 0; i < match.symbolCount; ++i) {
     const Symbol& symbol = symbols[match.firstSymbol + i];
-    if (only == match.symbolCount && onlyCodePoint(symbol.text) == shape.best())
+    const char32_t character = onlyCodePoint(symbol.text);
+    if (only == match.symbolCount && character == shape.best())
       only = i;
-    else if (symbol.confidence >= unsure)
+    else if (symbol.confidence >= unsure || isApostrophe(symbols, match.firstSymbol + i))
       return match.symbolCount;
   }
   return only;

@@ -164,40 +164,58 @@ struct Row {
   int middle() const { return (top + bottom) / 2; }
 };
 
-/// Rows from what surely is letters, from left to right: each joins the row it shares most of its height
-/// with.
+/// The row with which a glyph shares most of its height; null where it is none's.
+Row* homeOf(const Glyph& glyph, std::vector<Row>& rows) {
+  Row* best = nullptr;
+  for (Row& row : rows)
+    if (2 * row.overlap(glyph) >= std::min(glyph.height(), row.bottom - row.top + 1) &&
+        (!best || row.overlap(glyph) > best->overlap(glyph)))
+      best = &row;
+  return best;
+}
+
+/// Rows from what surely is letters, from left to right.
 std::vector<Row> rowsOfLetters(const Glyphs& letters) {
   std::vector<Row> rows;
   for (const Glyph& glyph : letters) {
-    Row* best = nullptr;
-    for (Row& row : rows)
-      if (2 * row.overlap(glyph) >= std::min(glyph.height(), row.bottom - row.top + 1) &&
-          (!best || row.overlap(glyph) > best->overlap(glyph)))
-        best = &row;
-    if (best)
-      best->add(glyph);
+    if (Row* const home = homeOf(glyph, rows))
+      home->add(glyph);
     else
       rows.emplace_back(glyph);
   }
   return rows;
 }
 
-/// Commas and the like may be as high as a small letter, and hang so low that they share little of its
+/// Small letters, or large marks: where they stand in a row of larger ones, they say nothing about it. Others
+/// have rows of their own, which are added.
+void addSmallLetters(std::vector<Row>& rows, const Glyphs& letters) {
+  Glyphs others;
+  for (const Glyph& glyph : letters) {
+    if (Row* const home = homeOf(glyph, rows))
+      home->glyphs.push_back(glyph);
+    else
+      others.push_back(glyph);
+  }
+  std::vector<Row> more = rowsOfLetters(others);
+  std::move(more.begin(), more.end(), std::back_inserter(rows));
+}
+
+/// Commas and stars may be as high as a small letter, and stand so low or high that they share little of its
 /// height with the row. Real lines don't reach into each other's letters.
-void joinHangingRows(std::vector<Row>& rows, int usual) {
+void joinRowsOfMarks(std::vector<Row>& rows, int usual) {
   for (auto row = rows.begin(); row != rows.end();) {
     const bool low = std::all_of(row->glyphs.begin(), row->glyphs.end(), [usual](const Glyph& glyph) {
       return glyph.height() <= usual && 2 * glyph.width() <= 3 * glyph.height();
     });
-    const auto above = std::find_if(rows.begin(), rows.end(), [&](const Row& other) {
-      return &other != &*row && other.glyphs.size() > row->glyphs.size() && other.top < row->top &&
+    const auto home = std::find_if(rows.begin(), rows.end(), [&](const Row& other) {
+      return &other != &*row && other.glyphs.size() > row->glyphs.size() && other.top <= row->bottom &&
              other.bottom >= row->top;
     });
-    if (!low || above == rows.end()) {
+    if (!low || home == rows.end()) {
       ++row;
       continue;
     }
-    above->glyphs.insert(above->glyphs.end(), row->glyphs.begin(), row->glyphs.end());
+    home->glyphs.insert(home->glyphs.end(), row->glyphs.begin(), row->glyphs.end());
     row = rows.erase(row);
   }
 }
@@ -227,12 +245,19 @@ Glyphs addMarks(std::vector<Row>& rows, const Glyphs& marks, int usual, int reac
 
 /// Rows of glyphs that are sorted from left to right.
 std::vector<Row> rowsOf(const Glyphs& glyphs, int usual, Characters characters) {
-  const auto isMark = [&](const Glyph& glyph) { return glyph.height() * 5 < usual * 4; };
-  Glyphs letters, marks;
-  for (const Glyph& glyph : glyphs) (isMark(glyph) ? marks : letters).push_back(glyph);
+  Glyphs letters, smallLetters, marks;
+  for (const Glyph& glyph : glyphs) {
+    if (5 * glyph.height() >= 4 * usual)
+      letters.push_back(glyph);
+    else if (characters == Characters::alphabetic && 5 * glyph.height() >= 3 * usual)
+      smallLetters.push_back(glyph);
+    else
+      marks.push_back(glyph);
+  }
   std::vector<Row> rows = rowsOfLetters(letters);
   if (characters == Characters::alphabetic) {
-    joinHangingRows(rows, usual);
+    addSmallLetters(rows, smallLetters);
+    joinRowsOfMarks(rows, usual);
     // Lines of nothing but marks.
     std::vector<Row> more = rowsOfLetters(addMarks(rows, marks, usual, usual));
     std::move(more.begin(), more.end(), std::back_inserter(rows));
@@ -261,8 +286,12 @@ std::vector<TextLine> linesOf(Glyphs glyphs, Characters characters) {
     std::stable_sort(row.glyphs.begin(), row.glyphs.end(),
                      [](const Glyph& a, const Glyph& b) { return a.box.left < b.box.left; });
     const int height = usualHeight(row.glyphs);
-    // A short line says little about its own letters.
-    const bool alone = row.glyphs.size() < 6 && height < 2 * usual && 2 * height > usual;
+    const int tallest =
+        std::max_element(row.glyphs.begin(), row.glyphs.end(), [](const Glyph& a, const Glyph& b) {
+          return a.height() < b.height();
+        })->height();
+    // A short line says little about its own letters: most of it may be dots and commas.
+    const bool alone = row.glyphs.size() < 6 && height < 2 * usual && 5 * tallest >= 4 * usual;
     const PixelBox box = boxAround(row.glyphs);
     if (areQuotationMarks(row.glyphs, usual))
       lines.push_back({std::move(row.glyphs), box, usual, box.top + usual * 5 / 4});
