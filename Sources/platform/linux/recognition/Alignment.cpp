@@ -74,7 +74,7 @@ class Aligner {
     if (!hasCluster || !hasSymbol || distance(c, 1, s, 1) > farthest + 2) return;
     offer(1, 1, pairCost(c, 1, s));
     for (std::size_t n = 2; n <= mostPieces && c + n <= clusterCount_ && areNear(c, n); ++n)
-      offer(n, 1, pairCost(c, n, s) + inPieces * static_cast<double>(n - 1));
+      if (!isOneBesideSign(c, n, s)) offer(n, 1, pairCost(c, n, s) + inPieces * static_cast<double>(n - 1));
     for (std::size_t n = 2; n <= mostTouching && s + n <= symbols_.size(); ++n) {
       if (symbols_[s + n - 1].spaceBefore) break;
       offer(1, n, touchingCost(c, s, n));
@@ -87,6 +87,17 @@ class Aligner {
     const PixelBox& last = clusters[c + count - 1].box;
     return 5 * (last.left - clusters[c + count - 2].box.right) <= 2 * letterHeight_ + 5 &&
            last.right - clusters[c].box.left <= 2 * letterHeight_;
+  }
+
+  /// Whether two clusters are the symbol and a sign beside it that was passed over, as the point in 1.7.
+  bool isOneBesideSign(std::size_t c, std::size_t count, std::size_t s) {
+    const char32_t character = onlyCodePoint(symbols_[s].text);
+    const auto isIt = [&](std::size_t i) { return shapes_.classification(i).of(character) >= 0.9F; };
+    const auto& clusters = shapes_.clusters();
+    // The dot in a zero is no sign beside it.
+    if (count != 2 || clusters[c + 1].box.left <= clusters[c].box.right) return false;
+    return (isIt(c) && isSurelySign(shapes_.classification(c + 1))) ||
+           (isIt(c + 1) && isSurelySign(shapes_.classification(c)));
   }
 
   /// Between the middles, in heights of a letter.

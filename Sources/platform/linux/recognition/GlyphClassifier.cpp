@@ -1,5 +1,7 @@
 #include "platform/linux/recognition/GlyphClassifier.h"
 
+#include <unicode/uchar.h>
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -96,6 +98,15 @@ Classification GlyphClassifier::classify(const GlyphShape& shape) const {
   for (float& value : values) total += value = std::exp(value - most);
   for (float& value : values) value /= total;
   return {characters_, std::move(values)};
+}
+
+bool isSurelySign(const Classification& shape) {
+  constexpr float sure = 0.9F;
+  const char32_t best = shape.best();
+  if (best == Classification::noCharacter || u_isalpha(static_cast<UChar32>(best))) return false;
+  // Of a few pixels, points and commas are hard to tell apart.
+  const bool isPoint = best == U'.' || best == U',';
+  return (isPoint ? shape.of(U'.') + shape.of(U',') : shape.bestProbability()) >= sure;
 }
 
 }  // namespace lumiscan::desktop

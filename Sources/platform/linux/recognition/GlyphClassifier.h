@@ -32,6 +32,9 @@ class Classification {
   float bestProbability_ = 0;
 };
 
+/// Whether a shape surely is a sign or a digit, and no letter or part of one.
+bool isSurelySign(const Classification& shape);
+
 /// Tells single characters by their shape alone: the signs of source code and lone letters, of which the
 /// engine's models have seen little. A small network whose weights are part of the program. Any thread.
 class GlyphClassifier {

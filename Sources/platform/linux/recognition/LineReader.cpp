@@ -4,6 +4,7 @@
 #include <numeric>
 #include <utility>
 
+#include "platform/linux/recognition/Baselines.h"
 #include "platform/linux/recognition/Cells.h"
 #include "platform/linux/recognition/Columns.h"
 #include "platform/linux/recognition/GlyphCorrections.h"
@@ -134,7 +135,10 @@ std::vector<std::string> readLines(EngineCrew& crew, const std::vector<std::vect
                                    const GreyBitmap& ink) {
   const bool wide = std::any_of(languages.begin(), languages.end(), hasWideCharacters);
   std::vector<TextLine> lines = findTextLines(ink, wide ? Characters::wide : Characters::alphabetic);
-  if (!wide) findCells(lines, ink);
+  if (!wide) {
+    findCells(lines, ink);
+    settleBaselines(lines, ink);
+  }
   std::vector<LineDraft> drafts = draftsOf(crew, languages, ink, lines);
   std::vector<SpacedLine> spaced;
   for (LineDraft& draft : drafts)

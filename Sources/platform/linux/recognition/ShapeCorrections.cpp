@@ -128,13 +128,6 @@ std::size_t onlyOne(const std::vector<Symbol>& symbols, const Match& match, cons
   return only;
 }
 
-/// Ink that the engine passed over, where it surely is a sign.
-bool isSurelyMissing(const Classification& shape) {
-  constexpr float sure = 0.9F;
-  return shape.best() != Classification::noCharacter && !isLetter(shape.best()) &&
-         shape.bestProbability() >= sure;
-}
-
 bool isLikely(const Symbol& symbol, const Classification& shape) {
   constexpr float likely = 0.15F;
   constexpr double sure = 90;
@@ -167,7 +160,7 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
     }
     if (match.symbolCount == 0) {
       const Classification& shape = shapes.classification(match.firstCluster);
-      if (isSurelyMissing(shape))
+      if (isSurelySign(shape))
         corrected.push_back({utf8Of(shape.best()), false, shapes.box(match.firstCluster), 50, true, true});
       continue;
     }

@@ -1,0 +1,50 @@
+#include "platform/linux/recognition/Baselines.h"
+
+#include <algorithm>
+
+#include "platform/linux/recognition/LineShapes.h"
+
+namespace lumiscan::desktop {
+
+namespace {
+
+/// How much the ink looks like characters, given the line's baseline.
+double likeness(const TextLine& line, const GreyBitmap& ink) {
+  LineShapes shapes(ink, line, line.glyphs);
+  double sum = 0;
+  for (std::size_t i = 0; i < shapes.clusters().size(); ++i) {
+    const Classification& shape = shapes.classification(i);
+    if (shape.best() != Classification::noCharacter) sum += static_cast<double>(shape.bestProbability());
+  }
+  return sum;
+}
+
+void settleBaseline(TextLine& line, const GreyBitmap& ink) {
+  constexpr double deepest = 0.45;  // In heights of a letter.
+  constexpr double better = 0.15;   // So much that it is no chance.
+  TextLine trial = line;
+  double most = likeness(line, ink) + better;
+  const int lowest = line.box.bottom + 1;
+  for (int up = 0; up <= deepest * line.letterHeight; ++up) {
+    trial.baseline = lowest - up;
+    const double found = likeness(trial, ink);
+    if (found <= most) continue;
+    most = found;
+    line.baseline = trial.baseline;
+  }
+}
+
+}  // namespace
+
+void settleBaselines(std::vector<TextLine>& lines, const GreyBitmap& ink) {
+  constexpr std::size_t few = 3;  // Glyphs: a semicolon has two.
+  for (TextLine& line : lines) {
+    // Of marks alone, which may stand anywhere, the place in the line says most.
+    const bool hasTall = std::any_of(line.glyphs.begin(), line.glyphs.end(), [&](const Glyph& glyph) {
+      return 5 * glyph.height() >= 6 * line.letterHeight;
+    });
+    if (line.glyphs.size() <= few && hasTall) settleBaseline(line, ink);
+  }
+}
+
+}  // namespace lumiscan::desktop
