@@ -7,6 +7,7 @@
 #include "platform/linux/recognition/Baselines.h"
 #include "platform/linux/recognition/Cells.h"
 #include "platform/linux/recognition/Columns.h"
+#include "platform/linux/recognition/Consensus.h"
 #include "platform/linux/recognition/GlyphCorrections.h"
 #include "platform/linux/recognition/LanguageChoice.h"
 #include "platform/linux/recognition/LineImage.h"
@@ -140,6 +141,7 @@ std::vector<std::string> readLines(EngineCrew& crew, const std::vector<std::vect
     settleBaselines(lines, ink);
   }
   std::vector<LineDraft> drafts = draftsOf(crew, languages, ink, lines);
+  agree(drafts, ink);
   std::vector<SpacedLine> spaced;
   for (LineDraft& draft : drafts)
     if (!draft.isWide) spaced.push_back({&draft.symbols, draft.line});
