@@ -146,7 +146,8 @@ std::vector<Glyph> takeUnderscores(std::vector<Glyph>& glyphs, const TextLine& l
 
 void insertUnderscores(std::vector<Symbol>& symbols, const std::vector<Glyph>& taken,
                        const std::vector<Glyph>& letters, const TextLine& line) {
-  const double space = 0.7 * line.letterHeight;
+  // An underscore reaches from one end of its place to the other.
+  const double space = line.cells ? 0.7 * line.cells->pitch : 0.42 * line.letterHeight;
   const double width = underscoreWidth(symbols, line);
   for (const Glyph& underscore : taken) {
     // Where the ink beside the underscore ends and begins, which the engine's boxes tell only roughly.

@@ -86,7 +86,8 @@ void correctSpaces(const std::vector<SpacedLine>& lines) {
       continue;
     }
     std::optional<int> space = usualSpace(pairs, each.line->letterHeight);
-    if (!space && !spaces.empty()) space = levelAt(spaces, 0.5);
+    // In a line with many spaces that are none, they look narrow.
+    if (!spaces.empty() && (!space || 10 * *space < 7 * levelAt(spaces, 0.5))) space = levelAt(spaces, 0.5);
     if (space && *space > 0) correctByWidth(pairs, *space * each.line->letterHeight / 100.0);
   }
 }
