@@ -63,6 +63,11 @@ QColor qtColor(platform::Color color) {
                           static_cast<float>(color.blue), static_cast<float>(color.alpha));
 }
 
+QRect qRect(const platform::Rect& pixels) {
+  return {static_cast<int>(pixels.minX()), static_cast<int>(pixels.minY()),
+          static_cast<int>(pixels.size.width), static_cast<int>(pixels.size.height)};
+}
+
 QFont qtFont(const platform::Font& font) {
   using Design = platform::Font::Design;
   // The digits of the usual user-interface fonts have one width as they are.

@@ -2,6 +2,7 @@
 
 #include <QFont>
 #include <QPainter>
+#include <QRect>
 
 #include "platform/Graphics.h"
 
@@ -9,6 +10,8 @@ namespace lumiscan::desktop {
 
 QColor qtColor(platform::Color color);
 QFont qtFont(const platform::Font& font);
+/// Precondition: whole numbers, as pixels are.
+QRect qRect(const platform::Rect& pixels);
 /// The size of one line of text, as `platform::GraphicsContext::sizeOf` says.
 platform::Size textSize(std::string_view text, const platform::TextAttributes& attributes);
 

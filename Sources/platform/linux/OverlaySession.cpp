@@ -8,8 +8,8 @@
 #include <memory>
 
 #include "platform/Logger.h"
+#include "platform/linux/OverlayPeer.h"
 #include "platform/linux/PanelStage.h"
-#include "platform/linux/Window.h"
 
 namespace lumiscan::desktop {
 

@@ -12,6 +12,7 @@
 
 #include "platform/linux/PanelPeer.h"
 #include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/Visual.h"
 
 namespace lumiscan::desktop {
 
@@ -60,7 +61,7 @@ std::vector<PanelStage::Sample> PanelStage::concealAll() {
 }
 
 std::optional<std::uint32_t> PanelStage::colorAt(QPoint pixel) const {
-  const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root;
+  const xcb_window_t root = x11::screenOf(connection_).root;
   const auto request =
       xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, root, static_cast<std::int16_t>(pixel.x()),
                     static_cast<std::int16_t>(pixel.y()), 1, 1, ~0U);
