@@ -56,6 +56,7 @@ PrivateDesktop::PrivateDesktop(int width, int height) {
   require(mkdtemp(folder.data()), "no temporary folder");
   home_ = folder;
   unsetenv("WAYLAND_DISPLAY");
+  setenv("NO_AT_BRIDGE", "1", 1);  // Whose bus outlives the programs that start it.
   setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
   for (const char* variable : {"HOME", "XDG_RUNTIME_DIR"}) setenv(variable, folder.c_str(), 1);
   setenv("XDG_CONFIG_HOME", (home_ / "config").c_str(), 1);
