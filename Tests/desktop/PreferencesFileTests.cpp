@@ -103,6 +103,7 @@ TEST_F(PreferencesFile, SetsAsideWhatCannotBeParsed) {
     EXPECT_EQ(defaults.object("flag"), DefaultsValue(true));
   }
   EXPECT_EQ(content(file_.string() + ".unreadable"), "{\"cut\": ");
+  EXPECT_EQ(mode(file_.string() + ".unreadable"), 0600U);
   EXPECT_EQ(content(file_.string() + ".unreadable-2"), "[1, 2]");
   EXPECT_EQ(content(file_.string() + ".unreadable-3"), "");
 }
