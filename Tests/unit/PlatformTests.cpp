@@ -60,6 +60,7 @@ TEST(Image, CroppingIsCutToTheBounds) {
   EXPECT_EQ(corner->height(), 5);
   EXPECT_EQ(pixel(*corner, 0, 0), 0U);
   EXPECT_FALSE(whole.cropped({{100, 0}, {10, 10}}));
+  EXPECT_FALSE(whole.cropped({{10, 50}, {10, 10}}));
   EXPECT_FALSE(whole.cropped({{-10, 0}, {10, 10}}));
   EXPECT_FALSE(whole.cropped({{10, 10}, {0, 10}}));
 }
