@@ -196,15 +196,6 @@ TEST_F(CaptureTest, PressingTheShortcutAgainStartsAfresh) {
   EXPECT_TRUE(waitForClipboard(joined(pageLines, "\n")));
 }
 
-TEST_F(CaptureTest, ASignalEndsTheProgramInGoodOrder) {
-  for (const int number : {SIGTERM, SIGINT}) {
-    program_->signal(number);
-    EXPECT_EQ(program_->waitForEnd(), 0);
-    EXPECT_FALSE(shortcutIsTaken());
-    startProgram();
-  }
-}
-
 /// Captures in every mode, with the program started in one way or another.
 class EveryModeTest : public CaptureTest, public ::testing::WithParamInterface<std::vector<std::string>> {
  protected:
@@ -327,6 +318,15 @@ INSTANTIATE_TEST_SUITE_P(, EveryModeTest,
                          ::testing::Values(std::vector<std::string>{},
                                            std::vector<std::string>{"unshare", "--map-root-user", "--net"}),
                          [](const auto& run) { return run.param.empty() ? "Network" : "NoNetwork"; });
+
+TEST_F(CaptureTest, ASignalEndsTheProgramInGoodOrder) {
+  for (const int number : {SIGTERM, SIGINT}) {
+    program_->signal(number);
+    EXPECT_EQ(program_->waitForEnd(), 0);
+    EXPECT_FALSE(shortcutIsTaken());
+    startProgram();
+  }
+}
 
 }  // namespace
 }  // namespace lumiscan::testing
