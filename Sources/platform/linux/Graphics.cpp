@@ -25,10 +25,6 @@ QFont::Weight qtWeight(platform::FontWeight weight) {
   return QFont::Normal;
 }
 
-QString qtString(std::string_view text) {
-  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
 /// A rounded rectangle whose corners begin to bend half a radius before a circle's would.
 QPainterPath continuousCorners(const QRectF& rect, double radius) {
   // In radii from the corner: where a side ends, and the curve from there to the middle of the corner.
@@ -57,6 +53,10 @@ QPainterPath continuousCorners(const QRectF& rect, double radius) {
 }
 
 }  // namespace
+
+QString qtString(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
 
 QColor qtColor(platform::Color color) {
   return QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green),

@@ -3,11 +3,15 @@
 #include <QFont>
 #include <QPainter>
 #include <QRect>
+#include <QString>
+#include <string_view>
 
 #include "platform/Graphics.h"
 
 namespace lumiscan::desktop {
 
+/// From UTF-8.
+QString qtString(std::string_view text);
 QColor qtColor(platform::Color color);
 QFont qtFont(const platform::Font& font);
 /// Precondition: whole numbers, as pixels are.

@@ -3,13 +3,11 @@
 #include <xcb/xfixes.h>
 
 #include <QCoreApplication>
-#include <QThread>
 #include <chrono>
 #include <cstring>
-#include <future>
-#include <memory>
 #include <thread>
 
+#include "platform/linux/CallOnThread.h"
 #include "platform/linux/PanelPeer.h"
 #include "platform/linux/x11/Connection.h"
 #include "platform/linux/x11/Visual.h"
@@ -74,19 +72,11 @@ std::optional<std::uint32_t> PanelStage::colorAt(QPoint pixel) const {
 
 void PanelStage::concealAndWait() {
   if (visibleCount_ == 0) return;
-  std::vector<Sample> samples;
-  if (QThread::currentThread() == context_.thread()) {
-    samples = concealAll();
-  } else {
-    const auto concealed = std::make_shared<std::promise<std::vector<Sample>>>();
-    auto future = concealed->get_future();
-    QMetaObject::invokeMethod(
-        &context_, [this, concealed] { concealed->set_value(concealAll()); }, Qt::QueuedConnection);
-    if (future.wait_for(concealPatience) == std::future_status::ready) samples = future.get();
-  }
-  if (!x11::hasCompositor(connection_)) return;
+  const auto samples = callOnThread(
+      context_, [this] { return concealAll(); }, concealPatience);
+  if (!samples || !x11::hasCompositor(connection_)) return;
   const auto deadline = std::chrono::steady_clock::now() + longestRepaint;
-  for (const Sample& sample : samples)
+  for (const Sample& sample : *samples)
     while (colorAt(sample.pixel) == sample.color && std::chrono::steady_clock::now() < deadline)
       std::this_thread::sleep_for(betweenLooks);
 }
