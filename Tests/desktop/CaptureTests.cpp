@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 #include <linux/input-event-codes.h>
 
-#include <algorithm>
 #include <csignal>
 #include <fstream>
 #include <sstream>
@@ -221,16 +220,21 @@ class EveryModeTest : public CaptureTest, public ::testing::WithParamInterface<s
     const auto modules = desktop::makeQRCode(code, platform::QRCorrectionLevel::medium);
     std::ofstream file(desktop_.home() / "code");
     for (int y = 0; y < modules->height(); ++y, file << "\n")
-      for (int x = 0; x < modules->width(); ++x)
-        file << ((reinterpret_cast<const std::uint32_t*>(modules->row(y))[x] & 0xFF) ? "  "
-                                                                                     : "\033[40m  \033[0m");
+      for (int x = 0; x < modules->width(); ++x) {
+        const bool light = reinterpret_cast<const std::uint32_t*>(modules->row(y))[x] & 0xFF;
+        file << (light ? "  " : "\033[40m  \033[0m");
+      }
+    file.close();
     code_ = std::make_unique<Process>(
         std::vector<std::string>{"xterm", "-class", "Code", "-fa", "DejaVu Sans Mono", "-fs", "6",
                                  "-geometry", "70x40+500+330", "-bg", "white", "-fg", "black", "-xrm",
                                  "*color0: black", "-e", "printf '\\033[?25l'; cat ~/code; exec sleep 600"});
     ASSERT_TRUE(waitUntil([this] {
+      int dark = 0, light = 0;
       const auto pixels = desktop_.screenPixels();
-      return std::count(pixels.begin() + desktop_.width() * 400, pixels.end(), 0) > 10000;
+      for (int y = 380; y < 600; ++y)
+        for (int x = 520; x < 740; ++x) ++(pixels[desktop_.indexOf(x, y)] == 0 ? dark : light);
+      return dark > 10000 && light > 10000;
     }));
   }
 
