@@ -190,7 +190,10 @@ TEST_F(CaptureTest, PressingTheShortcutAgainStartsAfresh) {
   ASSERT_TRUE(waitForOverlays(1));
   const auto first = desktop_.windowsOfClass("Lumiscan");
   pressShortcut();
-  ASSERT_TRUE(waitUntil([&] { return overlays() == 1 && desktop_.windowsOfClass("Lumiscan") != first; }));
+  ASSERT_TRUE(waitUntil([&] {
+    const auto now = desktop_.windowsOfClass("Lumiscan");
+    return now.size() == 1 && now != first;
+  }));
   desktop_.drag(left - 8, top - 8, right, bottom);
   EXPECT_TRUE(waitForClipboard(joined(pageLines, "\n")));
 }
