@@ -16,14 +16,14 @@ namespace lumiscan::desktop {
 
 namespace {
 
-constexpr std::uint32_t wantedEvents = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_BUTTON_PRESS |
-                                       XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_POINTER_MOTION |
-                                       XCB_EVENT_MASK_KEY_PRESS;
 constexpr std::uint16_t noVirtualKeyCode = 0xFFFF;
 /// Between two paintings: a mouse may move more often than any screen shows something new.
 constexpr std::chrono::milliseconds shortestFrame(7);
 /// How long after an overlay has opened the pixels of the desktop behind it are fetched.
 constexpr std::chrono::milliseconds beforeFetching(60);
+constexpr std::uint32_t wantedEvents = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_BUTTON_PRESS |
+                                       XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_POINTER_MOTION |
+                                       XCB_EVENT_MASK_KEY_PRESS;
 
 platform::CursorShape cursorOf(const platform::Window& window) {
   const platform::View* const view = window.contentView();
