@@ -2,6 +2,8 @@
 // would, and writes each with its true code point. Of images without text it writes every cluster as no
 // character.
 
+#include <unicode/unistr.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
@@ -27,31 +29,18 @@ using lumiscan::desktop::TextLine;
 
 constexpr std::uint32_t noCharacter = 0;
 
-std::u32string decoded(const std::string& text) {
-  std::u32string points;
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x80)
-      points.push_back(byte);
-    else if (byte >= 0xC0)
-      points.push_back(byte >= 0xF0 ? byte & 7U : byte >= 0xE0 ? byte & 15U : byte & 31U);
-    else
-      points.back() = points.back() << 6 | (byte & 63U);
-  }
-  return points;
-}
-
 /// The true tokens of each line, or nothing for an image without text.
 std::vector<std::vector<std::u32string>> tokensOf(const fs::path& file) {
   std::vector<std::vector<std::u32string>> lines;
   std::ifstream stream(file);
   for (std::string line; std::getline(stream, line);) {
     lines.emplace_back(1);
-    for (const char32_t c : decoded(line))
-      if (c == U' ')
+    const auto text = icu::UnicodeString::fromUTF8(line);
+    for (int i = 0; i < text.length(); i = text.moveIndex32(i, 1))
+      if (const UChar32 c = text.char32At(i); c == U' ')
         lines.back().emplace_back();
       else
-        lines.back().back() += c;
+        lines.back().back() += static_cast<char32_t>(c);
   }
   return lines;
 }

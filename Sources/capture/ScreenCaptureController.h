@@ -11,7 +11,7 @@
 
 namespace lumiscan {
 
-/// A captured image has at least this width and height, in pixels.
+/// Nothing smaller than this, in pixels, is cut out of a picture.
 inline constexpr int smallestCropSide = 4;
 /// What a rectangle may miss whole pixels by, in pixels, and still lie on them: fractions of a display and
 /// fractional scales leave rounding errors, which must not cost or add a row.
@@ -42,8 +42,8 @@ class ScreenCaptureController : public SelectionWindowDelegate,
   void selectionWindowDidCancel(SelectionWindow& window) override;
 
   /// The part of a display's `snapshot` inside `globalRect` (points, global screen space), rounded outwards
-  /// to whole pixels and cut to the display. Nothing when that is less than 4 pixels wide or high. Any
-  /// thread.
+  /// to whole pixels, then cut to the display. Nothing when the rounded rectangle is less than 4 pixels wide
+  /// or high, or not on the display. Any thread.
   static std::optional<platform::Image> crop(const platform::Image& snapshot,
                                              const platform::Rect& globalRect,
                                              const platform::Screen& screen);

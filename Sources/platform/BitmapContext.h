@@ -15,9 +15,6 @@ class BitmapContext : public GraphicsContext {
   /// Transparent at first. Nothing when there is no memory for it or a size isn't positive.
   static std::unique_ptr<BitmapContext> create(int width, int height);
 
-  /// Where the ink of one line of text lies when its baseline starts at the origin: y upwards from the
-  /// baseline.
-  virtual Rect inkBounds(std::string_view text, const TextAttributes& attributes) = 0;
   /// Draws one line of text with its baseline starting at `baseline`.
   virtual void drawLine(std::string_view text, Point baseline, const TextAttributes& attributes) = 0;
 

@@ -29,8 +29,7 @@ std::optional<platform::Image> renderText(std::string_view text) {
   context->fill(platform::BezierPath::rect({{0, 0}, {width, height}}), platform::Color::white());
   const platform::TextAttributes attributes{
       {platform::Font::Design::sansSerif, 72, platform::FontWeight::bold}, platform::Color::black()};
-  const platform::Rect ink = context->inkBounds(text, attributes);
-  context->drawLine(text, {40, 110 - ink.size.height / 2}, attributes);
+  context->drawLine(text, {40, 110 - context->sizeOf(text, attributes).height / 2}, attributes);
   return context->makeImage();
 }
 

@@ -1,13 +1,16 @@
 // The program itself on a private desktop: real key grab, real overlay, real snapshot, real recogniser, real
 // clipboard.
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <linux/input-event-codes.h>
 
 #include <csignal>
 #include <fstream>
+#include <sstream>
 
 #include "desktop/PrivateDesktop.h"
+#include "platform/linux/drawing/QRCode.h"
 
 namespace lumiscan::testing {
 namespace {
@@ -41,8 +44,11 @@ class CaptureTest : public ::testing::Test {
     startProgram();
   }
 
-  void startProgram() {
-    program_ = std::make_unique<Process>(std::vector<std::string>{LUMISCAN_PROGRAM});
+  /// `prefix` is a command that starts the one that follows it.
+  void startProgram(const std::vector<std::string>& prefix = {}) {
+    std::vector<std::string> command = prefix;
+    command.push_back(LUMISCAN_PROGRAM);
+    program_ = std::make_unique<Process>(command);
     ASSERT_TRUE(waitUntil([this] { return shortcutIsTaken(); }));
   }
 
@@ -184,10 +190,141 @@ TEST_F(CaptureTest, PressingTheShortcutAgainStartsAfresh) {
   ASSERT_TRUE(waitForOverlays(1));
   const auto first = desktop_.windowsOfClass("Lumiscan");
   pressShortcut();
-  ASSERT_TRUE(waitUntil([&] { return overlays() == 1 && desktop_.windowsOfClass("Lumiscan") != first; }));
+  ASSERT_TRUE(waitUntil([&] {
+    const auto now = desktop_.windowsOfClass("Lumiscan");
+    return now.size() == 1 && now != first;
+  }));
   desktop_.drag(left - 8, top - 8, right, bottom);
   EXPECT_TRUE(waitForClipboard(joined(pageLines, "\n")));
 }
+
+/// Captures in every mode, with the program started in one way or another.
+class EveryModeTest : public CaptureTest, public ::testing::WithParamInterface<std::vector<std::string>> {
+ protected:
+  /// Found in the text and in the code that are captured.
+  static constexpr const char* secret = "24680 lines";
+  static constexpr const char* code = "24680 lines in a code";
+
+  /// A speech server that makes no sound.
+  void startSpeechServer() {
+    const auto folder = desktop_.home() / "speech";
+    std::filesystem::create_directories(folder / "modules");
+    std::ofstream(folder / "speechd.conf") << "AudioOutputMethod \"alsa\"\nAudioALSADevice \"null\"\n"
+                                              "AddModule \"dummy\" \"sd_dummy\" \"\"\nDefaultModule dummy\n";
+    setenv("SPEECHD_ADDRESS", ("unix_socket:" + (folder / "socket").string()).c_str(), 1);
+    speechServer_ = std::make_unique<Process>(
+        std::vector<std::string>{"speech-dispatcher", "-s", "-t", "0", "-c", "unix_socket", "-S",
+                                 folder / "socket", "-C", folder, "-L", folder, "-P", folder / "pid"});
+    ASSERT_TRUE(waitUntil([&] { return std::filesystem::exists(folder / "socket"); }));
+  }
+
+  /// Shows the code in a terminal, two blanks a module.
+  void showCode() {
+    const auto modules = desktop::makeQRCode(code, platform::QRCorrectionLevel::medium);
+    std::ofstream file(desktop_.home() / "code");
+    for (int y = 0; y < modules->height(); ++y, file << "\n")
+      for (int x = 0; x < modules->width(); ++x) {
+        const bool light = reinterpret_cast<const std::uint32_t*>(modules->row(y))[x] & 0xFF;
+        file << (light ? "  " : "\033[40m  \033[0m");
+      }
+    file.close();
+    code_ = std::make_unique<Process>(
+        std::vector<std::string>{"xterm", "-class", "Code", "-fa", "DejaVu Sans Mono", "-fs", "6",
+                                 "-geometry", "70x40+500+330", "-bg", "white", "-fg", "black", "-xrm",
+                                 "*color0: black", "-e", "printf '\\033[?25l'; cat ~/code; exec sleep 600"});
+    ASSERT_TRUE(waitUntil([this] {
+      int dark = 0, light = 0;
+      const auto pixels = desktop_.screenPixels();
+      for (int y = 380; y < 600; ++y)
+        for (int x = 520; x < 740; ++x) ++(pixels[desktop_.indexOf(x, y)] == 0 ? dark : light);
+      return dark > 10000 && light > 10000;
+    }));
+  }
+
+  static std::string contentOf(const std::filesystem::path& file) {
+    std::ostringstream text;
+    text << std::ifstream(file).rdbuf();
+    return text.str();
+  }
+  /// Where the secret is found, but for the file that is shown and the preferences.
+  std::vector<std::string> placesOfTheSecret() const {
+    namespace fs = std::filesystem;
+    std::vector<std::string> places;
+    const auto look = [&](const std::string& place, const std::string& content) {
+      if (content.find(secret) != std::string::npos) places.push_back(place);
+    };
+    look("standard output", program_->standardOutput());
+    look("log", program_->standardError());
+    for (const std::string& content : desktop_.windowProperties()) look("a window's property", content);
+    for (const auto& entry : fs::recursive_directory_iterator(desktop_.home()))
+      if (entry.is_regular_file() && entry.path() != desktop_.home() / "page" &&
+          entry.path().filename() != "preferences.json")
+        look(entry.path(), contentOf(entry));
+    std::error_code gone;
+    for (const auto& entry : fs::directory_iterator(fs::temp_directory_path(), gone))
+      if (entry.is_regular_file(gone) && entry.last_write_time(gone) >= start_)
+        look(entry.path(), contentOf(entry));
+    // Open files may have no name, and other programs that were started, such as the voices, tell too.
+    const auto process = fs::path("/proc") / std::to_string(program_->id());
+    for (const auto& entry : fs::directory_iterator(process / "fd", gone))
+      if (entry.is_regular_file(gone)) look("an open file", contentOf(entry));
+    for (const auto& entry : fs::directory_iterator("/proc"))
+      if (contentOf(entry.path() / "environ").find("HOME=" + desktop_.home().string()) != std::string::npos)
+        look("a command line", contentOf(entry.path() / "cmdline"));
+    return places;
+  }
+
+  const std::filesystem::file_time_type start_ = std::filesystem::file_time_type::clock::now();
+  std::unique_ptr<Process> speechServer_;
+  std::unique_ptr<Process> code_;
+};
+
+TEST_P(EveryModeTest, CapturesWithoutANetworkAndLeavesTheTextOnlyWhereItBelongs) {
+  std::vector<std::string> attempt = GetParam();
+  attempt.push_back("true");
+  if (Process(attempt).waitForEnd() != 0) GTEST_SKIP() << "this kernel allows no namespace without a network";
+  program_ = nullptr;
+  startSpeechServer();
+  showCode();
+  const auto folder = desktop_.home() / "config" / "lumiscan";
+  std::filesystem::create_directories(folder);
+  std::ofstream(folder / "preferences.json") << R"({"additiveEnabled": true})";
+  startProgram(GetParam());
+
+  const std::string page = joined(pageLines, "\n");
+  struct Mode {
+    std::vector<std::uint8_t> keys;
+    bool drags = true;
+    std::string clipboard;
+  };
+  const Mode modes[] = {
+      {{KEY_LEFTMETA, KEY_LEFTSHIFT, KEY_2}, true, page},
+      {{KEY_LEFTCTRL, KEY_LEFTALT, KEY_LEFTMETA, KEY_S}, true, page + "\n" + page},
+      {{KEY_LEFTCTRL, KEY_LEFTALT, KEY_LEFTMETA, KEY_R}, false, page + "\n" + page + "\n" + page},
+      {{KEY_LEFTCTRL, KEY_LEFTALT, KEY_LEFTMETA, KEY_B}, true, code},
+  };
+  for (const Mode& mode : modes) {
+    desktop_.pressKeys(mode.keys);
+    if (mode.drags) {
+      ASSERT_TRUE(waitForOverlays(1));
+      if (mode.clipboard == code)
+        desktop_.drag(495, 325, 1279, 799);
+      else
+        desktop_.drag(left - 8, top - 8, right, bottom);
+    }
+    ASSERT_TRUE(waitForClipboard(mode.clipboard)) << PrivateDesktop::clipboard().value_or("no text");
+    ASSERT_TRUE(waitUntil([this] { return desktop_.windowsOfClass("LumiscanPanel").size() == 1; }));
+    EXPECT_THAT(placesOfTheSecret(), ::testing::IsEmpty());
+  }
+  program_->signal(SIGTERM);
+  EXPECT_EQ(program_->waitForEnd(), 0);
+  EXPECT_THAT(placesOfTheSecret(), ::testing::IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(, EveryModeTest,
+                         ::testing::Values(std::vector<std::string>{},
+                                           std::vector<std::string>{"unshare", "--map-root-user", "--net"}),
+                         [](const auto& run) { return run.param.empty() ? "Network" : "NoNetwork"; });
 
 TEST_F(CaptureTest, ASignalEndsTheProgramInGoodOrder) {
   for (const int number : {SIGTERM, SIGINT}) {

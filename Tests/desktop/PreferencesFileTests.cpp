@@ -59,20 +59,18 @@ TEST_F(PreferencesFile, IsPrivateAndReadable) {
   defaults.setObject("text", std::string("a \"quoted\" wörd"));
   defaults.setObject("list", std::vector<std::string>{"de-DE", "en-US"});
   defaults.setObject("data", Data{std::string("\0\xFF{}", 4)});
-  EXPECT_EQ(mode(file_), 0600U);
-  EXPECT_EQ(mode(file_.parent_path()), 0700U);
+  const auto expectPrivate = [this] {
+    EXPECT_EQ(mode(file_), 0600U);
+    EXPECT_EQ(mode(file_.parent_path()), 0700U);
+  };
+  expectPrivate();
   EXPECT_EQ(nlohmann::json::parse(content(file_)),
             nlohmann::json::parse(R"({"flag": true, "number": 1.5, "text": "a \"quoted\" wörd",
                                       "list": ["de-DE", "en-US"], "data": {"data": "AP97fQ=="}})"));
-}
-
-TEST_F(PreferencesFile, TightensWhatOthersCouldRead) {
-  write("{}");
   chmod(file_.c_str(), 0644);
   chmod(file_.parent_path().c_str(), 0755);
-  desktop::FileUserDefaults(file_).setObject("text", std::string("private"));
-  EXPECT_EQ(mode(file_), 0600U);
-  EXPECT_EQ(mode(file_.parent_path()), 0700U);
+  defaults.setObject("text", std::string("private"));
+  expectPrivate();
 }
 
 TEST_F(PreferencesFile, SeesWhatIsChangedByHandAndKeepsWhatItDoesNotKnow) {
@@ -103,6 +101,7 @@ TEST_F(PreferencesFile, SetsAsideWhatCannotBeParsed) {
     EXPECT_EQ(defaults.object("flag"), DefaultsValue(true));
   }
   EXPECT_EQ(content(file_.string() + ".unreadable"), "{\"cut\": ");
+  EXPECT_EQ(mode(file_.string() + ".unreadable"), 0600U);
   EXPECT_EQ(content(file_.string() + ".unreadable-2"), "[1, 2]");
   EXPECT_EQ(content(file_.string() + ".unreadable-3"), "");
 }

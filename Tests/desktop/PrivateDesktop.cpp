@@ -17,7 +17,8 @@ std::unique_ptr<T, decltype(&std::free)> owned(T* reply) {
 }
 
 std::string stringProperty(xcb_connection_t* x, xcb_window_t window, xcb_atom_t property) {
-  const auto request = xcb_get_property(x, 0, window, property, XCB_ATOM_ANY, 0, 1024);
+  constexpr std::uint32_t mostWords = 1U << 20;
+  const auto request = xcb_get_property(x, 0, window, property, XCB_ATOM_ANY, 0, mostWords);
   const auto reply = owned(xcb_get_property_reply(x, request, nullptr));
   if (!reply) return {};
   return {static_cast<const char*>(xcb_get_property_value(reply.get())),
@@ -55,6 +56,7 @@ PrivateDesktop::PrivateDesktop(int width, int height) {
   require(mkdtemp(folder.data()), "no temporary folder");
   home_ = folder;
   unsetenv("WAYLAND_DISPLAY");
+  setenv("NO_AT_BRIDGE", "1", 1);  // Whose bus outlives the programs that start it.
   setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
   for (const char* variable : {"HOME", "XDG_RUNTIME_DIR"}) setenv(variable, folder.c_str(), 1);
   setenv("XDG_CONFIG_HOME", (home_ / "config").c_str(), 1);
@@ -270,6 +272,22 @@ void PrivateDesktop::ungrab() const {
   xcb_ungrab_pointer(connection_, XCB_TIME_CURRENT_TIME);
   xcb_ungrab_keyboard(connection_, XCB_TIME_CURRENT_TIME);
   sync();
+}
+
+std::vector<std::string> PrivateDesktop::windowProperties() const {
+  std::vector<std::string> contents;
+  std::vector<xcb_window_t> windows{root_};
+  for (std::size_t i = 0; i < windows.size(); ++i) {
+    const xcb_window_t window = windows[i];
+    const auto list =
+        owned(xcb_list_properties_reply(connection_, xcb_list_properties(connection_, window), nullptr));
+    if (!list) continue;  // It has gone.
+    const xcb_atom_t* const properties = xcb_list_properties_atoms(list.get());
+    for (int k = 0; k < xcb_list_properties_atoms_length(list.get()); ++k)
+      contents.push_back(stringProperty(connection_, window, properties[k]));
+    for (const xcb_window_t child : childrenOf(connection_, window)) windows.push_back(child);
+  }
+  return contents;
 }
 
 std::uint32_t PrivateDesktop::pixelAt(int x, int y) const { return pixels(x, y, 1, 1).front(); }

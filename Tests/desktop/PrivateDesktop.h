@@ -80,6 +80,8 @@ class PrivateDesktop {
   /// The whole screen, a word 0x??RRGGBB a pixel, row by row.
   std::vector<std::uint32_t> screenPixels() const;
   std::uint32_t pixelAt(int x, int y) const;
+  /// What every property of every window holds, the root window's too.
+  std::vector<std::string> windowProperties() const;
   /// Where a pixel of the screen stands in `screenPixels`.
   std::size_t indexOf(int x, int y) const {
     return static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) + static_cast<std::size_t>(x);

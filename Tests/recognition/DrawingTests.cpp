@@ -65,20 +65,6 @@ TEST(BitmapContext, DrawsShapesWithYUpwardsAndPremultipliedColours) {
   EXPECT_EQ(pixel(after, 0, 9), 0xFFFF0000U) << "outside the oval";
 }
 
-TEST(BitmapContext, InkLiesWhereItIsMeasured) {
-  const auto context = CairoBitmapContext::create(300, 120);
-  const TextAttributes attributes{{Font::Design::sansSerif, 40, FontWeight::bold}, Color::black()};
-  const Rect measured = context->inkBounds("Agxp", attributes);
-  EXPECT_LT(measured.minY(), -5) << "descenders reach below the baseline";
-  EXPECT_GT(measured.maxY(), 20);
-  context->drawLine("Agxp", {50, 40}, attributes);
-  const Rect drawn = inkOfImage(context->makeImage());
-  EXPECT_NEAR(drawn.minX(), 50 + measured.minX(), 1.5);
-  EXPECT_NEAR(drawn.size.width, measured.size.width, 2);
-  EXPECT_NEAR(120 - drawn.maxY(), 40 + measured.minY(), 1.5);
-  EXPECT_NEAR(drawn.size.height, measured.size.height, 2);
-}
-
 TEST(BitmapContext, TextStandsInTheBoxThatItsSizeTells) {
   const auto context = CairoBitmapContext::create(300, 100);
   const TextAttributes attributes{{Font::Design::system, 30}, Color::black()};

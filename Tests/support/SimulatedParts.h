@@ -185,9 +185,6 @@ class SimulatedDrawing {
   class Context : public Recording<platform::BitmapContext> {
    public:
     Context(SimulatedDrawing& owner, int width, int height) : owner_(owner), width_(width), height_(height) {}
-    platform::Rect inkBounds(std::string_view text, const platform::TextAttributes&) override {
-      return {{0, 0}, simulatedTextSize(text)};
-    }
     void drawLine(std::string_view text, platform::Point baseline,
                   const platform::TextAttributes& attributes) override {
       draw(text, baseline, attributes);

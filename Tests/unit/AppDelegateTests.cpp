@@ -31,59 +31,13 @@ TEST_F(AppDelegateTest, HotkeyAndDragPutTheTextOnThePasteboard) {
   EXPECT_THAT(request.request.recognitionLanguages, ElementsAre("de-DE", "en-US"));
   EXPECT_FALSE(request.onMainThread);
   EXPECT_THAT(desktop.barcodeDetector().requests, IsEmpty());
-}
 
-TEST_F(AppDelegateTest, LineBreaksFollowTheRequestOrElseTheSetting) {
-  struct Case {
-    HotkeyAction action;
-    std::optional<bool> keepSetting;
-    const char* text;
-  };
-  desktop.textRecognizer().recognizes({" one", "two "});
-  for (const Case& each : {Case{HotkeyAction::captureText, std::nullopt, " one\ntwo "},
-                           Case{HotkeyAction::captureText, true, " one\ntwo "},
-                           Case{HotkeyAction::captureText, false, "one two"},
-                           Case{HotkeyAction::captureTextNoBreaks, true, "one two"},
-                           Case{HotkeyAction::captureTextNoBreaks, false, "one two"}}) {
-    if (each.keepSetting) Settings::setBool(Settings::keepLineBreaksByDefaultKey, *each.keepSetting);
-    capture(each.action);
-    EXPECT_EQ(desktop.pasteboard().text, each.text);
-  }
-}
-
-TEST_F(AppDelegateTest, BarcodePayloadsAreJoinedByLineFeeds) {
-  desktop.textRecognizer().recognizes({"text"});
-  desktop.barcodeDetector().finds({"A", "", "B\r\n"});
-  Settings::setBool(Settings::keepLineBreaksByDefaultKey, false);
   capture(HotkeyAction::captureBarcode);
-  EXPECT_EQ(desktop.pasteboard().text, "A\n\nB\r\n");
   ASSERT_EQ(desktop.barcodeDetector().requests.size(), 1U);
   EXPECT_EQ(describe(desktop.barcodeDetector().requests[0].image), "100,550 300×150");
   EXPECT_FALSE(desktop.barcodeDetector().requests[0].onMainThread);
-  EXPECT_THAT(desktop.textRecognizer().requests, IsEmpty());
-  EXPECT_THAT(desktop.textRecognizer().prepared, IsEmpty());
-}
-
-TEST_F(AppDelegateTest, NothingFoundLeavesThePasteboardAlone) {
-  capture(HotkeyAction::captureText);
-  capture(HotkeyAction::captureBarcode);
-  desktop.textRecognizer().result = platform::Error{"no engine"};
-  desktop.barcodeDetector().result = platform::Error{"no detector"};
-  capture(HotkeyAction::captureText);
-  capture(HotkeyAction::captureBarcode);
-  EXPECT_EQ(desktop.textRecognizer().requests.size() + desktop.barcodeDetector().requests.size(), 4U);
-
-  desktop.textRecognizer().recognizes({"text"});
-  press(HotkeyAction::captureText);
-  desktop.windows().keyDown(platform::keyCodeEscape);
-  desktop.displays().setImage(1, std::nullopt);
-  capture(HotkeyAction::captureText);
-  desktop.displays().accessGranted = false;
-  press(HotkeyAction::captureText);
-  EXPECT_THAT(overlays(), IsEmpty());
-  EXPECT_EQ(desktop.textRecognizer().prepared.size(), 4U) << "a refused request loads no recogniser";
-  EXPECT_EQ(desktop.pasteboard().text, "before");
-  EXPECT_EQ(desktop.pasteboard().changeCount, 0);
+  EXPECT_EQ(desktop.textRecognizer().requests.size(), 1U);
+  EXPECT_EQ(desktop.textRecognizer().prepared.size(), 1U);
 }
 
 TEST_F(AppDelegateTest, RequestsOpenASessionWithAHintOrRepeatTheLastSelection) {

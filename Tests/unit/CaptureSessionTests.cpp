@@ -118,14 +118,6 @@ TEST_F(CaptureSessionTest, ConfirmationCapturesAfterTheOverlaysHaveGone) {
   EXPECT_THAT(logMessages(), IsEmpty());
 }
 
-TEST_F(CaptureSessionTest, DragsThatLeaveTheirScreenAreCutToIt) {
-  desktop.displays().attach(2, {{1440, 0}, {1440, 900}}, 2);
-  begin();
-  desktop.windows().dragMouse({1340, 100}, {1540, 300.9});
-  desktop.settle();
-  EXPECT_THAT(ends, ElementsAre("session: 1340,599 100×201"));
-}
-
 TEST_F(CaptureSessionTest, FailuresOfTheSnapshotAndOfTheCropAreToldApart) {
   struct Case {
     std::optional<platform::Image> picture;

@@ -1,8 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <limits>
-
 #include "CaptureDescription.h"
 #include "capture/ScreenCaptureController.h"
 #include "support/SimulatedDesktop.h"
@@ -33,12 +31,6 @@ TEST(LastSelection, ReadsTheStoredFormAndNothingElse) {
         R"({"displayID":7,"rect":[[0,0]]})", R"({"displayID":7,"rect":[[0,0],[1,1e999]]})",
         R"({"displayID":7,"rect":[[0,0],[1,1]])"})
     EXPECT_EQ(decodedLastSelection(other), std::nullopt) << other;
-}
-
-TEST(LastSelection, HasNoFormForWhatIsNotFinite) {
-  for (const double value :
-       {std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN()})
-    EXPECT_EQ(encoded({1, {{0, 0}, {1, value}}}), std::nullopt);
 }
 
 class RepeatTest : public ::testing::Test {

@@ -100,13 +100,6 @@ TEST_F(OutcomeTest, EachOutcomeHasItsEffectsInTheirOrder) {
        captureAndSpeak,
        {},
        {"play Basso", "show exclamationmark.triangle.fill No text recognized"}},
-      {"speech of joined blanks",
-       captureAndSpeak,
-       {" "},
-       {"pasteboard ", storeHistory, "play Tink", "show checkmark.circle.fill Copied"},
-       "textToSpeech ",
-       false,
-       false},
       {"one code",
        captureBarcode,
        {"A"},
@@ -114,9 +107,9 @@ TEST_F(OutcomeTest, EachOutcomeHasItsEffectsInTheirOrder) {
        "barcode A"},
       {"three codes, not added to the buffer",
        captureBarcode,
-       {"A", "B", "C"},
-       {"pasteboard A\nB\nC", storeHistory, "play Tink", "show checkmark.circle.fill Copied 3 codes / A"},
-       "barcode A\nB\nC",
+       {"A", "", "C\r\n"},
+       {"pasteboard A\n\nC\r\n", storeHistory, "play Tink", "show checkmark.circle.fill Copied 3 codes / A"},
+       "barcode A\n\nC\r\n",
        true},
       {"no code",
        captureBarcode,
@@ -164,7 +157,9 @@ TEST_F(OutcomeTest, FailuresAndMissingAccessEndInTheirMessages) {
   press(HotkeyAction::captureLastSelection);
   EXPECT_THAT(results(), ElementsAre("show exclamationmark.triangle.fill No previous selection yet"));
   desktop.displays().accessGranted = false;
+  desktop.textRecognizer().prepared.clear();
   press(HotkeyAction::captureText);
+  EXPECT_THAT(desktop.textRecognizer().prepared, IsEmpty()) << "a refused request loads no recogniser";
   EXPECT_THAT(results(), ElementsAre("play Basso",
                                      "show exclamationmark.triangle.fill Screen Recording access required / "
                                      "Enable Lumiscan in System Settings › Privacy & Security"));

@@ -6,7 +6,6 @@
 
 #include "platform/Dispatch.h"
 #include "platform/Geometry.h"
-#include "platform/TextRecognizer.h"
 #include "platform/Window.h"
 #include "support/SimulatedDesktop.h"
 
@@ -16,17 +15,8 @@ namespace lumiscan::testing {
 namespace {
 
 using platform::integral;
-using platform::intersection;
 using platform::Point;
 using platform::Rect;
-using platform::rectBetween;
-
-TEST(Geometry, RectBetweenIsTheSameFromEveryCorner) {
-  const Rect expected{{-10, 20}, {30, 5}};
-  EXPECT_EQ(rectBetween({-10, 20}, {20, 25}), expected);
-  EXPECT_EQ(rectBetween({20, 25}, {-10, 20}), expected);
-  EXPECT_EQ(rectBetween({-10, 25}, {20, 20}), expected);
-}
 
 TEST(Geometry, NeighboursShareNoPoint) {
   const Rect left{{-1440, 0}, {1440, 900}};
@@ -41,12 +31,6 @@ TEST(Geometry, IntegralGrowsToWholeNumbers) {
   EXPECT_EQ(integral({{200, 1100}, {600, 300}}), (Rect{{200, 1100}, {600, 300}}));
   EXPECT_EQ(integral({{1 - 1e-9, 0}, {2 + 2e-9, 0.5}}, 1e-6), (Rect{{1, 0}, {2, 1}}));
   EXPECT_TRUE(std::isnan(integral({{0, 0}, {std::numeric_limits<double>::quiet_NaN(), 1}}).size.width));
-}
-
-TEST(Geometry, IntersectionOfRectanglesThatOnlyTouchIsEmpty) {
-  EXPECT_EQ(intersection({{0, 0}, {10, 10}}, {{5, -5}, {10, 10}}), (Rect{{5, 0}, {5, 5}}));
-  EXPECT_EQ(intersection({{0, 0}, {10, 10}}, {{10, 0}, {10, 10}}), Rect{});
-  EXPECT_EQ(intersection({{0, 0}, {10, 10}}, {{20, 20}, {10, 10}}), Rect{});
 }
 
 TEST(Image, CroppingSharesThePixelsWhateverTheRowLength) {
@@ -76,6 +60,7 @@ TEST(Image, CroppingIsCutToTheBounds) {
   EXPECT_EQ(corner->height(), 5);
   EXPECT_EQ(pixel(*corner, 0, 0), 0U);
   EXPECT_FALSE(whole.cropped({{100, 0}, {10, 10}}));
+  EXPECT_FALSE(whole.cropped({{10, 50}, {10, 10}}));
   EXPECT_FALSE(whole.cropped({{-10, 0}, {10, 10}}));
   EXPECT_FALSE(whole.cropped({{10, 10}, {0, 10}}));
 }
@@ -87,13 +72,6 @@ TEST(Image, EnlargingRepeatsEveryPixelOfACrop) {
   for (int y = 0; y < 6; ++y)
     for (int x = 0; x < 6; ++x)
       EXPECT_EQ(pixel(large, x, y), static_cast<std::uint32_t>((3 + y / 3) << 12 | (2 + x / 3)));
-}
-
-TEST(TextObservation, HasAtMostItsOwnCandidates) {
-  const platform::TextObservation observation{{"best", "second"}};
-  EXPECT_THAT(observation.topCandidates(1), ::testing::ElementsAre("best"));
-  EXPECT_THAT(observation.topCandidates(5), ::testing::ElementsAre("best", "second"));
-  EXPECT_THAT(platform::TextObservation{}.topCandidates(1), ::testing::IsEmpty());
 }
 
 /// Drops its window from within every handler, and afterwards looks at its own members.

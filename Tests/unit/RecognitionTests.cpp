@@ -11,7 +11,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-TEST(OCRService, JoinsTheBestReadingsOfTheLinesUnchanged) {
+TEST(OCRService, JoinsTheBestReadingsOfTheLinesAndHandsErrorsOn) {
   struct Case {
     std::vector<platform::TextObservation> observations;
     std::string text;
@@ -30,6 +30,10 @@ TEST(OCRService, JoinsTheBestReadingsOfTheLinesUnchanged) {
     ASSERT_TRUE(text.ok());
     EXPECT_EQ(text.value(), each.text);
   }
+  desktop.textRecognizer().result = platform::Error{"no engine"};
+  const auto text = OCRService::recognizeText(testing::coordinateImage(8, 8), {"en-US"});
+  ASSERT_FALSE(text.ok());
+  EXPECT_EQ(text.error().text, "no engine");
 }
 
 TEST(OCRService, AsksForTheAccurateLevelAndTheLanguagesInOrder) {
@@ -44,14 +48,6 @@ TEST(OCRService, AsksForTheAccurateLevelAndTheLanguagesInOrder) {
   EXPECT_THAT(requests[0].request.recognitionLanguages, ElementsAre("de-DE", "en-US"));
   EXPECT_THAT(requests[1].request.recognitionLanguages, IsEmpty());
   EXPECT_EQ(requests[0].image.row(0), image.row(0)) << "the image is handed over as it is";
-}
-
-TEST(OCRService, HandsTheRecognizersErrorOn) {
-  testing::SimulatedDesktop desktop;
-  desktop.textRecognizer().result = platform::Error{"no engine"};
-  const auto text = OCRService::recognizeText(testing::coordinateImage(8, 8), {"en-US"});
-  ASSERT_FALSE(text.ok());
-  EXPECT_EQ(text.error().text, "no engine");
 }
 
 TEST(OCRService, CollapsesLinesIntoOne) {
@@ -89,7 +85,7 @@ TEST(OCRService, CollapsesLinesIntoOne) {
         << ::testing::PrintToString(each.text);
 }
 
-TEST(BarcodeService, AsksForItsTenSymbologiesAndGivesEveryTextPayload) {
+TEST(BarcodeService, AsksForItsTenSymbologiesAndGivesEveryTextPayloadOrTheError) {
   using platform::Symbology;
   testing::SimulatedDesktop desktop;
   desktop.barcodeDetector().result = std::vector<platform::BarcodeObservation>{
@@ -105,14 +101,10 @@ TEST(BarcodeService, AsksForItsTenSymbologiesAndGivesEveryTextPayload) {
                           Symbology::ean13, Symbology::ean8, Symbology::code128, Symbology::code39,
                           Symbology::code93, Symbology::upce));
   EXPECT_EQ(request.image.row(0), image.row(0));
-}
 
-TEST(BarcodeService, HandsTheDetectorsErrorOn) {
-  testing::SimulatedDesktop desktop;
   desktop.barcodeDetector().result = platform::Error{"unsearchable"};
-  const auto payloads = BarcodeService::decode(testing::coordinateImage(8, 8));
-  ASSERT_FALSE(payloads.ok());
-  EXPECT_EQ(payloads.error().text, "unsearchable");
+  ASSERT_FALSE(BarcodeService::decode(image).ok());
+  EXPECT_EQ(BarcodeService::decode(image).error().text, "unsearchable");
 }
 
 }  // namespace

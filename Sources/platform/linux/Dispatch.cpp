@@ -20,10 +20,9 @@ void QtDispatcher::asyncAfter(double seconds, std::function<void()> work) {
     async([this, seconds, work = std::move(work)] { asyncAfter(seconds, work); });
     return;
   }
-  const auto delay = std::chrono::milliseconds(static_cast<long>(seconds * 1000));
-  // Long waits may be late by a twentieth, which lets the system group its wake-ups.
-  const auto type = delay < std::chrono::seconds(5) ? Qt::PreciseTimer : Qt::CoarseTimer;
-  QTimer::singleShot(delay, type, &mainContext_, std::move(work));
+  const auto delay = std::chrono::ceil<std::chrono::milliseconds>(std::chrono::duration<double>(seconds));
+  // Any other type may fire too early.
+  QTimer::singleShot(delay, Qt::PreciseTimer, &mainContext_, std::move(work));
 }
 
 void QtDispatcher::detach(platform::TaskPriority priority, std::function<void()> work) {

@@ -25,10 +25,6 @@ QFont::Weight qtWeight(platform::FontWeight weight) {
   return QFont::Normal;
 }
 
-QString qtString(std::string_view text) {
-  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
 /// A rounded rectangle whose corners begin to bend half a radius before a circle's would.
 QPainterPath continuousCorners(const QRectF& rect, double radius) {
   // In radii from the corner: where a side ends, and the curve from there to the middle of the corner.
@@ -58,9 +54,18 @@ QPainterPath continuousCorners(const QRectF& rect, double radius) {
 
 }  // namespace
 
+QString qtString(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
 QColor qtColor(platform::Color color) {
   return QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green),
                           static_cast<float>(color.blue), static_cast<float>(color.alpha));
+}
+
+QRect qRect(const platform::Rect& pixels) {
+  return {static_cast<int>(pixels.minX()), static_cast<int>(pixels.minY()),
+          static_cast<int>(pixels.size.width), static_cast<int>(pixels.size.height)};
 }
 
 QFont qtFont(const platform::Font& font) {

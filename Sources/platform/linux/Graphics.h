@@ -2,13 +2,20 @@
 
 #include <QFont>
 #include <QPainter>
+#include <QRect>
+#include <QString>
+#include <string_view>
 
 #include "platform/Graphics.h"
 
 namespace lumiscan::desktop {
 
+/// From UTF-8.
+QString qtString(std::string_view text);
 QColor qtColor(platform::Color color);
 QFont qtFont(const platform::Font& font);
+/// Precondition: whole numbers, as pixels are.
+QRect qRect(const platform::Rect& pixels);
 /// The size of one line of text, as `platform::GraphicsContext::sizeOf` says.
 platform::Size textSize(std::string_view text, const platform::TextAttributes& attributes);
 

@@ -1,15 +1,14 @@
 #include "platform/linux/OverlaySession.h"
 
 #include <QCoreApplication>
-#include <QThread>
 #include <algorithm>
 #include <chrono>
-#include <future>
-#include <memory>
+#include <utility>
 
 #include "platform/Logger.h"
+#include "platform/linux/CallOnThread.h"
+#include "platform/linux/OverlayPeer.h"
 #include "platform/linux/PanelStage.h"
-#include "platform/linux/Window.h"
 
 namespace lumiscan::desktop {
 
@@ -154,20 +153,14 @@ void OverlaySession::buttonChanged(const xcb_button_press_event_t& event, bool p
 }
 
 bool OverlaySession::conceal() {
-  if (QThread::currentThread() == context_.thread()) {
-    setConcealed(true);
-    return true;
-  }
-  const auto concealed = std::make_shared<std::promise<void>>();
-  auto future = concealed->get_future();
-  QMetaObject::invokeMethod(
-      &context_,
-      [this, concealed] {
+  const auto concealed = callOnThread(
+      context_,
+      [this] {
         setConcealed(true);
-        concealed->set_value();
+        return true;
       },
-      Qt::QueuedConnection);
-  return future.wait_for(concealPatience) == std::future_status::ready;
+      concealPatience);
+  return concealed.has_value();
 }
 
 void OverlaySession::reveal() {

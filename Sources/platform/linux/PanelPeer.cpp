@@ -62,9 +62,7 @@ void PanelPeer::open() {
   const auto place = stage_.displays().layout().place(window_.frame());
   if (!place) return;  // Its screen has gone.
   if (stage_.beforeShowing) stage_.beforeShowing();
-  const platform::Rect& pixels = place->pixels;
-  const QRect rect(static_cast<int>(pixels.minX()), static_cast<int>(pixels.minY()),
-                   static_cast<int>(pixels.size.width), static_cast<int>(pixels.size.height));
+  const QRect rect = qRect(place->pixels);
   const QImage picture = pictureOf(window_, rect.size(), place->scale);
   native_ = std::make_unique<PanelWindow>(stage_.connection(), rect, picture, "LumiscanPanel");
   if (window_.attributes().hasShadow && native_->isTranslucent()) {

@@ -3,15 +3,14 @@
 #include <xcb/xfixes.h>
 
 #include <QCoreApplication>
-#include <QThread>
 #include <chrono>
 #include <cstring>
-#include <future>
-#include <memory>
 #include <thread>
 
+#include "platform/linux/CallOnThread.h"
 #include "platform/linux/PanelPeer.h"
 #include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/Visual.h"
 
 namespace lumiscan::desktop {
 
@@ -60,7 +59,7 @@ std::vector<PanelStage::Sample> PanelStage::concealAll() {
 }
 
 std::optional<std::uint32_t> PanelStage::colorAt(QPoint pixel) const {
-  const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root;
+  const xcb_window_t root = x11::screenOf(connection_).root;
   const auto request =
       xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, root, static_cast<std::int16_t>(pixel.x()),
                     static_cast<std::int16_t>(pixel.y()), 1, 1, ~0U);
@@ -73,19 +72,11 @@ std::optional<std::uint32_t> PanelStage::colorAt(QPoint pixel) const {
 
 void PanelStage::concealAndWait() {
   if (visibleCount_ == 0) return;
-  std::vector<Sample> samples;
-  if (QThread::currentThread() == context_.thread()) {
-    samples = concealAll();
-  } else {
-    const auto concealed = std::make_shared<std::promise<std::vector<Sample>>>();
-    auto future = concealed->get_future();
-    QMetaObject::invokeMethod(
-        &context_, [this, concealed] { concealed->set_value(concealAll()); }, Qt::QueuedConnection);
-    if (future.wait_for(concealPatience) == std::future_status::ready) samples = future.get();
-  }
-  if (!x11::hasCompositor(connection_)) return;
+  const auto samples = callOnThread(
+      context_, [this] { return concealAll(); }, concealPatience);
+  if (!samples || !x11::hasCompositor(connection_)) return;
   const auto deadline = std::chrono::steady_clock::now() + longestRepaint;
-  for (const Sample& sample : samples)
+  for (const Sample& sample : *samples)
     while (colorAt(sample.pixel) == sample.color && std::chrono::steady_clock::now() < deadline)
       std::this_thread::sleep_for(betweenLooks);
 }

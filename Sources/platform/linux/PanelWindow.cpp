@@ -4,8 +4,6 @@
 
 #include <QPainter>
 #include <algorithm>
-#include <array>
-#include <cmath>
 #include <cstring>
 #include <utility>
 #include <vector>
@@ -37,72 +35,31 @@ std::vector<xcb_rectangle_t> inkRows(const QImage& picture) {
 }  // namespace
 
 PanelWindow::PanelWindow(xcb_connection_t* connection, const QRect& pixels, QImage picture,
-                         const std::string& windowClass)
+                         std::string_view windowClass)
     : connection_(connection),
-      pixels_(pixels),
       picture_(std::move(picture)),
-      window_(xcb_generate_id(connection)),
-      gc_(xcb_generate_id(connection)) {
-  const xcb_screen_t& screen = x11::screenOf(connection);
-  create(screen);
-  describe(windowClass);
+      window_(connection, {
+                              .pixels = pixels,
+                              .wantsAlpha = x11::hasCompositor(connection),
+                              .events = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_VISIBILITY_CHANGE,
+                              .instanceName = "panel",
+                              .className = windowClass,
+                              .types = {"_NET_WM_WINDOW_TYPE_NOTIFICATION"},
+                          }) {
+  // A compositor's own shadow would be that of a rectangle.
+  const std::uint32_t no = 0;
+  xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, id(), x11::atom(connection_, "_COMPTON_SHADOW"),
+                      XCB_ATOM_CARDINAL, 32, 1, &no);
   letTheMouseThrough();
   if (isTranslucent()) return;
   takeShapeOf(picture_);
-  readGround(screen.root);
-}
-
-PanelWindow::~PanelWindow() {
-  xcb_free_gc(connection_, gc_);
-  xcb_destroy_window(connection_, window_);
-  xcb_flush(connection_);
-}
-
-void PanelWindow::create(const xcb_screen_t& screen) {
-  xcb_visualid_t visual = screen.root_visual;
-  depth_ = screen.root_depth;
-  const auto withAlpha = x11::visualOfDepth(screen, translucentDepth);
-  if (withAlpha != 0 && x11::hasCompositor(connection_)) {
-    visual = withAlpha;
-    depth_ = translucentDepth;
-  }
-  const xcb_colormap_t colormap = xcb_generate_id(connection_);
-  xcb_create_colormap(connection_, XCB_COLORMAP_ALLOC_NONE, colormap, screen.root, visual);
-  xcb_create_window_value_list_t values{};
-  // Until the picture is painted the window shows what is behind it: transparent, or nothing at all.
-  values.background_pixmap = XCB_BACK_PIXMAP_NONE;
-  values.background_pixel = 0;
-  values.override_redirect = 1;
-  values.event_mask = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_VISIBILITY_CHANGE;
-  values.colormap = colormap;
-  xcb_create_window_aux(connection_, depth_, window_, screen.root, static_cast<std::int16_t>(pixels_.x()),
-                        static_cast<std::int16_t>(pixels_.y()), static_cast<std::uint16_t>(pixels_.width()),
-                        static_cast<std::uint16_t>(pixels_.height()), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
-                        visual,
-                        (isTranslucent() ? XCB_CW_BACK_PIXEL : XCB_CW_BACK_PIXMAP) | XCB_CW_BORDER_PIXEL |
-                            XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK | XCB_CW_COLORMAP,
-                        &values);
-  xcb_free_colormap(connection_, colormap);
-  xcb_create_gc(connection_, gc_, window_, 0, nullptr);
-}
-
-void PanelWindow::describe(const std::string& windowClass) {
-  const std::string instanceAndClass = "panel" + std::string(1, '\0') + windowClass + std::string(1, '\0');
-  xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8,
-                      static_cast<std::uint32_t>(instanceAndClass.size()), instanceAndClass.data());
-  const xcb_atom_t type = x11::atom(connection_, "_NET_WM_WINDOW_TYPE_NOTIFICATION");
-  xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window_,
-                      x11::atom(connection_, "_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, 32, 1, &type);
-  // A compositor's own shadow would be that of a rectangle.
-  const std::uint32_t no = 0;
-  xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window_, x11::atom(connection_, "_COMPTON_SHADOW"),
-                      XCB_ATOM_CARDINAL, 32, 1, &no);
+  readGround();
 }
 
 void PanelWindow::letTheMouseThrough() {
   const xcb_xfixes_region_t nothing = xcb_generate_id(connection_);
   xcb_xfixes_create_region(connection_, nothing, 0, nullptr);
-  xcb_xfixes_set_window_shape_region(connection_, window_, XCB_SHAPE_SK_INPUT, 0, 0, nothing);
+  xcb_xfixes_set_window_shape_region(connection_, id(), XCB_SHAPE_SK_INPUT, 0, 0, nothing);
   xcb_xfixes_destroy_region(connection_, nothing);
 }
 
@@ -110,17 +67,18 @@ void PanelWindow::takeShapeOf(const QImage& picture) {
   const auto rows = inkRows(picture);
   const xcb_xfixes_region_t shape = xcb_generate_id(connection_);
   xcb_xfixes_create_region(connection_, shape, static_cast<std::uint32_t>(rows.size()), rows.data());
-  xcb_xfixes_set_window_shape_region(connection_, window_, XCB_SHAPE_SK_BOUNDING, 0, 0, shape);
+  xcb_xfixes_set_window_shape_region(connection_, id(), XCB_SHAPE_SK_BOUNDING, 0, 0, shape);
   xcb_xfixes_destroy_region(connection_, shape);
 }
 
-void PanelWindow::readGround(xcb_window_t root) {
+void PanelWindow::readGround() {
   ground_ = QImage(picture_.size(), QImage::Format_RGB32);
   ground_.fill(Qt::black);
-  const auto request =
-      xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, root, static_cast<std::int16_t>(pixels_.x()),
-                    static_cast<std::int16_t>(pixels_.y()), static_cast<std::uint16_t>(pixels_.width()),
-                    static_cast<std::uint16_t>(pixels_.height()), ~0U);
+  const QRect& pixels = window_.pixels();
+  const auto request = xcb_get_image(
+      connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, x11::screenOf(connection_).root,
+      static_cast<std::int16_t>(pixels.x()), static_cast<std::int16_t>(pixels.y()),
+      static_cast<std::uint16_t>(pixels.width()), static_cast<std::uint16_t>(pixels.height()), ~0U);
   // What reaches beyond the X screen can't be read.
   const x11::Reply<xcb_get_image_reply_t> image(xcb_get_image_reply(connection_, request, nullptr));
   if (!image || xcb_get_image_data_length(image.get()) != ground_.sizeInBytes()) return;
@@ -144,15 +102,13 @@ void PanelWindow::blurBehind() {
   for (const xcb_rectangle_t& row : inkRows(picture_))
     for (const int value : {int{row.x}, int{row.y}, int{row.width}, int{row.height}})
       region.push_back(static_cast<std::uint32_t>(value));
-  xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window_,
+  xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, id(),
                       x11::atom(connection_, "_KDE_NET_WM_BLUR_BEHIND_REGION"), XCB_ATOM_CARDINAL, 32,
                       static_cast<std::uint32_t>(region.size()), region.data());
 }
 
 void PanelWindow::showOnTop() {
-  const std::uint32_t above = XCB_STACK_MODE_ABOVE;
-  xcb_configure_window(connection_, window_, XCB_CONFIG_WINDOW_STACK_MODE, &above);
-  xcb_map_window(connection_, window_);
+  window_.showOnTop();
   paint();
 }
 
@@ -162,48 +118,27 @@ void PanelWindow::setOpacity(double opacity) {
 }
 
 std::optional<std::uint32_t> PanelWindow::groundColor() const {
-  const QRgb color = picture_.pixel(groundPixel() - pixels_.topLeft());
+  const QRgb color = picture_.pixel(groundPixel() - window_.pixels().topLeft());
   if (qAlpha(color) != 255) return std::nullopt;
   return color & 0xFFFFFF;
 }
 
 void PanelWindow::paint() {
-  if (isTranslucent()) {
-    if (opacity_ >= 1) {
-      write(picture_);
-    } else {
-      QImage faded(picture_.size(), QImage::Format_ARGB32_Premultiplied);
-      faded.fill(Qt::transparent);
-      QPainter painter(&faded);
-      painter.setOpacity(opacity_);
-      painter.drawImage(0, 0, picture_);
-      painter.end();
-      write(faded);
-    }
+  if (isTranslucent() && opacity_ >= 1) {
+    window_.write(picture_, {0, 0});
   } else {
     QImage mixed = ground_;
+    if (isTranslucent()) {
+      mixed = QImage(picture_.size(), QImage::Format_ARGB32_Premultiplied);
+      mixed.fill(Qt::transparent);
+    }
     QPainter painter(&mixed);
     painter.setOpacity(opacity_);
     painter.drawImage(0, 0, picture_);
     painter.end();
-    write(mixed);
+    window_.write(mixed, {0, 0});
   }
   xcb_flush(connection_);
-}
-
-void PanelWindow::write(const QImage& image) {
-  // As many rows at a time as one request takes.
-  const auto bytesPerRow = static_cast<std::size_t>(image.bytesPerLine());
-  constexpr std::size_t header = 64;
-  const std::size_t most = std::size_t{4} * xcb_get_maximum_request_length(connection_) - header;
-  const int rowsAtATime = static_cast<int>(std::max<std::size_t>(1, most / bytesPerRow));
-  for (int y = 0; y < image.height(); y += rowsAtATime) {
-    const int rows = std::min(rowsAtATime, image.height() - y);
-    xcb_put_image(
-        connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, window_, gc_, static_cast<std::uint16_t>(image.width()),
-        static_cast<std::uint16_t>(rows), 0, static_cast<std::int16_t>(y), 0, depth_,
-        static_cast<std::uint32_t>(bytesPerRow * static_cast<std::size_t>(rows)), image.constScanLine(y));
-  }
 }
 
 }  // namespace lumiscan::desktop

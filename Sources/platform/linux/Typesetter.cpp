@@ -7,14 +7,6 @@
 
 namespace lumiscan::desktop {
 
-namespace {
-
-QString qtString(std::string_view text) {
-  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
-}  // namespace
-
 platform::Size QtTypesetter::sizeOf(std::string_view text, const platform::Font& font) {
   return textSize(text, {font, {}});
 }

@@ -162,6 +162,7 @@ void FileUserDefaults::setAside() const {
     aside = file_.string() + ".unreadable-" + std::to_string(i);
   std::error_code error;
   std::filesystem::rename(file_, aside, error);
+  chmod(aside.c_str(), 0600);  // It may hold captures, and come from elsewhere.
   log().error("preferences can't be parsed; " + (error ? "they can't be set aside: " + error.message()
                                                        : "kept as " + aside.filename().string()));
 }

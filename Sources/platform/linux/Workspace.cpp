@@ -4,6 +4,8 @@
 #include <QStandardPaths>
 #include <QStringList>
 
+#include "platform/linux/Graphics.h"
+
 namespace lumiscan::desktop {
 
 namespace {
@@ -23,7 +25,7 @@ void XdgWorkspace::openURL(std::string_view url) {
   if (url == platform::screenRecordingSettingsURL)
     openPrivacySettings();
   else
-    QProcess::startDetached("xdg-open", {QString::fromUtf8(url.data(), static_cast<qsizetype>(url.size()))});
+    QProcess::startDetached("xdg-open", {qtString(url)});
 }
 
 }  // namespace lumiscan::desktop

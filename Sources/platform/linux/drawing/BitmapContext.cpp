@@ -196,13 +196,6 @@ void CairoBitmapContext::draw(std::string_view text, Point origin, const TextAtt
   drawLine(text, {origin.x, origin.y + font.descent}, attributes);
 }
 
-Rect CairoBitmapContext::inkBounds(std::string_view text, const TextAttributes& attributes) {
-  canvas_->setFont(attributes.font);
-  cairo_text_extents_t ink;
-  cairo_text_extents(canvas_->cairo.get(), std::string(text).c_str(), &ink);
-  return {{ink.x_bearing, ink.y_bearing}, {ink.width, ink.height}};
-}
-
 void CairoBitmapContext::drawLine(std::string_view text, Point baseline, const TextAttributes& attributes) {
   canvas_->setFont(attributes.font);
   canvas_->setColor(attributes.foregroundColor);

@@ -19,7 +19,6 @@ class CairoBitmapContext : public platform::BitmapContext {
   platform::Size sizeOf(std::string_view text, const platform::TextAttributes& attributes) override;
   void draw(std::string_view text, platform::Point origin,
             const platform::TextAttributes& attributes) override;
-  platform::Rect inkBounds(std::string_view text, const platform::TextAttributes& attributes) override;
   void drawLine(std::string_view text, platform::Point baseline,
                 const platform::TextAttributes& attributes) override;
   platform::Image makeImage() override;

@@ -1,4 +1,7 @@
-# The weights of the glyph classifier as a part of the program.
+// The weights of the glyph classifier as a part of the program.
+#ifdef __CET__
+#include <cet.h>  // Says that this object keeps the control-flow protection, which one that doesn't takes from all.
+#endif
 	.section .rodata
 	.balign 4
 	.globl lumiscan_glyph_model

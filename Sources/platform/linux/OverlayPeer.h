@@ -13,7 +13,7 @@
 
 #include "platform/Window.h"
 #include "platform/linux/x11/Display.h"
-#include "platform/linux/x11/OverlayWindow.h"
+#include "platform/linux/x11/UnmanagedWindow.h"
 
 namespace lumiscan::desktop {
 
@@ -48,12 +48,14 @@ class OverlayPeer : public platform::WindowPeer {
   /// Paints nothing but what is behind the window until it is no longer concealed.
   void setConcealed(bool concealed);
   /// Of the X screen.
-  QRect pixels() const { return native_ ? QRect(native_->origin(), native_->size()) : QRect(); }
+  QRect pixels() const { return native_ ? native_->pixels() : QRect(); }
   /// Freezes what the window covers, where that is still to be done.
   void freeze();
 
  private:
   void open();
+  /// From 0, 0 on.
+  QRect allPixels() const { return {QPoint(0, 0), native_->pixels().size()}; }
   void useFrozenDesktop();
   void fetchBehind();
   void schedulePaint();
@@ -64,7 +66,7 @@ class OverlayPeer : public platform::WindowPeer {
   platform::Window& window_;
   OverlaySession& session_;
   QObject context_;
-  std::unique_ptr<x11::OverlayWindow> native_;
+  std::unique_ptr<x11::UnmanagedWindow> native_;
   x11::ScreenLayout::Place place_;
   x11::OverlayGround ground_;
   QRegion dirty_;    ///< What is to be drawn again.

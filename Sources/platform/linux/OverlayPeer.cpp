@@ -1,4 +1,4 @@
-#include "platform/linux/Window.h"
+#include "platform/linux/OverlayPeer.h"
 
 #include <QImage>
 #include <QPainter>
@@ -21,6 +21,9 @@ constexpr std::uint16_t noVirtualKeyCode = 0xFFFF;
 constexpr std::chrono::milliseconds shortestFrame(7);
 /// How long after an overlay has opened the pixels of the desktop behind it are fetched.
 constexpr std::chrono::milliseconds beforeFetching(60);
+constexpr std::uint32_t wantedEvents = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_BUTTON_PRESS |
+                                       XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_POINTER_MOTION |
+                                       XCB_EVENT_MASK_KEY_PRESS;
 
 platform::CursorShape cursorOf(const platform::Window& window) {
   const platform::View* const view = window.contentView();
@@ -68,14 +71,20 @@ void OverlayPeer::open() {
   }
   place_ = *place;
   ground_ = session_.overlayOpens(*this, place_.display);
-  using Ground = x11::OverlayWindow::Ground;
-  const Ground behind = ground_.mark           ? Ground::nothing
-                        : ground_.isToBeFrozen ? Ground::asIs
-                                               : Ground::picture;
-  native_ = std::make_unique<x11::OverlayWindow>(session_.connection(), place_.pixels, behind,
-                                                 session_.cursor(cursorOf(window_)));
+  const bool composited = ground_.mark.has_value();
+  native_ = std::make_unique<x11::UnmanagedWindow>(
+      session_.connection(), x11::UnmanagedWindow::Options{
+                                 .pixels = qRect(place_.pixels),
+                                 .wantsAlpha = composited,
+                                 .events = wantedEvents,
+                                 .cursor = session_.cursor(cursorOf(window_)),
+                                 .instanceName = "lumiscan",
+                                 .className = "Lumiscan",
+                                 // Compositors give these no shadow and no animation.
+                                 .types = {"_KDE_NET_WM_WINDOW_TYPE_OVERRIDE", "_NET_WM_WINDOW_TYPE_DND"},
+                             });
   if (ground_.frozenDesktop) useFrozenDesktop();
-  exposed(QRect(QPoint(0, 0), native_->size()));
+  exposed(allPixels());
   // The server is busy with showing the overlays now, and the user needs longer for a drag than this takes.
   fetchTimer_.start(beforeFetching);
 }
@@ -89,7 +98,7 @@ void OverlayPeer::freeze() {
 
 void OverlayPeer::useFrozenDesktop() {
   if (!place_.coversDisplay) return;
-  native_->setGround(ground_.frozenDesktop->pixmap());
+  native_->setBackground(ground_.frozenDesktop->pixmap());
 }
 
 void OverlayPeer::fetchBehind() {
@@ -128,7 +137,7 @@ bool OverlayPeer::coversItsScreen() const {
 void OverlayPeer::mouseEvent(platform::Window::MousePhase phase, QPoint root) {
   const auto window = window_.weak_from_this().lock();
   if (!window || !native_) return;
-  const QPoint pixel = root - native_->origin();
+  const QPoint pixel = root - native_->pixels().topLeft();
   platform::Point position{double(pixel.x()), double(pixel.y())};
   if (phase == platform::Window::MousePhase::moved) {
     const platform::Point inPixel = x11::mouseInPixel(place_.scale);
@@ -136,8 +145,8 @@ void OverlayPeer::mouseEvent(platform::Window::MousePhase phase, QPoint root) {
   } else {
     // The corners of a rectangle are corners of pixels. The mouse can't go beyond the last pixels of the
     // screen, which a rectangle must be able to hold all the same.
-    if (pixel.x() == native_->size().width() - 1) ++position.x;
-    if (pixel.y() == native_->size().height() - 1) ++position.y;
+    if (pixel.x() == allPixels().right()) ++position.x;
+    if (pixel.y() == allPixels().bottom()) ++position.y;
   }
   window->sendMouseEvent(
       phase, {{position.x / place_.scale, window_.frame().size.height - position.y / place_.scale}});
@@ -152,14 +161,12 @@ void OverlayPeer::keyPressed(const xcb_key_press_event_t& event) {
 void OverlayPeer::invalidate(const platform::Rect& rect) {
   if (!native_) return;
   const double height = window_.frame().size.height;
-  const platform::Rect pixels =
-      platform::integral({{rect.minX() * place_.scale, (height - rect.maxY()) * place_.scale},
-                          {rect.size.width * place_.scale, rect.size.height * place_.scale}});
-  exposed(QRect(int(pixels.minX()), int(pixels.minY()), int(pixels.size.width), int(pixels.size.height)));
+  exposed(qRect(platform::integral({{rect.minX() * place_.scale, (height - rect.maxY()) * place_.scale},
+                                    {rect.size.width * place_.scale, rect.size.height * place_.scale}})));
 }
 
 void OverlayPeer::exposed(const QRect& pixels) {
-  dirty_ += pixels & QRect(QPoint(0, 0), native_->size());
+  dirty_ += pixels & allPixels();
   schedulePaint();
 }
 
@@ -175,7 +182,7 @@ void OverlayPeer::paint() {
   lastPaint_ = std::chrono::steady_clock::now();
   InkContext context(window_.frame().size.height, place_.scale);
   window_.draw(context, {{0, 0}, window_.frame().size});
-  QRegion ink = context.region() & QRect(QPoint(0, 0), native_->size());
+  QRegion ink = context.region() & allPixels();
   if (ground_.mark) ink += QRect(ground_.mark->x, ground_.mark->y, 1, 1);
   const QRegion toPaint = (painted_ + ink) & dirty_;
   if (!toPaint.isEmpty()) session_.freezeWithin(pixels());
@@ -189,7 +196,7 @@ void OverlayPeer::paint(const QRect& pixels) {
   std::optional<platform::Image> ground;
   if (!native_->isTransparent() && ground_.frozenDesktop) {
     const platform::Point display = ground_.frozenDesktop->pixels().origin;
-    const QPoint onScreen = native_->origin() + pixels.topLeft();
+    const QPoint onScreen = native_->pixels().topLeft() + pixels.topLeft();
     ground = ground_.frozenDesktop->part({{onScreen.x() - display.x, onScreen.y() - display.y},
                                           {double(pixels.width()), double(pixels.height())}});
   }
@@ -228,7 +235,7 @@ void OverlayPeer::setConcealed(bool concealed) {
   concealed_ = concealed;
   if (!native_) return;
   if (concealed && native_->isTransparent()) eraseAll();
-  if (!concealed) exposed(QRect(QPoint(0, 0), native_->size()));
+  if (!concealed) exposed(allPixels());
 }
 
 }  // namespace lumiscan::desktop
