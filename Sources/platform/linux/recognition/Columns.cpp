@@ -74,7 +74,7 @@ bool isRunningText(const std::vector<TextLine>& lines, int usual) {
   std::vector<int> widths;
   for (const TextLine& line : lines) widths.push_back(line.box.right - line.box.left);
   const int widest = *std::max_element(widths.begin(), widths.end());
-  return !isMonospaced(lines) && 10 * wordCount(lines, usual) >= 30 * lines.size() && widest > 12 * usual &&
+  return !isMonospaced(lines) && 10 * wordCount(lines, usual) >= 22 * lines.size() && widest > 12 * usual &&
          levelAt(widths, 0.5) * 10 >= widest * 6;
 }
 
