@@ -1,0 +1,103 @@
+#include "platform/linux/StatusBar.h"
+
+#include <QCursor>
+#include <QDBusConnection>
+#include <QTimer>
+#include <QToolTip>
+#include <utility>
+
+#include "platform/Logger.h"
+#include "platform/linux/Menu.h"
+#include "platform/linux/StatusIcon.h"
+#include "platform/linux/Symbols.h"
+#include "platform/linux/statusnotifier/Item.h"
+#include "platform/linux/x11/TrayWindow.h"
+
+namespace lumiscan::desktop {
+
+namespace {
+
+constexpr int toolTipDelay = 700;  // Milliseconds, as the toolkit's own.
+
+class TrayItem : public platform::StatusItem {
+ public:
+  explicit TrayItem(std::function<bool()> prefersDark) : notifierItem_(QDBusConnection::sessionBus()) {
+    notifierItem_.prefersDark = std::move(prefersDark);
+    QObject::connect(&notifierItem_, &statusnotifier::Item::changed, &context_, [this] { choosePlace(); });
+    QObject::connect(&notifierItem_, &statusnotifier::Item::activated, &context_, [this] { openMenu(); });
+    window_.trayChanged = [this] { choosePlace(); };
+    window_.picture = [this](int side, const QColor& color) {
+      return statusPicture(notifierItem_.button(), side, color);
+    };
+    window_.pressed = [this] { openMenu(); };
+    window_.hovered = [this](bool inside) { hover(inside); };
+    toolTipTimer_.setSingleShot(true);
+    toolTipTimer_.setInterval(toolTipDelay);
+    QObject::connect(&toolTipTimer_, &QTimer::timeout, &context_, [this] {
+      QToolTip::showText(QCursor::pos(), QString::fromStdString(notifierItem_.button().toolTip));
+    });
+    // The caller sets the button and the menu first.
+    QMetaObject::invokeMethod(
+        &context_, [this] { choosePlace(); }, Qt::QueuedConnection);
+  }
+
+  bool hasButton() const override { return true; }
+  void setButton(platform::StatusItemButton button) override {
+    notifierItem_.setButton(std::move(button));
+    window_.repaint();
+  }
+  void setMenu(std::shared_ptr<platform::Menu> menu) override {
+    menu_ = std::move(menu);
+    notifierItem_.setMenu(menu_);
+  }
+  const std::shared_ptr<platform::Menu>& menu() const override { return menu_; }
+
+ private:
+  /// In one tray only: some panels have both kinds.
+  void choosePlace() {
+    if (!notifierItem_.isKnown()) return;
+    if (notifierItem_.isShown())
+      window_.undock();
+    else if (window_.hasTray())
+      window_.dock();
+    else if (!std::exchange(missingTold_, true))
+      platform::Logger("com.varnholt.Lumiscan", "statusItem")
+          .info("no tray on this desktop: the status item appears when there is one");
+  }
+
+  void openMenu() {
+    hover(false);
+    popup_.popUp(menu_, QCursor::pos());
+  }
+
+  void hover(bool inside) {
+    toolTipTimer_.stop();
+    if (inside)
+      toolTipTimer_.start();
+    else
+      QToolTip::hideText();
+  }
+
+  QObject context_;
+  QTimer toolTipTimer_;
+  std::shared_ptr<platform::Menu> menu_;
+  PopupMenu popup_;
+  statusnotifier::Item notifierItem_;
+  x11::TrayWindow window_;
+  bool missingTold_ = false;
+};
+
+}  // namespace
+
+std::unique_ptr<platform::StatusItem> TrayStatusBar::statusItem(double) {
+  // How long an item is, is a matter of the panel here: all are square.
+  return std::make_unique<TrayItem>(prefersDark_);
+}
+
+std::optional<platform::SymbolImage> TrayStatusBar::symbolImage(std::string_view name,
+                                                                std::string_view accessibilityDescription) {
+  if (!symbolOutline(name)) return std::nullopt;
+  return platform::SymbolImage{std::string(name), std::string(accessibilityDescription)};
+}
+
+}  // namespace lumiscan::desktop

@@ -1,0 +1,105 @@
+#pragma once
+
+#include <QDBusAbstractAdaptor>
+#include <QDBusConnection>
+#include <QDBusObjectPath>
+#include <QDBusServiceWatcher>
+#include <QObject>
+#include <functional>
+
+#include "platform/StatusBar.h"
+#include "platform/linux/statusnotifier/MenuExport.h"
+#include "platform/linux/statusnotifier/Types.h"
+
+namespace lumiscan::desktop::statusnotifier {
+
+/// The status item as a panel sees it that asks over D-Bus (org.kde.StatusNotifierItem). Announces itself to
+/// the watcher that collects such items, now and whenever one appears. Waits for nobody but the bus itself.
+/// Main thread only.
+class Item : public QObject {
+  Q_OBJECT
+
+ public:
+  explicit Item(QDBusConnection bus);
+
+  void setButton(platform::StatusItemButton button);
+  const platform::StatusItemButton& button() const { return button_; }
+  void setMenu(std::shared_ptr<platform::Menu> menu) { menu_.setMenu(std::move(menu)); }
+
+  /// Whether it is known yet if a panel shows the item.
+  bool isKnown() const { return known_; }
+  bool isShown() const { return known_ && shown_; }
+
+  /// The colours that the user prefers, asked when a panel asks for the icon.
+  std::function<bool()> prefersDark;
+
+ signals:
+  /// `isKnown` or `isShown` may have changed.
+  void changed();
+  /// A panel that doesn't show the menu itself had a click on the item.
+  void activated();
+  void buttonChanged();
+
+ private slots:
+  void askForHost();
+
+ private:
+  void announce();
+  void settle(bool shown);
+
+  QDBusConnection bus_;
+  MenuExport menu_;
+  QDBusServiceWatcher watcherWatch_;
+  QString service_;
+  platform::StatusItemButton button_;
+  bool known_ = false;
+  bool shown_ = false;
+};
+
+/// The protocol's own names for it.
+class ItemAdaptor : public QDBusAbstractAdaptor {
+  Q_OBJECT
+  Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierItem")
+  Q_PROPERTY(QString Category READ category CONSTANT)
+  Q_PROPERTY(QString Id READ id CONSTANT)
+  Q_PROPERTY(QString Title READ title CONSTANT)
+  Q_PROPERTY(QString Status READ status CONSTANT)
+  Q_PROPERTY(int WindowId READ windowId CONSTANT)
+  Q_PROPERTY(QString IconName READ iconName)
+  Q_PROPERTY(QList<lumiscan::desktop::statusnotifier::Pixmap> IconPixmap READ iconPixmap)
+  Q_PROPERTY(QString IconAccessibleDesc READ iconDescription)
+  Q_PROPERTY(lumiscan::desktop::statusnotifier::ToolTip ToolTip READ toolTip)
+  Q_PROPERTY(bool ItemIsMenu READ itemIsMenu CONSTANT)
+  Q_PROPERTY(QDBusObjectPath Menu READ menu CONSTANT)
+
+ public:
+  explicit ItemAdaptor(Item& item);
+
+  QString category() const { return QStringLiteral("ApplicationStatus"); }
+  QString id() const { return QStringLiteral("lumiscan"); }
+  QString title() const { return QStringLiteral("Lumiscan"); }
+  QString status() const { return QStringLiteral("Active"); }
+  int windowId() const { return 0; }
+  QString iconName() const;
+  QList<Pixmap> iconPixmap() const;
+  QString iconDescription() const;
+  statusnotifier::ToolTip toolTip() const;
+  bool itemIsMenu() const { return true; }
+  QDBusObjectPath menu() const { return QDBusObjectPath(QString::fromLatin1(MenuExport::path)); }
+
+ public slots:
+  // Panels that show the menu themselves call none of these.
+  void Activate(int, int) { emit item_.activated(); }
+  void SecondaryActivate(int, int) {}
+  void ContextMenu(int, int) { emit item_.activated(); }
+  void Scroll(int, const QString&) {}
+
+ signals:
+  void NewIcon();
+  void NewToolTip();
+
+ private:
+  Item& item_;
+};
+
+}  // namespace lumiscan::desktop::statusnotifier
