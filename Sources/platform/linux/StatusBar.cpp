@@ -2,6 +2,8 @@
 
 #include <QCursor>
 #include <QDBusConnection>
+#include <QGuiApplication>
+#include <QScreen>
 #include <QTimer>
 #include <QToolTip>
 #include <utility>
@@ -19,17 +21,29 @@ namespace {
 
 constexpr int toolTipDelay = 700;  // Milliseconds, as the toolkit's own.
 
+/// Where a menu opens below an icon at the top of the screen, or above one at the bottom. `icon` is relative
+/// to the mouse, in pixels.
+QPoint besideIcon(const QRect& icon) {
+  const QPoint mouse = QCursor::pos();
+  const QScreen* screen = QGuiApplication::screenAt(mouse);
+  if (!screen) return mouse;
+  const bool isAtTop = mouse.y() < screen->geometry().center().y();
+  const QPoint corner = isAtTop ? QPoint(icon.left(), icon.top() + icon.height()) : icon.topLeft();
+  return mouse + (QPointF(corner) / screen->devicePixelRatio()).toPoint();
+}
+
 class TrayItem : public platform::StatusItem {
  public:
   explicit TrayItem(std::function<bool()> prefersDark) : notifierItem_(QDBusConnection::sessionBus()) {
     notifierItem_.prefersDark = std::move(prefersDark);
     QObject::connect(&notifierItem_, &statusnotifier::Item::changed, &context_, [this] { choosePlace(); });
-    QObject::connect(&notifierItem_, &statusnotifier::Item::activated, &context_, [this] { openMenu(); });
+    QObject::connect(&notifierItem_, &statusnotifier::Item::activated, &context_,
+                     [this] { openMenu(QCursor::pos()); });
     window_.trayChanged = [this] { choosePlace(); };
     window_.picture = [this](int side, const QColor& color) {
       return statusPicture(notifierItem_.button(), side, color);
     };
-    window_.pressed = [this] { openMenu(); };
+    window_.pressed = [this](const QRect& window) { openMenu(besideIcon(window)); };
     window_.hovered = [this](bool inside) { hover(inside); };
     toolTipTimer_.setSingleShot(true);
     toolTipTimer_.setInterval(toolTipDelay);
@@ -59,15 +73,15 @@ class TrayItem : public platform::StatusItem {
     if (notifierItem_.isShown())
       window_.undock();
     else if (window_.hasTray())
-      window_.dock();
+      window_.dock(qGuiApp->devicePixelRatio());
     else if (!std::exchange(missingTold_, true))
       platform::Logger("com.varnholt.Lumiscan", "statusItem")
           .info("no tray on this desktop: the status item appears when there is one");
   }
 
-  void openMenu() {
+  void openMenu(const QPoint& position) {
     hover(false);
-    popup_.popUp(menu_, QCursor::pos());
+    popup_.popUp(menu_, position);
   }
 
   void hover(bool inside) {

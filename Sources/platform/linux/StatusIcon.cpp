@@ -21,7 +21,10 @@ QImage symbolPicture(std::string_view name, int side, const QColor& color) {
   QImage picture = emptyPicture(side);
   QPainter painter(&picture);
   painter.setRenderHint(QPainter::Antialiasing);
-  drawSymbol(painter, name, QRectF(0, 0, side, side), color);
+  if (name == "text.viewfinder")
+    painter.fillPath(textViewfinder(side), color);
+  else
+    drawSymbol(painter, name, QRectF(0, 0, side, side), color);
   return picture;
 }
 
@@ -30,7 +33,7 @@ QImage statusPicture(const platform::StatusItemButton& button, int side, const Q
   QImage picture = emptyPicture(side);
   QPainter painter(&picture);
   QFont font;
-  font.setPixelSize(side);
+  font.setPixelSize(side * 7 / 8);
   painter.setFont(font);
   painter.setPen(color);
   painter.drawText(picture.rect(), Qt::AlignCenter, QString::fromStdString(button.title));

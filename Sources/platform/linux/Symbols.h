@@ -14,6 +14,10 @@ namespace lumiscan::desktop {
 /// y downwards. Nothing for another name.
 std::optional<QPainterPath> symbolOutline(std::string_view name);
 
+/// The symbol "text.viewfinder" in a square of that many units, with each of its edges on a whole unit: sharp
+/// where a unit is a pixel.
+QPainterPath textViewfinder(int side);
+
 /// Draws the symbol as large as fits into the rectangle and in its middle; another name draws nothing.
 void drawSymbol(QPainter& painter, std::string_view name, const QRectF& rect, const QColor& color);
 

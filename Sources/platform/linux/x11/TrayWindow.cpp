@@ -2,6 +2,8 @@
 
 #include <QPainter>
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -18,8 +20,8 @@ constexpr std::uint8_t translucentDepth = 32;
 constexpr std::uint32_t requestDock = 0;
 constexpr std::uint32_t embedVersion = 0;
 constexpr std::uint32_t embedMapped = 1;
-/// Before the tray says how large the window is to be. In pixels.
-constexpr std::uint16_t firstSide = 24;
+/// What trays take an icon's side to be when they have no opinion. In points.
+constexpr double usualSide = 22;
 
 Reply<xcb_get_image_reply_t> readImage(xcb_connection_t* x, xcb_drawable_t drawable, const QRect& rect) {
   const auto request =
@@ -81,11 +83,13 @@ std::optional<std::uint32_t> TrayWindow::trayProperty(Atom name, std::uint32_t o
   return *static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
 }
 
-void TrayWindow::dock() {
+void TrayWindow::dock(double scale) {
   if (!hasTray() || window_ != XCB_WINDOW_NONE) return;
   const xcb_visualid_t translucent = visualOfDepth(connection_->screen(), translucentDepth);
   const bool wantsTranslucent = translucent != 0 && trayProperty(atomVisual) == translucent;
   depth_ = wantsTranslucent ? translucentDepth : connection_->screen().root_depth;
+  const auto side = static_cast<std::uint16_t>(std::lround(usualSide * scale));
+  size_ = {side, side};
   create(wantsTranslucent ? translucent : connection_->screen().root_visual);
   askToBeDocked();
   xcb_flush(x_);
@@ -103,15 +107,15 @@ void TrayWindow::create(xcb_visualid_t visual) {
                       XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW;
   values.colormap = colormap;
   window_ = xcb_generate_id(x_);
-  xcb_create_window_aux(x_, depth_, window_, connection_->root(), 0, 0, firstSide, firstSide, 0,
-                        XCB_WINDOW_CLASS_INPUT_OUTPUT, visual,
+  xcb_create_window_aux(x_, depth_, window_, connection_->root(), 0, 0,
+                        static_cast<std::uint16_t>(size_.width()), static_cast<std::uint16_t>(size_.height()),
+                        0, XCB_WINDOW_CLASS_INPUT_OUTPUT, visual,
                         (depth_ == translucentDepth ? XCB_CW_BACK_PIXEL : XCB_CW_BACK_PIXMAP) |
                             XCB_CW_BORDER_PIXEL | XCB_CW_EVENT_MASK | XCB_CW_COLORMAP,
                         &values);
   xcb_free_colormap(x_, colormap);
   gc_ = xcb_generate_id(x_);
   xcb_create_gc(x_, gc_, window_, 0, nullptr);
-  size_ = {firstSide, firstSide};
 }
 
 void TrayWindow::askToBeDocked() {
@@ -121,6 +125,13 @@ void TrayWindow::askToBeDocked() {
                       name.data());
   xcb_change_property(x_, XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8,
                       instanceAndClass.size(), instanceAndClass.data());
+  // Of the size hints only the smallest size.
+  constexpr std::uint32_t hasMinimum = 16, minimumWidth = 5, minimumHeight = 6, hintCount = 18;
+  std::array<std::uint32_t, hintCount> hints{hasMinimum};
+  hints[minimumWidth] = static_cast<std::uint32_t>(size_.width());
+  hints[minimumHeight] = static_cast<std::uint32_t>(size_.height());
+  xcb_change_property(x_, XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS,
+                      32, hintCount, hints.data());
   const std::uint32_t info[] = {embedVersion, embedMapped};
   xcb_change_property(x_, XCB_PROP_MODE_REPLACE, window_, atoms_[atomXEmbedInfo], atoms_[atomXEmbedInfo], 32,
                       2, info);
@@ -203,7 +214,7 @@ void TrayWindow::press(const xcb_button_press_event_t& event) {
   // The press has given us the mouse until its release; a menu needs it now.
   xcb_ungrab_pointer(x_, event.time);
   connection_->isAlive();  // Waits until the server has done that.
-  if (pressed) pressed();
+  if (pressed) pressed(QRect(QPoint(-event.event_x, -event.event_y), size_));
 }
 
 void TrayWindow::paint() {

@@ -24,8 +24,8 @@ class TrayWindow {
 
   /// Whether there is such a tray.
   bool hasTray() const { return tray_ != XCB_WINDOW_NONE; }
-  /// Puts the window into the tray, unless it is there or there is none.
-  void dock();
+  /// Puts the window into the tray, unless it is there or there is none. `scale` is in pixels per point.
+  void dock(double scale);
   void undock();
   /// The content has changed.
   void repaint();
@@ -34,8 +34,9 @@ class TrayWindow {
   std::function<void()> trayChanged;
   /// The picture to show, square, of that many pixels, in the foreground's colour of the panel.
   std::function<QImage(int side, const QColor& foreground)> picture;
-  /// The user pressed a button of the mouse on the window. No grab of ours is left.
-  std::function<void()> pressed;
+  /// The user pressed a button of the mouse on the window, which is where the rectangle says relative to the
+  /// mouse, in pixels. No grab of ours is left.
+  std::function<void(const QRect& window)> pressed;
   /// The mouse has come to the window, or left it.
   std::function<void(bool inside)> hovered;
 
