@@ -47,6 +47,7 @@ Item::Item(QDBusConnection bus)
   bus_.registerService(service_);
   connect(&watcherWatch_, &QDBusServiceWatcher::serviceOwnerChanged, this,
           [this](const QString&, const QString&, const QString& owner) {
+            ++watcherNumber_;
             if (owner.isEmpty())
               settle(false);
             else
@@ -68,8 +69,9 @@ void Item::announce() {
   call << service_;
   call.setAutoStartService(false);
   auto* answer = new QDBusPendingCallWatcher(bus_.asyncCall(call), this);
-  connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
+  connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer, asked = watcherNumber_] {
     answer->deleteLater();
+    if (asked != watcherNumber_) return;
     if (answer->isError())
       settle(false);
     else
@@ -83,8 +85,9 @@ void Item::askForHost() {
   call << watcher << QStringLiteral("IsStatusNotifierHostRegistered");
   call.setAutoStartService(false);
   auto* answer = new QDBusPendingCallWatcher(bus_.asyncCall(call), this);
-  connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
+  connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer, asked = watcherNumber_] {
     answer->deleteLater();
+    if (asked != watcherNumber_) return;
     const QDBusPendingReply<QDBusVariant> reply = *answer;
     settle(!reply.isError() && reply.value().variant().toBool());
   });

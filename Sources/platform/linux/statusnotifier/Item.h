@@ -52,6 +52,7 @@ class Item : public QObject {
   QDBusServiceWatcher watcherWatch_;
   QString service_;
   platform::StatusItemButton button_;
+  unsigned watcherNumber_ = 0;  ///< Answers of one that has gone don't count.
   bool known_ = false;
   bool shown_ = false;
 };

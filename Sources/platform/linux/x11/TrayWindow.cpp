@@ -98,14 +98,15 @@ void TrayWindow::dock(double scale) {
 }
 
 void TrayWindow::create(xcb_visualid_t visual) {
-  const xcb_colormap_t colormap = xcb_generate_id(x_);
-  xcb_create_colormap(x_, XCB_COLORMAP_ALLOC_NONE, colormap, connection_->root(), visual);
+  // As long as the window: trays give theirs the same.
+  colormap_ = xcb_generate_id(x_);
+  xcb_create_colormap(x_, XCB_COLORMAP_ALLOC_NONE, colormap_, connection_->root(), visual);
   xcb_create_window_value_list_t values{};
   values.background_pixmap = XCB_BACK_PIXMAP_PARENT_RELATIVE;
   values.background_pixel = 0;
   values.event_mask = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
                       XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW;
-  values.colormap = colormap;
+  values.colormap = colormap_;
   window_ = xcb_generate_id(x_);
   xcb_create_window_aux(x_, depth_, window_, connection_->root(), 0, 0,
                         static_cast<std::uint16_t>(size_.width()), static_cast<std::uint16_t>(size_.height()),
@@ -113,7 +114,6 @@ void TrayWindow::create(xcb_visualid_t visual) {
                         (depth_ == translucentDepth ? XCB_CW_BACK_PIXEL : XCB_CW_BACK_PIXMAP) |
                             XCB_CW_BORDER_PIXEL | XCB_CW_EVENT_MASK | XCB_CW_COLORMAP,
                         &values);
-  xcb_free_colormap(x_, colormap);
   gc_ = xcb_generate_id(x_);
   xcb_create_gc(x_, gc_, window_, 0, nullptr);
 }
@@ -150,6 +150,7 @@ void TrayWindow::undock() {
   if (window_ == XCB_WINDOW_NONE) return;
   xcb_free_gc(x_, gc_);
   xcb_destroy_window(x_, window_);
+  xcb_free_colormap(x_, colormap_);
   xcb_flush(x_);
   window_ = XCB_WINDOW_NONE;
   if (hovered) hovered(false);

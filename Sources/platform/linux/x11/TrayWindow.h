@@ -65,6 +65,7 @@ class TrayWindow {
   xcb_window_t tray_ = XCB_WINDOW_NONE;
   xcb_window_t window_ = XCB_WINDOW_NONE;
   xcb_gcontext_t gc_ = XCB_NONE;
+  xcb_colormap_t colormap_ = XCB_NONE;
   std::uint8_t depth_ = 0;
   QSize size_;  ///< In pixels.
 };
