@@ -6,6 +6,7 @@
 #include <cassert>
 #include <chrono>
 #include <cstdlib>
+#include <functional>
 #include <map>
 #include <string>
 
@@ -104,8 +105,9 @@ struct Interactive {
   CanberraSounds sounds;
   QtTypesetter typesetter;
   ColorScheme colorScheme;
-  TrayStatusBar statusBar{[this] { return colorScheme.isDark(); }};
-  QtAlerts alerts;
+  std::function<bool()> prefersDark = [this] { return colorScheme.isDark(); };
+  TrayStatusBar statusBar{prefersDark};
+  QtAlerts alerts{prefersDark};
   PanelFreeDisplays& displays;
   PanelStage panels;
   OverlaySession overlays;

@@ -1,10 +1,14 @@
 #include "platform/linux/Menu.h"
 
 #include <QAction>
+#include <QApplication>
+#include <QPalette>
+#include <QStyle>
 #include <QTextDocument>
 #include <algorithm>
 
 #include "platform/Dispatch.h"
+#include "platform/linux/form/FormPalette.h"
 
 namespace lumiscan::desktop {
 
@@ -24,10 +28,22 @@ QString toolTip(const std::string& text) {
   return Qt::convertFromPlainText(shown, Qt::WhiteSpaceNormal);
 }
 
+QPalette menuPalette(bool isDark) {
+  QPalette palette = formPalette(isDark);
+  // The toolkit's own style draws borders darker than the window, and separators darker than the menu: they
+  // take a ground that isn't as dark as can be.
+  if (isDark && QApplication::style()->name() == QStringLiteral("fusion")) {
+    palette.setColor(QPalette::Window, QColor(0x6A, 0x6A, 0x6E));
+    palette.setColor(QPalette::Base, QColor(0x3A, 0x3A, 0x3D));
+  }
+  return palette;
+}
+
 void fill(QMenu& target, const Menu& menu);
 
 void addSubmenu(QMenu& target, const QString& label, const std::shared_ptr<Menu>& submenu) {
   QMenu* shown = target.addMenu(label);
+  shown->setPalette(target.palette());
   shown->setToolTipsVisible(true);
   fill(*shown, *submenu);
   QObject::connect(shown, &QMenu::aboutToShow, shown, [shown, submenu] {
@@ -79,10 +95,11 @@ void chooseLater(const std::shared_ptr<MenuItem>& item) {
   });
 }
 
-void PopupMenu::popUp(const std::shared_ptr<Menu>& menu, const QPoint& position) {
+void PopupMenu::popUp(const std::shared_ptr<Menu>& menu, const QPoint& position, bool isDark) {
   if (!menu) return;
   menu->update();
   menu_ = std::make_unique<QMenu>();
+  menu_->setPalette(menuPalette(isDark));
   fill(*menu_, *menu);
   menu_->popup(position);
 }

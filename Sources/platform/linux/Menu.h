@@ -19,9 +19,9 @@ void chooseLater(const std::shared_ptr<platform::MenuItem>& item);
 /// Shows menus in windows of our own, where no panel shows them. Main thread only.
 class PopupMenu {
  public:
-  /// Shows the menu at a position of the toolkit's, where the screen leaves room, and returns at once. Takes
-  /// the mouse and the keyboard until the menu closes. An open menu closes.
-  void popUp(const std::shared_ptr<platform::Menu>& menu, const QPoint& position);
+  /// Shows the menu, dark or light, at a position of the toolkit's, where the screen leaves room, and returns
+  /// at once. Takes the mouse and the keyboard until the menu closes. An open menu closes.
+  void popUp(const std::shared_ptr<platform::Menu>& menu, const QPoint& position, bool isDark);
 
  private:
   std::unique_ptr<QMenu> menu_;

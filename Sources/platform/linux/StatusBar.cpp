@@ -34,8 +34,8 @@ QPoint besideIcon(const QRect& icon) {
 
 class TrayItem : public platform::StatusItem {
  public:
-  explicit TrayItem(std::function<bool()> prefersDark) : notifierItem_(QDBusConnection::sessionBus()) {
-    notifierItem_.prefersDark = std::move(prefersDark);
+  explicit TrayItem(const std::function<bool()>& prefersDark)
+      : prefersDark_(prefersDark), notifierItem_(QDBusConnection::sessionBus(), prefersDark) {
     QObject::connect(&notifierItem_, &statusnotifier::Item::changed, &context_, [this] { choosePlace(); });
     QObject::connect(&notifierItem_, &statusnotifier::Item::activated, &context_,
                      [this] { openMenu(QCursor::pos()); });
@@ -81,7 +81,7 @@ class TrayItem : public platform::StatusItem {
 
   void openMenu(const QPoint& position) {
     hover(false);
-    popup_.popUp(menu_, position);
+    popup_.popUp(menu_, position, prefersDark_());
   }
 
   void hover(bool inside) {
@@ -92,6 +92,7 @@ class TrayItem : public platform::StatusItem {
       QToolTip::hideText();
   }
 
+  std::function<bool()> prefersDark_;
   QObject context_;
   QTimer toolTipTimer_;
   std::shared_ptr<platform::Menu> menu_;

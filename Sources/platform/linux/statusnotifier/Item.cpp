@@ -6,7 +6,9 @@
 #include <QDBusPendingReply>
 #include <QDBusVariant>
 #include <QStandardPaths>
+#include <QTimer>
 #include <QtEndian>
+#include <chrono>
 #include <utility>
 
 #include "platform/linux/StatusIcon.h"
@@ -24,6 +26,9 @@ const QString installedIcon = QStringLiteral("com.varnholt.Lumiscan-symbolic");
 /// What panels ask for, in pixels: 16 to 24 points, and twice that.
 constexpr int iconSides[] = {16, 22, 24, 32, 44, 48};
 
+/// By then the desktop has answered what colours the user prefers.
+constexpr std::chrono::seconds answerTime(1);
+
 Pixmap pixmapOf(const QImage& picture) {
   const QImage image = picture.convertToFormat(QImage::Format_ARGB32);
   Pixmap pixmap{image.width(), image.height(), QByteArray(image.sizeInBytes(), Qt::Uninitialized)};
@@ -33,8 +38,9 @@ Pixmap pixmapOf(const QImage& picture) {
 
 }  // namespace
 
-Item::Item(QDBusConnection bus)
-    : bus_(std::move(bus)),
+Item::Item(QDBusConnection bus, std::function<bool()> prefersDark)
+    : prefersDark_(std::move(prefersDark)),
+      bus_(std::move(bus)),
       menu_(bus_),
       watcherWatch_(watcher, bus_, QDBusServiceWatcher::WatchForOwnerChange),
       service_(QStringLiteral("org.kde.StatusNotifierItem-%1-1").arg(QCoreApplication::applicationPid())) {
@@ -55,12 +61,32 @@ Item::Item(QDBusConnection bus)
           });
   for (const char* name : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"})
     bus_.connect({}, watcherPath, watcher, QString::fromLatin1(name), this, SLOT(askForHost()));
+  bus_.connect({}, QStringLiteral("/org/freedesktop/portal/desktop"),
+               QStringLiteral("org.freedesktop.portal.Settings"), QStringLiteral("SettingChanged"), this,
+               SLOT(checkColors()));
   announce();
 }
 
 void Item::setButton(platform::StatusItemButton button) {
   button_ = std::move(button);
   emit buttonChanged();
+}
+
+QList<Pixmap> Item::pixmaps() {
+  drawnForDark_ = prefersDark_();
+  checkColors();
+  QList<Pixmap> pixmaps;
+  for (const int side : iconSides)
+    pixmaps.append(pixmapOf(statusPicture(button_, side, iconColor(drawnForDark_))));
+  return pixmaps;
+}
+
+void Item::checkColors() {
+  // What is preferred may only just have been asked.
+  prefersDark_();
+  QTimer::singleShot(answerTime, this, [this] {
+    if (prefersDark_() != drawnForDark_) emit buttonChanged();
+  });
 }
 
 void Item::announce() {
@@ -108,13 +134,6 @@ QString ItemAdaptor::iconName() const {
   const QString file = QStringLiteral("icons/hicolor/symbolic/apps/%1.svg").arg(installedIcon);
   const bool installed = !QStandardPaths::locate(QStandardPaths::GenericDataLocation, file).isEmpty();
   return item_.button().image && installed ? installedIcon : QString();
-}
-
-QList<Pixmap> ItemAdaptor::iconPixmap() const {
-  const QColor color = iconColor(item_.prefersDark && item_.prefersDark());
-  QList<Pixmap> pixmaps;
-  for (const int side : iconSides) pixmaps.append(pixmapOf(statusPicture(item_.button(), side, color)));
-  return pixmaps;
 }
 
 QString ItemAdaptor::iconDescription() const {

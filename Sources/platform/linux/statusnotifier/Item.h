@@ -20,7 +20,8 @@ class Item : public QObject {
   Q_OBJECT
 
  public:
-  explicit Item(QDBusConnection bus);
+  /// `prefersDark` tells what colours the user prefers; it outlives the item.
+  Item(QDBusConnection bus, std::function<bool()> prefersDark);
 
   void setButton(platform::StatusItemButton button);
   const platform::StatusItemButton& button() const { return button_; }
@@ -30,8 +31,8 @@ class Item : public QObject {
   bool isKnown() const { return known_; }
   bool isShown() const { return known_ && shown_; }
 
-  /// The colours that the user prefers, asked when a panel asks for the icon.
-  std::function<bool()> prefersDark;
+  /// The button in several sizes, for panels as dark or light as the user prefers.
+  QList<Pixmap> pixmaps();
 
  signals:
   /// `isKnown` or `isShown` may have changed.
@@ -42,11 +43,14 @@ class Item : public QObject {
 
  private slots:
   void askForHost();
+  /// Has panels ask for the icon again if it was drawn for other colours than are preferred by now.
+  void checkColors();
 
  private:
   void announce();
   void settle(bool shown);
 
+  std::function<bool()> prefersDark_;
   QDBusConnection bus_;
   MenuExport menu_;
   QDBusServiceWatcher watcherWatch_;
@@ -55,6 +59,7 @@ class Item : public QObject {
   unsigned watcherNumber_ = 0;  ///< Answers of one that has gone don't count.
   bool known_ = false;
   bool shown_ = false;
+  bool drawnForDark_ = false;
 };
 
 /// The protocol's own names for it.
@@ -82,7 +87,7 @@ class ItemAdaptor : public QDBusAbstractAdaptor {
   QString status() const { return QStringLiteral("Active"); }
   int windowId() const { return 0; }
   QString iconName() const;
-  QList<Pixmap> iconPixmap() const;
+  QList<Pixmap> iconPixmap() { return item_.pixmaps(); }
   QString iconDescription() const;
   statusnotifier::ToolTip toolTip() const;
   bool itemIsMenu() const { return true; }
