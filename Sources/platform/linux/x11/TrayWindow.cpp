@@ -3,6 +3,7 @@
 #include <QPainter>
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cmath>
 #include <cstring>
 #include <string>
@@ -22,6 +23,10 @@ constexpr std::uint32_t embedVersion = 0;
 constexpr std::uint32_t embedMapped = 1;
 /// What trays take an icon's side to be when they have no opinion. In points.
 constexpr double usualSide = 22;
+/// How long after it has moved an icon a panel may take to paint its ground: most do at once, a session that
+/// only begins is slow.
+constexpr std::chrono::milliseconds soon(300);
+constexpr std::chrono::milliseconds late(3000);
 
 Reply<xcb_get_image_reply_t> readImage(xcb_connection_t* x, xcb_drawable_t drawable, const QRect& rect) {
   const auto request =
@@ -57,6 +62,11 @@ TrayWindow::TrayWindow() : connection_(Connection::open()) {
   xcb_change_window_attributes(x_, connection_->root(), XCB_CW_EVENT_MASK, &structure);
   notifier_ = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(x_), QSocketNotifier::Read);
   QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { handleEvents(); });
+  again_.setSingleShot(true);
+  QObject::connect(&again_, &QTimer::timeout, &again_, [this] {
+    if (again_.intervalAsDuration() == soon) again_.start(late);
+    repaint();
+  });
   findTray();
 }
 
@@ -153,6 +163,7 @@ void TrayWindow::undock() {
   xcb_free_colormap(x_, colormap_);
   xcb_flush(x_);
   window_ = XCB_WINDOW_NONE;
+  again_.stop();
   if (hovered) hovered(false);
 }
 
@@ -190,12 +201,12 @@ void TrayWindow::handle(const xcb_generic_event_t& event) {
       const auto& change = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
       if (change.window != window_) break;
       size_ = {change.width, change.height};
-      paint();
+      paintAndAgain();
       break;
     }
     case XCB_EXPOSE: {
       const auto& exposure = reinterpret_cast<const xcb_expose_event_t&>(event);
-      if (exposure.window == window_ && exposure.count == 0) paint();
+      if (exposure.window == window_ && exposure.count == 0) paintAndAgain();
       break;
     }
     case XCB_BUTTON_PRESS:
@@ -216,6 +227,11 @@ void TrayWindow::press(const xcb_button_press_event_t& event) {
   xcb_ungrab_pointer(x_, event.time);
   connection_->isAlive();  // Waits until the server has done that.
   if (pressed) pressed(QRect(QPoint(-event.event_x, -event.event_y), size_));
+}
+
+void TrayWindow::paintAndAgain() {
+  again_.start(soon);
+  paint();
 }
 
 void TrayWindow::paint() {

@@ -5,6 +5,7 @@
 #include <QImage>
 #include <QSize>
 #include <QSocketNotifier>
+#include <QTimer>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -51,6 +52,8 @@ class TrayWindow {
   std::optional<std::uint32_t> trayProperty(Atom name, std::uint32_t offset = 0) const;
   void create(xcb_visualid_t visual);
   void askToBeDocked();
+  /// Paints now, and again when the panel has had time to paint its own ground.
+  void paintAndAgain();
   void paint();
   /// What the panel shows behind the window; black where that can't be read.
   QImage ground() const;
@@ -68,6 +71,7 @@ class TrayWindow {
   xcb_colormap_t colormap_ = XCB_NONE;
   std::uint8_t depth_ = 0;
   QSize size_;  ///< In pixels.
+  QTimer again_;
 };
 
 }  // namespace lumiscan::desktop::x11
