@@ -9,7 +9,7 @@
 #include <QDBusMessage>
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
-#include <algorithm>
+#include <csignal>
 #include <fstream>
 
 #include "desktop/PrivateDesktop.h"
@@ -252,14 +252,19 @@ TEST_F(StatusItemTest, StandsInWhateverTrayComesAndComesAgain) {
   ASSERT_TRUE(waitFor([&] { return !isEmbedded(); }));
   tray = startTray();
   ASSERT_TRUE(waitFor(isEmbedded)) << "found again";
+  panel_.start();
+  ASSERT_TRUE(waitFor([&] { return !isEmbedded(); }));
+  busDaemon_.signal(SIGKILL);
+  ASSERT_TRUE(waitFor(isEmbedded)) << "no panel without a bus";
   EXPECT_EQ(logged("no tray on this desktop"), 1);
 
+  const auto menuIsOpen = [this] { return windows() == 1 && !screen_.canGrabKeyboard(); };
   clickIcon();
-  ASSERT_TRUE(waitFor([this] { return windows() == 1; }));
+  ASSERT_TRUE(waitFor(menuIsOpen));
   screen_.pressKeys({KEY_ESC});
   ASSERT_TRUE(waitFor([this] { return windows() == 0; }));
   clickIcon();
-  ASSERT_TRUE(waitFor([this] { return windows() == 1 && !screen_.canGrabKeyboard(); }));
+  ASSERT_TRUE(waitFor(menuIsOpen));
   screen_.pressKeys({KEY_UP});
   screen_.pressKeys({KEY_ENTER});
   EXPECT_EQ(program_->waitForEnd(processEvents), 0) << "quits by the last item";

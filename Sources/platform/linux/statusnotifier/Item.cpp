@@ -23,8 +23,8 @@ const QString itemPath = QStringLiteral("/StatusNotifierItem");
 /// The icon that an installation brings, which panels tint themselves.
 const QString installedIcon = QStringLiteral("com.varnholt.Lumiscan-symbolic");
 
-/// What panels ask for, in pixels: 16 to 24 points, and twice that.
-constexpr int iconSides[] = {16, 22, 24, 32, 44, 48};
+/// What panels have room for, in pixels: most take the nearest and scale it.
+constexpr int iconSides[] = {16, 18, 20, 22, 24, 28, 32, 36, 40, 44, 48};
 
 /// By then the desktop has answered what colours the user prefers.
 constexpr std::chrono::seconds answerTime(1);
@@ -61,6 +61,9 @@ Item::Item(QDBusConnection bus, std::function<bool()> prefersDark)
           });
   for (const char* name : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"})
     bus_.connect({}, watcherPath, watcher, QString::fromLatin1(name), this, SLOT(askForHost()));
+  bus_.connect({}, QStringLiteral("/org/freedesktop/DBus/Local"),
+               QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
+               SLOT(busEnded()));
   bus_.connect({}, QStringLiteral("/org/freedesktop/portal/desktop"),
                QStringLiteral("org.freedesktop.portal.Settings"), QStringLiteral("SettingChanged"), this,
                SLOT(checkColors()));

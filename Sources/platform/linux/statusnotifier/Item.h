@@ -34,19 +34,17 @@ class Item : public QObject {
   /// The button in several sizes, for panels as dark or light as the user prefers.
   QList<Pixmap> pixmaps();
 
- signals:
   /// `isKnown` or `isShown` may have changed.
-  void changed();
+  Q_SIGNAL void changed();
   /// A panel that doesn't show the menu itself had a click on the item.
-  void activated();
-  void buttonChanged();
-
- private slots:
-  void askForHost();
-  /// Has panels ask for the icon again if it was drawn for other colours than are preferred by now.
-  void checkColors();
+  Q_SIGNAL void activated();
+  Q_SIGNAL void buttonChanged();
 
  private:
+  Q_SLOT void askForHost();
+  Q_SLOT void busEnded() { settle(false); }
+  /// Has panels ask for the icon again if it was drawn for other colours than are preferred by now.
+  Q_SLOT void checkColors();
   void announce();
   void settle(bool shown);
 
@@ -93,16 +91,14 @@ class ItemAdaptor : public QDBusAbstractAdaptor {
   bool itemIsMenu() const { return true; }
   QDBusObjectPath menu() const { return QDBusObjectPath(QString::fromLatin1(MenuExport::path)); }
 
- public slots:
   // Panels that show the menu themselves call none of these.
-  void Activate(int, int) { emit item_.activated(); }
-  void SecondaryActivate(int, int) {}
-  void ContextMenu(int, int) { emit item_.activated(); }
-  void Scroll(int, const QString&) {}
+  Q_SLOT void Activate(int, int) { emit item_.activated(); }
+  Q_SLOT void SecondaryActivate(int, int) {}
+  Q_SLOT void ContextMenu(int, int) { emit item_.activated(); }
+  Q_SLOT void Scroll(int, const QString&) {}
 
- signals:
-  void NewIcon();
-  void NewToolTip();
+  Q_SIGNAL void NewIcon();
+  Q_SIGNAL void NewToolTip();
 
  private:
   Item& item_;

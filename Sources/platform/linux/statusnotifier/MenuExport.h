@@ -35,8 +35,7 @@ class MenuExport : public QObject {
   void event(int id, const QString& name);
   unsigned revision() const { return revision_; }
 
- signals:
-  void layoutChanged(unsigned revision, int id);
+  Q_SIGNAL void layoutChanged(unsigned revision, int id);
 
  private:
   /// The item's number, which no other item ever gets.
@@ -68,23 +67,21 @@ class MenuAdaptor : public QDBusAbstractAdaptor {
   QString status() const { return QStringLiteral("normal"); }
   QStringList iconThemePath() const { return {}; }
 
- public slots:
   // Arguments and results as the protocol defines them; all properties are sent, whichever are asked for.
-  uint GetLayout(int parentId, int recursionDepth, const QStringList& propertyNames,
-                 lumiscan::desktop::statusnotifier::MenuLayout& layout);
-  QList<lumiscan::desktop::statusnotifier::MenuItemProperties> GetGroupProperties(
+  Q_SLOT uint GetLayout(int parentId, int recursionDepth, const QStringList& propertyNames,
+                        lumiscan::desktop::statusnotifier::MenuLayout& layout);
+  Q_SLOT QList<lumiscan::desktop::statusnotifier::MenuItemProperties> GetGroupProperties(
       const QList<int>& ids, const QStringList& propertyNames);
-  QDBusVariant GetProperty(int id, const QString& name);
-  void Event(int id, const QString& eventId, const QDBusVariant& data, uint timestamp);
-  QList<int> EventGroup(const QList<lumiscan::desktop::statusnotifier::MenuEvent>& events);
-  bool AboutToShow(int id);
-  QList<int> AboutToShowGroup(const QList<int>& ids, QList<int>& idErrors);
+  Q_SLOT QDBusVariant GetProperty(int id, const QString& name);
+  Q_SLOT void Event(int id, const QString& eventId, const QDBusVariant& data, uint timestamp);
+  Q_SLOT QList<int> EventGroup(const QList<lumiscan::desktop::statusnotifier::MenuEvent>& events);
+  Q_SLOT bool AboutToShow(int id);
+  Q_SLOT QList<int> AboutToShowGroup(const QList<int>& ids, QList<int>& idErrors);
 
- signals:
-  void ItemsPropertiesUpdated(
+  Q_SIGNAL void ItemsPropertiesUpdated(
       const QList<lumiscan::desktop::statusnotifier::MenuItemProperties>& updatedProps,
       const QList<lumiscan::desktop::statusnotifier::MenuItemProperties>& removedProps);
-  void LayoutUpdated(uint revision, int parent);
+  Q_SIGNAL void LayoutUpdated(uint revision, int parent);
 
  private:
   MenuExport& menu_;
