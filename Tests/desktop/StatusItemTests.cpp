@@ -60,7 +60,7 @@ class StatusItemTest : public ::testing::Test {
     setenv("DBUS_SESSION_BUS_ADDRESS", address_.c_str(), 1);
     setenv("TZ", "UTC", 1);
   }
-  ~StatusItemTest() override { QDBusConnection::disconnectFromBus("panel"); }
+  void TearDown() override { QDBusConnection::disconnectFromBus("panel"); }
 
   static std::string addressOf(const Process& bus) {
     if (!waitUntil([&bus] { return bus.standardOutput().ends_with('\n'); })) return {};
@@ -100,13 +100,13 @@ class StatusItemTest : public ::testing::Test {
   static std::vector<std::string> lines(const MenuLayout& menu) {
     std::vector<std::string> lines;
     for (const MenuLayout& item : menu.children) {
-      std::string line = item.properties["label"].toString().toStdString();
+      QString line = item.properties["label"].toString();
       if (item.properties["type"] == "separator") line = "---";
       if (item.properties["toggle-type"] == "checkmark" && item.properties["toggle-state"] == 1)
-        line = "✓ " + line;
-      if (!item.properties.value("enabled", true).toBool()) line = "(" + line + ")";
+        line.prepend("✓ ");
+      if (!item.properties.value("enabled", true).toBool()) line = QString("(%1)").arg(line);
       if (item.properties["children-display"] == "submenu") line += " ▸";
-      lines.push_back(line);
+      lines.push_back(line.toStdString());
     }
     return lines;
   }
@@ -225,8 +225,21 @@ TEST_F(StatusItemTest, StandsInWhateverTrayComesAndComesAgain) {
         if ((screen_.pixelAt(x, y) & 0xFF) < 0x50) ++ink;
     return ink > 60 && ink < side * side / 2;
   };
-  const auto clickIcon = [this] {
+  /// Opens the menu and chooses its first item, at 0, or its last, at 1.
+  const auto chooseByMouse = [this](int place) {
     screen_.moveMouse(screen_.width() - side / 2, side / 2);
+    screen_.buttonDown();
+    screen_.buttonUp();
+    ASSERT_TRUE(waitFor([this] { return windows() == 1; }));
+    const xcb_rectangle_t menu = screen_.geometryOf(screen_.windowsOfClass("Lumiscan")[0]);
+    const int y = place == 0 ? menu.y + side / 2 : menu.y + menu.height - side / 2;
+    int x = menu.x + menu.width / 2;
+    const auto isHighlighted = [&] {
+      screen_.moveMouse(++x, y);
+      const std::uint32_t pixel = screen_.pixelAt(menu.x + 8, y);
+      return (pixel & 0xFF) > 0x90 && (pixel >> 16 & 0xFF) < 0x60;  // Blue.
+    };
+    ASSERT_TRUE(waitFor(isHighlighted));
     screen_.buttonDown();
     screen_.buttonUp();
   };
@@ -258,15 +271,16 @@ TEST_F(StatusItemTest, StandsInWhateverTrayComesAndComesAgain) {
   ASSERT_TRUE(waitFor(isEmbedded)) << "no panel without a bus";
   EXPECT_EQ(logged("no tray on this desktop"), 1);
 
-  const auto menuIsOpen = [this] { return windows() == 1 && !screen_.canGrabKeyboard(); };
-  clickIcon();
-  ASSERT_TRUE(waitFor(menuIsOpen));
+  chooseByMouse(0);
+  const auto captures = [this] {
+    const auto overlays = screen_.windowsOfClass("Lumiscan");
+    return overlays.size() == 1 && screen_.geometryOf(overlays[0]).width == screen_.width() &&
+           !screen_.canGrabPointer();
+  };
+  ASSERT_TRUE(waitFor(captures)) << "the first item";
   screen_.pressKeys({KEY_ESC});
-  ASSERT_TRUE(waitFor([this] { return windows() == 0; }));
-  clickIcon();
-  ASSERT_TRUE(waitFor(menuIsOpen));
-  screen_.pressKeys({KEY_UP});
-  screen_.pressKeys({KEY_ENTER});
+  ASSERT_TRUE(waitFor([this] { return windows() == 0 && screen_.canGrabPointer(); }));
+  chooseByMouse(1);
   EXPECT_EQ(program_->waitForEnd(processEvents), 0) << "quits by the last item";
 }
 

@@ -9,6 +9,7 @@
 
 #include "platform/Dispatch.h"
 #include "platform/linux/form/FormPalette.h"
+#include "platform/linux/x11/Connection.h"
 
 namespace lumiscan::desktop {
 
@@ -19,6 +20,15 @@ using platform::MenuItem;
 
 /// For longer texts the toolkit would take too long, and no screen has room.
 constexpr qsizetype longestToolTip = 2000;
+
+/// Without a compositor, what a closing menu has covered is painted again by then. A capture takes the screen
+/// as it is at its beginning, with a hole where a program was slower.
+constexpr double repaintSeconds = 0.2;
+
+double secondsToRepaint() {
+  auto* x = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
+  return x11::hasCompositor(x) ? 0 : repaintSeconds;
+}
 
 /// The text for a tooltip. As a formatted text of which every character is literal: a plain one is not
 /// wrapped, and taken for a formatted one if it looks like it.
@@ -90,9 +100,9 @@ QString menuLabel(const std::string& title) {
 }
 
 void chooseLater(const std::shared_ptr<MenuItem>& item) {
-  platform::MainQueue::async([item] {
-    if (item->enabled && item->action) item->action(*item);
-  });
+  platform::MainQueue::asyncAfter(secondsToRepaint(), std::make_shared<platform::WorkItem>([item] {
+                                    if (item->enabled && item->action) item->action(*item);
+                                  }));
 }
 
 void PopupMenu::popUp(const std::shared_ptr<Menu>& menu, const QPoint& position, bool isDark) {
