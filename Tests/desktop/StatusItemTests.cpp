@@ -208,8 +208,10 @@ TEST_F(StatusItemTest, APanelReadsAndChoosesOverTheBus) {
     screen_.pressKeys({KEY_ENTER});
     return windows() == 0;
   }));
+  click(idOf(layout(), "About Lumiscan"));
+  ASSERT_TRUE(waitFor([this] { return windows() == 1; }));
   click(idOf(layout(), "Quit Lumiscan"));
-  EXPECT_EQ(program_->waitForEnd(processEvents), 0);
+  EXPECT_EQ(program_->waitForEnd(processEvents), 0) << "the box keeps nobody";
 }
 
 TEST_F(StatusItemTest, StandsInWhateverTrayComesAndComesAgain) {
