@@ -41,7 +41,7 @@ class TrayItem : public platform::StatusItem {
                      [this] { openMenu(QCursor::pos()); });
     window_.trayChanged = [this] { choosePlace(); };
     window_.picture = [this](int side, const QColor& color) {
-      return statusPicture(notifierItem_.button(), side, color);
+      return statusPicture(notifierItem_.button(), side, color, Halo::none);
     };
     window_.pressed = [this](const QRect& window) { openMenu(besideIcon(window)); };
     window_.hovered = [this](bool inside) { hover(inside); };

@@ -9,8 +9,6 @@ namespace lumiscan::desktop {
 
 namespace {
 
-constexpr int side = 20;  // Of the square in which symbols are drawn.
-
 /// A line along the points, with round ends and corners.
 QPainterPath line(std::initializer_list<QPointF> points, double width) {
   QPainterPathStroker pen;
@@ -91,18 +89,18 @@ std::optional<QPainterPath> symbolOutline(std::string_view name) {
   if (name == "checkmark.circle.fill") return checkmarkCircle();
   if (name == "exclamationmark.triangle.fill") return exclamationmarkTriangle();
   if (name == "text.magnifyingglass") return magnifiedText();
-  if (name == "text.viewfinder") return textViewfinder(side);
+  if (name == "text.viewfinder") return textViewfinder(symbolSide);
   return std::nullopt;
 }
 
 void drawSymbol(QPainter& painter, std::string_view name, const QRectF& rect, const QColor& color) {
   const auto outline = symbolOutline(name);
   if (!outline) return;
-  const double scale = std::min(rect.width(), rect.height()) / side;
+  const double scale = std::min(rect.width(), rect.height()) / symbolSide;
   painter.save();
   painter.translate(rect.center());
   painter.scale(scale, scale);
-  painter.translate(-side / 2.0, -side / 2.0);
+  painter.translate(-symbolSide / 2.0, -symbolSide / 2.0);
   painter.fillPath(*outline, color);
   painter.restore();
 }

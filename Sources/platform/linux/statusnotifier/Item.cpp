@@ -80,7 +80,7 @@ QList<Pixmap> Item::pixmaps() {
   checkColors();
   QList<Pixmap> pixmaps;
   for (const int side : iconSides)
-    pixmaps.append(pixmapOf(statusPicture(button_, side, iconColor(drawnForDark_))));
+    pixmaps.append(pixmapOf(statusPicture(button_, side, iconColor(drawnForDark_), Halo::opposite)));
   return pixmaps;
 }
 

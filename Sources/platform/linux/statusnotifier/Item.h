@@ -72,6 +72,12 @@ class ItemAdaptor : public QDBusAbstractAdaptor {
   Q_PROPERTY(QString IconName READ iconName)
   Q_PROPERTY(QList<lumiscan::desktop::statusnotifier::Pixmap> IconPixmap READ iconPixmap)
   Q_PROPERTY(QString IconAccessibleDesc READ iconDescription)
+  Q_PROPERTY(QString IconThemePath READ none CONSTANT)
+  Q_PROPERTY(QString OverlayIconName READ none CONSTANT)
+  Q_PROPERTY(QList<lumiscan::desktop::statusnotifier::Pixmap> OverlayIconPixmap READ noPixmaps CONSTANT)
+  Q_PROPERTY(QString AttentionIconName READ none CONSTANT)
+  Q_PROPERTY(QList<lumiscan::desktop::statusnotifier::Pixmap> AttentionIconPixmap READ noPixmaps CONSTANT)
+  Q_PROPERTY(QString AttentionMovieName READ none CONSTANT)
   Q_PROPERTY(lumiscan::desktop::statusnotifier::ToolTip ToolTip READ toolTip)
   Q_PROPERTY(bool ItemIsMenu READ itemIsMenu CONSTANT)
   Q_PROPERTY(QDBusObjectPath Menu READ menu CONSTANT)
@@ -88,6 +94,9 @@ class ItemAdaptor : public QDBusAbstractAdaptor {
   QList<Pixmap> iconPixmap() { return item_.pixmaps(); }
   QString iconDescription() const;
   statusnotifier::ToolTip toolTip() const;
+  // Some panels report an error for each that isn't there.
+  QString none() const { return {}; }
+  QList<Pixmap> noPixmaps() const { return {}; }
   bool itemIsMenu() const { return true; }
   QDBusObjectPath menu() const { return QDBusObjectPath(QString::fromLatin1(MenuExport::path)); }
 
