@@ -21,7 +21,7 @@ run_packages=(tesseract-ocr-eng fonts-liberation libcanberra-pulse speech-dispat
 test_packages=(
   xvfb openbox picom xdotool xclip dbus xterm x11-utils x11-xserver-utils imagemagick
   fonts-dejavu-core
-  pulseaudio pulseaudio-utils espeak-ng xfce4-clipman
+  pulseaudio pulseaudio-utils espeak-ng xfce4-clipman trayer
 )
 
 # To keep the house style: script/format and script/tidy.

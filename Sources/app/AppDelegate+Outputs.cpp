@@ -22,8 +22,8 @@ void AppDelegate::clearAdditive() {
   hud_->show("Additive clipboard cleared");
 }
 
-void AppDelegate::copyHistoryItem(const std::optional<std::string>& representedObject) {
-  const auto id = platform::UUID::fromString(representedObject.value_or(""));
+void AppDelegate::copyHistoryItem(const platform::MenuItem& sender) {
+  const auto id = platform::UUID::fromString(sender.representedObject.value_or(""));
   if (!id) return;
   const auto& items = HistoryStore::shared().items();
   const auto record =

@@ -8,17 +8,22 @@
 #include "capture/CaptureMode.h"
 #include "capture/ScreenCaptureController.h"
 #include "hotkeys/HotkeyAction.h"
+#include "output/CaptureRecord.h"
 #include "output/ResultHUD.h"
 #include "platform/Application.h"
 #include "platform/Dispatch.h"
+#include "platform/Menu.h"
 #include "platform/NotificationCenter.h"
+#include "platform/StatusBar.h"
 
 namespace lumiscan {
 
 /// The heart of the interactive mode: starts captures and turns their outcomes into results. Its source is
-/// divided by topic: launch and wiring, requests, outcomes. Main thread only. Owned by a shared pointer,
-/// since what outlives a call holds it weakly.
-class AppDelegate : public platform::ApplicationDelegate, public std::enable_shared_from_this<AppDelegate> {
+/// divided by topic: launch and wiring, menus, requests, outcomes. Main thread only. Owned by a shared
+/// pointer, since what outlives a call holds it weakly.
+class AppDelegate : public platform::ApplicationDelegate,
+                    public platform::MenuDelegate,
+                    public std::enable_shared_from_this<AppDelegate> {
  public:
   void applicationDidFinishLaunching() override;
 
@@ -33,14 +38,33 @@ class AppDelegate : public platform::ApplicationDelegate, public std::enable_sha
   void stopSpeaking();
   void toggleAdditive();
   void clearAdditive();
-  /// Copies a record of the history again. `representedObject` is what the chosen menu item carries, the
-  /// record's id as text; anything else, also the id of a record that has gone, does nothing.
-  void copyHistoryItem(const std::optional<std::string>& representedObject);
+  /// Copies a record of the history again: that whose id the chosen menu item represents, as text. Anything
+  /// else, also the id of a record that has gone, does nothing.
+  void copyHistoryItem(const platform::MenuItem& sender);
+
+  // The status item, its menus, and the actions that are theirs alone. (AppDelegate+Menus.cpp)
+  /// Called for the status menu and the history's when they are about to open.
+  void menuNeedsUpdate(platform::Menu& menu) override;
+  void clearHistory();
+  void showAbout();
+  void quit();
+  /// (AppDelegate+Settings.cpp)
+  void openSettings();
+
+  /// What is to be done after each change of a setting: the status menu follows, once the event is over.
+  void settingsDidChange();
 
   const ScreenCaptureController& captureController() const { return *captureController_; }
 
  private:
   void perform(HotkeyAction action);
+
+  void buildStatusItem();
+  /// Puts a new status menu, as the settings are now, in the place of the old one.
+  void rebuildStatusMenu();
+  void rebuildHistoryMenu();
+  std::shared_ptr<platform::MenuItem> menuItem(std::string title, void (AppDelegate::*action)());
+  std::shared_ptr<platform::MenuItem> historyItem(const CaptureRecord& record);
 
   void startCapture(CaptureMode mode, LineBreaksOverride lineBreaksOverride);
   /// Hands a request's end to `handleOutcome`, unless the delegate has gone by then.
@@ -58,8 +82,10 @@ class AppDelegate : public platform::ApplicationDelegate, public std::enable_sha
   void report(const std::string& title, const std::string& preview);
   void reportFailure(const std::string& title, const std::optional<std::string>& preview = std::nullopt);
 
+  std::unique_ptr<platform::StatusItem> statusItem_;
   std::shared_ptr<ScreenCaptureController> captureController_ = std::make_shared<ScreenCaptureController>();
   std::shared_ptr<ResultHUD> hud_ = std::make_shared<ResultHUD>();
+  std::shared_ptr<platform::Menu> historyMenu_ = std::make_shared<platform::Menu>();
   std::unique_ptr<platform::Timer> reregisterTimer_;
   std::vector<std::shared_ptr<platform::NotificationCenter::Observation>> observations_;
 };

@@ -2,6 +2,7 @@
 
 #include <cassert>
 
+#include "platform/Alert.h"
 #include "platform/Appearance.h"
 #include "platform/Application.h"
 #include "platform/BarcodeDetector.h"
@@ -17,6 +18,7 @@
 #include "platform/Pasteboard.h"
 #include "platform/Sound.h"
 #include "platform/SpeechSynthesizer.h"
+#include "platform/StatusBar.h"
 #include "platform/TextRecognizer.h"
 #include "platform/Typesetter.h"
 #include "platform/UserDefaults.h"
@@ -52,11 +54,14 @@ NotificationCenter& NotificationCenter::workspaceCenter() {
 Pasteboard& Pasteboard::general() { return Desktop::current().pasteboard(); }
 Sounds& Sounds::shared() { return Desktop::current().sounds(); }
 SpeechSynthesizer& SpeechSynthesizer::shared() { return Desktop::current().speechSynthesizer(); }
+StatusBar& StatusBar::system() { return Desktop::current().statusBar(); }
 TextRecognizer& TextRecognizer::shared() { return Desktop::current().textRecognizer(); }
 Typesetter& Typesetter::shared() { return Desktop::current().typesetter(); }
 UserDefaults& UserDefaults::standard() { return Desktop::current().userDefaults(); }
 Workspace& Workspace::shared() { return Desktop::current().workspace(); }
 Point MouseEvent::mouseLocation() { return Desktop::current().mouseLocation(); }
+
+void Alert::runModal() const { Desktop::current().alerts().runModal(*this); }
 
 std::unique_ptr<BitmapContext> BitmapContext::create(int width, int height) {
   return Desktop::current().makeBitmapContext(width, height);

@@ -11,6 +11,7 @@
 
 namespace lumiscan::platform {
 
+class Alerts;
 class Application;
 struct Appearance;
 class BarcodeDetector;
@@ -25,6 +26,7 @@ class NotificationCenter;
 class Pasteboard;
 class Sounds;
 class SpeechSynthesizer;
+class StatusBar;
 class TextRecognizer;
 class Typesetter;
 class UserDefaults;
@@ -75,6 +77,8 @@ class Desktop {
   virtual Workspace& workspace() = 0;
   virtual TextRecognizer& textRecognizer() = 0;
   virtual BarcodeDetector& barcodeDetector() = 0;
+  virtual StatusBar& statusBar() = 0;
+  virtual Alerts& alerts() = 0;
   virtual Appearance appearance() = 0;
   virtual Typesetter& typesetter() = 0;
   virtual std::unique_ptr<WindowPeer> makeWindowPeer(Window& window) = 0;

@@ -3,6 +3,7 @@
 #include <unicode/uniset.h>
 
 #include "platform/TextRecognizer.h"
+#include "recognition/TextLines.h"
 
 namespace lumiscan::OCRService {
 
@@ -23,14 +24,6 @@ std::string_view trimmed(std::string_view text) {
   const auto kept =
       blanks().spanBackUTF8(text.data(), static_cast<std::int32_t>(text.size()), USET_SPAN_SIMPLE);
   return text.substr(0, static_cast<std::size_t>(kept));
-}
-
-/// Where the line that starts at `from` ends: at a line feed that isn't the second half of a CR LF pair,
-/// or at the end of the text.
-std::size_t endOfLine(std::string_view text, std::size_t from) {
-  for (auto i = text.find('\n', from); i != std::string_view::npos; i = text.find('\n', i + 1))
-    if (i == 0 || text[i - 1] != '\r') return i;
-  return text.size();
 }
 
 }  // namespace

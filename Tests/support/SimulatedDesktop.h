@@ -17,6 +17,7 @@
 #include "support/SimulatedParts.h"
 #include "support/SimulatedPasteboard.h"
 #include "support/SimulatedRecognition.h"
+#include "support/SimulatedStatusBar.h"
 #include "support/SimulatedWindows.h"
 
 namespace lumiscan::testing {
@@ -71,6 +72,8 @@ class SimulatedDesktop : public platform::Desktop {
   SimulatedWorkspace& workspace() override { return workspace_; }
   SimulatedTextRecognizer& textRecognizer() override { return textRecognizer_; }
   SimulatedBarcodeDetector& barcodeDetector() override { return barcodeDetector_; }
+  SimulatedStatusBar& statusBar() override { return statusBar_; }
+  SimulatedAlerts& alerts() override { return alerts_; }
   platform::Appearance appearance() override { return look; }
   SimulatedTypesetter& typesetter() override { return typesetter_; }
   std::unique_ptr<platform::WindowPeer> makeWindowPeer(platform::Window& window) override {
@@ -118,6 +121,8 @@ class SimulatedDesktop : public platform::Desktop {
   SimulatedTextRecognizer textRecognizer_{dispatcher_};
   SimulatedBarcodeDetector barcodeDetector_{dispatcher_};
   SimulatedDrawing drawing_;
+  SimulatedStatusBar statusBar_;
+  SimulatedAlerts alerts_;
   std::unique_ptr<SimulatedApplication> application_;
 };
 

@@ -204,15 +204,18 @@ TEST_F(OutcomeTest, HistoryEntriesAreCopiedAgainWhateverTheMode) {
   HistoryStore::shared().add({platform::UUID::random(), {}, CaptureMode::text, "long\ntext"});
   const std::string id = HistoryStore::shared().items()[0].id.uuidString();
   desktop.effects().take();
-  delegate->copyHistoryItem(id);
+  platform::MenuItem entry;
+  entry.representedObject = id;
+  delegate->copyHistoryItem(entry);
   EXPECT_THAT(results(), ElementsAre("pasteboard long\ntext", "play Tink",
                                      "show checkmark.circle.fill Copied from history / long text"));
   EXPECT_EQ(history().size(), 1U);
-  delegate->copyHistoryItem(std::nullopt);
-  delegate->copyHistoryItem("no id");
   HistoryStore::shared().clear();
   desktop.effects().take();
-  delegate->copyHistoryItem(id);
+  for (const std::optional<std::string>& object : {std::optional(id), {"no id"}, {}}) {
+    entry.representedObject = object;
+    delegate->copyHistoryItem(entry);
+  }
   EXPECT_THAT(results(), IsEmpty());
 }
 

@@ -6,12 +6,14 @@
 #include <cassert>
 #include <chrono>
 #include <cstdlib>
+#include <functional>
 #include <map>
 #include <string>
 
 #include "platform/Appearance.h"
 #include "platform/Date.h"
 #include "platform/NotificationCenter.h"
+#include "platform/linux/Alert.h"
 #include "platform/linux/Appearance.h"
 #include "platform/linux/Application.h"
 #include "platform/linux/Dispatch.h"
@@ -23,6 +25,7 @@
 #include "platform/linux/Pasteboard.h"
 #include "platform/linux/Sound.h"
 #include "platform/linux/SpeechSynthesizer.h"
+#include "platform/linux/StatusBar.h"
 #include "platform/linux/Typesetter.h"
 #include "platform/linux/UserDefaults.h"
 #include "platform/linux/Workspace.h"
@@ -102,6 +105,9 @@ struct Interactive {
   CanberraSounds sounds;
   QtTypesetter typesetter;
   ColorScheme colorScheme;
+  std::function<bool()> prefersDark = [this] { return colorScheme.isDark(); };
+  TrayStatusBar statusBar{prefersDark};
+  QtAlerts alerts{prefersDark};
   PanelFreeDisplays& displays;
   PanelStage panels;
   OverlaySession overlays;
@@ -199,6 +205,9 @@ platform::TextRecognizer& LinuxDesktop::textRecognizer() {
   return parts_->textRecognizer;
 }
 platform::BarcodeDetector& LinuxDesktop::barcodeDetector() { return parts_->barcodeDetector; }
+
+platform::StatusBar& LinuxDesktop::statusBar() { return parts_->needInteractive().statusBar; }
+platform::Alerts& LinuxDesktop::alerts() { return parts_->needInteractive().alerts; }
 
 platform::Appearance LinuxDesktop::appearance() {
   return {parts_->needInteractive().colorScheme.isDark(), PanelWindow::blursBehind(toolkitConnection())};

@@ -34,6 +34,8 @@ class LinuxDesktop : public platform::Desktop {
   platform::Workspace& workspace() override;
   platform::TextRecognizer& textRecognizer() override;
   platform::BarcodeDetector& barcodeDetector() override;
+  platform::StatusBar& statusBar() override;
+  platform::Alerts& alerts() override;
   platform::Appearance appearance() override;
   platform::Typesetter& typesetter() override;
   std::unique_ptr<platform::WindowPeer> makeWindowPeer(platform::Window& window) override;

@@ -9,8 +9,6 @@ namespace lumiscan::desktop {
 
 namespace {
 
-constexpr double side = 20;  // Of the square in which symbols are drawn.
-
 /// A line along the points, with round ends and corners.
 QPainterPath line(std::initializer_list<QPointF> points, double width) {
   QPainterPathStroker pen;
@@ -53,48 +51,56 @@ QPainterPath magnifiedText() {
       .united(line({{16, 15.3}, {18.6, 17.9}}, 2.1));
 }
 
-QPainterPath viewfinder() {
-  constexpr double stroke = 1.7, near = 1.6, far = side - near, length = 4.2, radius = 2.4;
-  QPainterPath corner;
-  corner.moveTo(near, near + length);
-  corner.lineTo(near, near + radius);
-  corner.quadTo(near, near, near + radius, near);
-  corner.lineTo(near + length, near);
-  QPainterPathStroker pen;
-  pen.setWidth(stroke);
-  pen.setCapStyle(Qt::RoundCap);
-  const QPainterPath topLeft = pen.createStroke(corner).simplified();
-  const QTransform across(-1, 0, 0, 1, near + far, 0);
-  const QTransform down(1, 0, 0, -1, 0, near + far);
-  return topLeft.united(across.map(topLeft)).united(down.map(topLeft)).united(across.map(down.map(topLeft)));
-}
-
-QPainterPath textInViewfinder() {
-  constexpr double stroke = 1.6;
-  return viewfinder()
-      .united(line({{5.4, 6.7}, {14.6, 6.7}}, stroke))
-      .united(line({{5.4, 10}, {14.6, 10}}, stroke))
-      .united(line({{5.4, 13.3}, {11, 13.3}}, stroke));
+QPainterPath roundedRect(const QRectF& rect, double radius) {
+  QPainterPath path;
+  path.addRoundedRect(rect, radius, radius);
+  return path;
 }
 
 }  // namespace
+
+QPainterPath textViewfinder(int wholeSide) {
+  const int stroke = std::max(2, qRound(wholeSide * 0.085));
+  // As odd or even as the stroke, so that a line has room in the middle.
+  const int side = wholeSide - (wholeSide - stroke) % 2;
+  const auto part = [side](double fraction) { return qRound(side * fraction); };
+
+  const int margin = std::max(1, part(0.06)), radius = part(0.14), arm = part(0.25);
+  const QRectF outer(margin, margin, side - 2 * margin, side - 2 * margin);
+  const QRectF inner = outer.adjusted(stroke, stroke, -stroke, -stroke);
+  QPainterPath beside;
+  beside.addRect(outer.adjusted(arm, 0, -arm, 0));
+  beside.addRect(outer.adjusted(0, arm, 0, -arm));
+  beside.setFillRule(Qt::WindingFill);
+  QPainterPath outline = roundedRect(outer, radius)
+                             .subtracted(roundedRect(inner, std::max(0, radius - stroke)))
+                             .subtracted(beside);
+
+  const int left = part(0.27), pitch = part(0.165), width = side - 2 * left;
+  int top = (side - stroke) / 2 - pitch;
+  for (const int length : {width, width, qRound(width * 0.6)}) {
+    outline.addPath(roundedRect(QRectF(left, top, length, stroke), stroke / 2.0));
+    top += pitch;
+  }
+  return outline;
+}
 
 std::optional<QPainterPath> symbolOutline(std::string_view name) {
   if (name == "checkmark.circle.fill") return checkmarkCircle();
   if (name == "exclamationmark.triangle.fill") return exclamationmarkTriangle();
   if (name == "text.magnifyingglass") return magnifiedText();
-  if (name == "text.viewfinder") return textInViewfinder();
+  if (name == "text.viewfinder") return textViewfinder(symbolSide);
   return std::nullopt;
 }
 
 void drawSymbol(QPainter& painter, std::string_view name, const QRectF& rect, const QColor& color) {
   const auto outline = symbolOutline(name);
   if (!outline) return;
-  const double scale = std::min(rect.width(), rect.height()) / side;
+  const double scale = std::min(rect.width(), rect.height()) / symbolSide;
   painter.save();
   painter.translate(rect.center());
   painter.scale(scale, scale);
-  painter.translate(-side / 2, -side / 2);
+  painter.translate(-symbolSide / 2.0, -symbolSide / 2.0);
   painter.fillPath(*outline, color);
   painter.restore();
 }

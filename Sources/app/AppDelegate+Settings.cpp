@@ -1,0 +1,7 @@
+#include "app/AppDelegate.h"
+
+namespace lumiscan {
+
+void AppDelegate::openSettings() {}
+
+}  // namespace lumiscan

@@ -1,0 +1,53 @@
+#include "platform/linux/Alert.h"
+
+#include <QAbstractButton>
+#include <QCoreApplication>
+#include <QTextDocument>
+
+#include "platform/linux/StatusIcon.h"
+#include "platform/linux/form/FormPalette.h"
+
+namespace lumiscan::desktop {
+
+namespace {
+
+constexpr int iconSide = 48;  // In points.
+
+QPixmap icon(const QMessageBox& box) {
+  const qreal scale = box.devicePixelRatioF();
+  QPixmap pixmap = QPixmap::fromImage(
+      symbolPicture("text.viewfinder", qRound(iconSide * scale), box.palette().color(QPalette::WindowText)));
+  pixmap.setDevicePixelRatio(scale);
+  return pixmap;
+}
+
+/// The text, of which every character is literal, for a label that looks itself what it is given.
+QString literal(const QString& text) {
+  return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text;
+}
+
+}  // namespace
+
+void QtAlerts::runModal(const platform::Alert& alert) {
+  const QString message =
+      QStringLiteral("<big><b>%1</b></big>").arg(QString::fromStdString(alert.messageText).toHtmlEscaped());
+  if (open_ && open_->text() == message) {
+    open_->raise();
+    open_->activateWindow();
+    return;
+  }
+  QMessageBox box;
+  open_ = &box;
+  box.setPalette(formPalette(prefersDark_()));
+  box.setWindowTitle(QCoreApplication::applicationName());
+  box.setTextFormat(Qt::RichText);
+  box.setText(message);
+  box.setInformativeText(literal(QString::fromStdString(alert.informativeText)));
+  box.setIconPixmap(icon(box));
+  box.setWindowIcon(box.iconPixmap());
+  box.setStandardButtons(QMessageBox::Ok);
+  box.button(QMessageBox::Ok)->setIcon({});
+  box.exec();
+}
+
+}  // namespace lumiscan::desktop
