@@ -12,6 +12,7 @@
 #include "platform/Application.h"
 #include "platform/Dispatch.h"
 #include "platform/NotificationCenter.h"
+#include "settings/SettingsWindowController.h"
 
 namespace lumiscan {
 
@@ -37,6 +38,9 @@ class AppDelegate : public platform::ApplicationDelegate, public std::enable_sha
   /// record's id as text; anything else, also the id of a record that has gone, does nothing.
   void copyHistoryItem(const std::optional<std::string>& representedObject);
 
+  /// Shows the settings window, which is kept from then on. (AppDelegate+Settings.cpp)
+  void openSettings();
+
   const ScreenCaptureController& captureController() const { return *captureController_; }
 
  private:
@@ -61,6 +65,7 @@ class AppDelegate : public platform::ApplicationDelegate, public std::enable_sha
   std::shared_ptr<ScreenCaptureController> captureController_ = std::make_shared<ScreenCaptureController>();
   std::shared_ptr<ResultHUD> hud_ = std::make_shared<ResultHUD>();
   std::unique_ptr<platform::Timer> reregisterTimer_;
+  std::unique_ptr<SettingsWindowController> settingsWindowController_;
   std::vector<std::shared_ptr<platform::NotificationCenter::Observation>> observations_;
 };
 

@@ -24,8 +24,10 @@ std::uint16_t withLocks(std::uint16_t modifiers, std::uint16_t locks) {
 
 }  // namespace
 
-X11HotKeys::X11HotKeys(xcb_connection_t* connection)
-    : connection_(connection), root_(xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root) {
+X11HotKeys::X11HotKeys(xcb_connection_t* connection, std::function<bool(xcb_window_t)> takesKeys)
+    : connection_(connection),
+      root_(xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root),
+      takesKeys_(std::move(takesKeys)) {
   QCoreApplication::instance()->installNativeEventFilter(this);
 }
 
@@ -116,7 +118,9 @@ bool X11HotKeys::isRepeat(const xcb_key_press_event_t& event) {
 }
 
 void X11HotKeys::keyPressed(const xcb_key_press_event_t& event) {
-  if (isRepeat(event)) return;
+  // Grabbed with owner events, a press comes to the window of ours that has the focus, and only without one
+  // to the root.
+  if (isRepeat(event) || takesKeys_(event.event)) return;
   const auto grab = grabs_.find({event.detail, static_cast<std::uint16_t>(event.state & ourModifiers)});
   if (grab == grabs_.end() || grab->second.ref == 0 || !handler_) return;
   const platform::HotKeyEvent pressed{grab->second.id};

@@ -4,6 +4,7 @@
 
 #include <QAbstractNativeEventFilter>
 #include <QObject>
+#include <functional>
 #include <map>
 #include <optional>
 #include <utility>
@@ -16,7 +17,8 @@ namespace lumiscan::desktop::x11 {
 /// brings their events. Made after the application object.
 class X11HotKeys : public platform::HotKeys, private QAbstractNativeEventFilter {
  public:
-  explicit X11HotKeys(xcb_connection_t* connection);
+  /// `takesKeys` says of a window of ours whether the keys that come to it, ours included, are meant for it.
+  X11HotKeys(xcb_connection_t* connection, std::function<bool(xcb_window_t)> takesKeys);
   ~X11HotKeys() override;
 
   void installEventHandler(Handler handler) override { handler_ = std::move(handler); }
@@ -43,6 +45,7 @@ class X11HotKeys : public platform::HotKeys, private QAbstractNativeEventFilter 
 
   xcb_connection_t* connection_;
   xcb_window_t root_;
+  std::function<bool(xcb_window_t)> takesKeys_;
   Handler handler_;
   std::map<Combination, Grab> grabs_;
   platform::HotKeyRef lastRef_ = 0;

@@ -1,0 +1,43 @@
+#include "platform/linux/form/ChoiceItem.h"
+
+#include <QHBoxLayout>
+#include <QStringList>
+#include <variant>
+
+namespace lumiscan::desktop {
+
+ChoiceItem::ChoiceItem(const platform::Choice& choice) {
+  auto* layout = new QHBoxLayout(this);
+  layout->addWidget(&label_);
+  layout->addStretch();
+  layout->addWidget(&box_);
+  label_.setTextFormat(Qt::PlainText);
+  // Only what the user does: `currentIndexChanged` would tell of our own changes, too.
+  connect(&box_, &QComboBox::activated, this, [this](int index) {
+    if (const auto select = select_) select(static_cast<std::size_t>(index));
+  });
+  show(choice);
+}
+
+bool ChoiceItem::update(const platform::Section::Item& item) {
+  const auto* choice = std::get_if<platform::Choice>(&item);
+  if (choice) show(*choice);
+  return choice;
+}
+
+void ChoiceItem::show(const platform::Choice& choice) {
+  label_.setText(QString::fromStdString(choice.label));
+  box_.setAccessibleName(QString::fromStdString(choice.label));
+  QStringList options;
+  for (const std::string& option : choice.options) options << QString::fromStdString(option);
+  QStringList shown;
+  for (int i = 0; i < box_.count(); ++i) shown << box_.itemText(i);
+  if (shown != options) {
+    box_.clear();
+    box_.addItems(options);
+  }
+  box_.setCurrentIndex(static_cast<int>(choice.selection));
+  select_ = choice.select;
+}
+
+}  // namespace lumiscan::desktop
