@@ -23,6 +23,12 @@ using lumiscan::testing::waitUntil;
 
 void processEvents() { QCoreApplication::processEvents(); }
 
+void useDarkColors() {
+  QPalette palette(QColor(0x3A, 0x3A, 0x3D), QColor(0x24, 0x24, 0x26));
+  palette.setColor(QPalette::Base, QColor(0x1C, 0x1C, 0x1E));
+  QGuiApplication::setPalette(palette);
+}
+
 QImage screenImage(const PrivateDesktop& desktop) {
   const auto words = desktop.screenPixels();
   return QImage(reinterpret_cast<const uchar*>(words.data()), desktop.width(), desktop.height(),
@@ -42,18 +48,18 @@ int main(int argc, char** argv) {
   lumiscan::platform::Application::shared();
   lumiscan::testing::Process({"xsetroot", "-solid", "#5a7894"}).waitForEnd();
   for (const bool dark : {false, true}) {
-    if (dark) QGuiApplication::setPalette(QPalette(QColor(0x3A, 0x3A, 0x3D), QColor(0x24, 0x24, 0x26)));
+    if (dark) useDarkColors();
     lumiscan::SettingsWindowController controller;
     controller.show();
     const QWidget* const window = QApplication::topLevelWidgets().back();
-    if (argc > 3) window->findChild<QScrollArea*>()->verticalScrollBar()->setValue(std::atoi(argv[3]));
     QImage seen;
     const auto paintsNoMore = [&] {
       const QImage before = std::exchange(seen, screenImage(screen));
       return seen == before;
     };
-    const bool shows = waitUntil([&] { return controller.window()->isKeyWindow(); }, processEvents) &&
-                       waitUntil(paintsNoMore, processEvents);
+    bool shows = waitUntil([&] { return controller.window()->isKeyWindow(); }, processEvents);
+    if (argc > 3) window->findChild<QScrollArea*>()->verticalScrollBar()->setValue(std::atoi(argv[3]));
+    shows = shows && waitUntil(paintsNoMore, processEvents);
     if (!shows) {
       std::cerr << "settings_pictures: no window" << std::endl;
       return EXIT_FAILURE;

@@ -86,7 +86,7 @@ void followToolkitScreens(x11::X11Displays& displays, OverlaySession& overlays, 
 struct Interactive {
   Interactive(int& argc, char** argv, PanelFreeDisplays& allDisplays)
       : application(argc, argv),
-        hotKeys(toolkitConnection(), FieldWidget::hasFocusIn),
+        hotKeys(toolkitConnection(), FieldWidget::windowWithFocus),
         displays(allDisplays),
         panels(toolkitConnection(), displays),
         overlays(toolkitConnection(), displays, panels) {

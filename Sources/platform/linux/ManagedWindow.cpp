@@ -41,9 +41,13 @@ ManagedWindow::ManagedWindow(platform::Window& window, ColorScheme& colorScheme)
   layout->addWidget(&form_);
   setFixedSize(static_cast<int>(window.frame().size.width), static_cast<int>(window.frame().size.height));
   content_.formChanged = [this] { form_.update(content_.form()); };
+  colorScheme_.changed = [this] { followColorScheme(); };
 }
 
-ManagedWindow::~ManagedWindow() { content_.formChanged = nullptr; }
+ManagedWindow::~ManagedWindow() {
+  content_.formChanged = nullptr;
+  colorScheme_.changed = nullptr;
+}
 
 void ManagedWindow::placeOnScreen() {
   const platform::Rect& frame = window_.frame();
@@ -79,10 +83,11 @@ void ManagedWindow::closeEvent(QCloseEvent* event) {
   event->accept();
 }
 
-void ManagedWindow::changeEvent(QEvent* event) {
+bool ManagedWindow::event(QEvent* event) {
   // Who comes back from the desktop's settings may have changed the colours there.
-  if (event->type() == QEvent::ActivationChange && isActiveWindow()) followColorScheme();
-  QWidget::changeEvent(event);
+  const bool isBack = event->type() == QEvent::ActivationChange && isActiveWindow();
+  if (isBack || event->type() == QEvent::ApplicationPaletteChange) followColorScheme();
+  return QWidget::event(event);
 }
 
 void ManagedWindow::followColorScheme() { setPalette(formPalette(colorScheme_.isDark())); }

@@ -29,7 +29,7 @@ class ManagedWindow : public platform::WindowPeer, private QWidget {
 
  private:
   void closeEvent(QCloseEvent* event) override;
-  void changeEvent(QEvent* event) override;
+  bool event(QEvent* event) override;
   void followColorScheme();
   void placeOnScreen();
 

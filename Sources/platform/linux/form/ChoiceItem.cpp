@@ -12,6 +12,8 @@ ChoiceItem::ChoiceItem(const platform::Choice& choice) {
   layout->addStretch();
   layout->addWidget(&box_);
   label_.setTextFormat(Qt::PlainText);
+  // To assistive programs the name of such a box is what is chosen; what it is for they take from its label.
+  label_.setBuddy(&box_);
   // Only what the user does: `currentIndexChanged` would tell of our own changes, too.
   connect(&box_, &QComboBox::activated, this, [this](int index) {
     if (const auto select = select_) select(static_cast<std::size_t>(index));
@@ -26,7 +28,7 @@ bool ChoiceItem::update(const platform::Section::Item& item) {
 }
 
 void ChoiceItem::show(const platform::Choice& choice) {
-  label_.setText(QString::fromStdString(choice.label));
+  label_.setText(controlText(choice.label));
   box_.setAccessibleName(QString::fromStdString(choice.label));
   QStringList options;
   for (const std::string& option : choice.options) options << QString::fromStdString(option);

@@ -57,15 +57,23 @@ FieldWidget::FieldWidget(const platform::TextFieldAdapter& adapter) : field_(ada
   if (field_->acceptsFirstResponder()) focus |= Qt::ClickFocus;
   if (field_->canBecomeKeyView()) focus |= Qt::TabFocus;
   setFocusPolicy(static_cast<Qt::FocusPolicy>(focus));
+  setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
   field_->stringValueChanged = [this] { setText(QString::fromStdString(field_->stringValue())); };
   field_->stringValueChanged();
 }
 
 FieldWidget::~FieldWidget() { field_->stringValueChanged = nullptr; }
 
-bool FieldWidget::hasFocusIn(xcb_window_t window) {
+xcb_window_t FieldWidget::windowWithFocus() {
   const auto* focused = dynamic_cast<FieldWidget*>(QApplication::focusWidget());
-  return focused && focused->window()->internalWinId() == window;
+  if (!focused) return XCB_WINDOW_NONE;
+  return static_cast<xcb_window_t>(focused->window()->internalWinId());
+}
+
+QSize FieldWidget::sizeHint() const {
+  // Room for the placeholder, whatever the text.
+  constexpr int characters = 18;
+  return {fontMetrics().averageCharWidth() * characters, QLineEdit::sizeHint().height()};
 }
 
 bool FieldWidget::event(QEvent* event) {

@@ -18,10 +18,11 @@ class FieldWidget : public QLineEdit {
 
   platform::TextField& field() { return *field_; }
 
-  /// Whether keys that come to a window of ours go to such a field.
-  static bool hasFocusIn(xcb_window_t window);
+  /// The window in which such a field has the keyboard focus; `XCB_WINDOW_NONE` when none has it.
+  static xcb_window_t windowWithFocus();
 
  protected:
+  QSize sizeHint() const override;
   bool event(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void keyReleaseEvent(QKeyEvent* event) override;

@@ -17,6 +17,8 @@ constexpr int focusMargin = 40;
 FormWidget::FormWidget(const platform::Form& form) {
   auto* content = new QWidget;
   layout_ = new QVBoxLayout(content);
+  // A click between the controls leaves the one that has the focus.
+  content->setFocusPolicy(Qt::ClickFocus);
   layout_->setContentsMargins(margin, margin, margin, margin);
   layout_->setSpacing(sectionSpacing);
   setWidget(content);

@@ -17,15 +17,16 @@ namespace {
 constexpr QSize trackSize(36, 20);
 constexpr int knobInset = 3;
 constexpr int textGap = 12;
-/// Between the track and the ring that shows the focus.
+/// From the track to the middle of the ring that shows the focus, and to its outer edge.
 constexpr int ringGap = 2;
+constexpr int ringSpace = 3;
 
 }  // namespace
 
 QSize SwitchBox::sizeHint() const {
   const QSize text = fontMetrics().size(Qt::TextShowMnemonic, QCheckBox::text());
-  return {text.width() + textGap + trackSize.width() + ringGap,
-          std::max(text.height(), trackSize.height() + 2 * ringGap)};
+  return {text.width() + textGap + trackSize.width() + ringSpace,
+          std::max(text.height(), trackSize.height() + 2 * ringSpace)};
 }
 
 void SwitchBox::paintEvent(QPaintEvent*) {
@@ -33,7 +34,7 @@ void SwitchBox::paintEvent(QPaintEvent*) {
   painter.setRenderHint(QPainter::Antialiasing);
   const QRect all = contentsRect();
   QRect track = QStyle::alignedRect(layoutDirection(), Qt::AlignRight | Qt::AlignVCenter, trackSize,
-                                    all.adjusted(ringGap, 0, -ringGap, 0));
+                                    all.adjusted(ringSpace, 0, -ringSpace, 0));
   style()->drawItemText(&painter, all, int(Qt::AlignLeading | Qt::AlignVCenter | Qt::TextShowMnemonic),
                         palette(), isEnabled(), QCheckBox::text(), QPalette::WindowText);
 

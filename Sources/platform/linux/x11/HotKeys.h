@@ -17,8 +17,8 @@ namespace lumiscan::desktop::x11 {
 /// brings their events. Made after the application object.
 class X11HotKeys : public platform::HotKeys, private QAbstractNativeEventFilter {
  public:
-  /// `takesKeys` says of a window of ours whether the keys that come to it, ours included, are meant for it.
-  X11HotKeys(xcb_connection_t* connection, std::function<bool(xcb_window_t)> takesKeys);
+  /// `keyTaker` tells which window of ours takes every key now, our hotkeys included, if one does.
+  X11HotKeys(xcb_connection_t* connection, std::function<xcb_window_t()> keyTaker);
   ~X11HotKeys() override;
 
   void installEventHandler(Handler handler) override { handler_ = std::move(handler); }
@@ -37,7 +37,7 @@ class X11HotKeys : public platform::HotKeys, private QAbstractNativeEventFilter 
   };
 
   bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
-  void keyPressed(const xcb_key_press_event_t& event);
+  void keyPressed(xcb_key_press_event_t& event);
   bool isRepeat(const xcb_key_press_event_t& event);
   bool grab(Combination combination);
   void ungrab(Combination combination);
@@ -45,7 +45,7 @@ class X11HotKeys : public platform::HotKeys, private QAbstractNativeEventFilter 
 
   xcb_connection_t* connection_;
   xcb_window_t root_;
-  std::function<bool(xcb_window_t)> takesKeys_;
+  std::function<xcb_window_t()> keyTaker_;
   Handler handler_;
   std::map<Combination, Grab> grabs_;
   platform::HotKeyRef lastRef_ = 0;
