@@ -121,7 +121,7 @@ platform::Switch SettingsView::binding(std::string_view label, std::string_view 
   const auto package = platform::TextRecognizer::shared().missingPackage(code);
   return {std::string(label), std::ranges::find(languages_, code) != languages_.end(),
           [this, code = std::string(code)](bool isOn) { setLanguage(code, isOn); },
-          package ? "Not installed here: this language comes with the package " + *package : std::string()};
+          package ? "Not installed: needs the package " + *package : std::string()};
 }
 
 void SettingsView::setLanguage(const std::string& code, bool isOn) {

@@ -3,7 +3,6 @@
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QScreen>
-#include <QVBoxLayout>
 
 #include "platform/Display.h"
 #include "platform/HostingView.h"
@@ -30,15 +29,13 @@ xcb_connection_t* toolkitConnection() {
 }  // namespace
 
 ManagedWindow::ManagedWindow(platform::Window& window, ColorScheme& colorScheme)
-    : QWidget(nullptr, toolkitFlags(window.attributes().styleMask)),
+    : QMainWindow(nullptr, toolkitFlags(window.attributes().styleMask)),
       window_(window),
       content_(dynamic_cast<platform::HostingView&>(*window.contentView())),
       colorScheme_(colorScheme),
       form_(content_.form()) {
   setWindowTitle(QString::fromStdString(window.attributes().title));
-  auto* layout = new QVBoxLayout(this);
-  layout->setContentsMargins(0, 0, 0, 0);
-  layout->addWidget(&form_);
+  setCentralWidget(&form_);
   setFixedSize(static_cast<int>(window.frame().size.width), static_cast<int>(window.frame().size.height));
   content_.formChanged = [this] { form_.update(content_.form()); };
   colorScheme_.changed = [this] { followColorScheme(); };
@@ -87,7 +84,7 @@ bool ManagedWindow::event(QEvent* event) {
   // Who comes back from the desktop's settings may have changed the colours there.
   const bool isBack = event->type() == QEvent::ActivationChange && isActiveWindow();
   if (isBack || event->type() == QEvent::ApplicationPaletteChange) followColorScheme();
-  return QWidget::event(event);
+  return QMainWindow::event(event);
 }
 
 void ManagedWindow::followColorScheme() { setPalette(formPalette(colorScheme_.isDark())); }

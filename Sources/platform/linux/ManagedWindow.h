@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QWidget>
+#include <QMainWindow>
 #include <memory>
 
 #include "platform/Window.h"
@@ -15,7 +15,7 @@ namespace lumiscan::desktop {
 
 /// A titled window, in the hands of the window manager. Its content is the form of the window's hosting view.
 /// Main thread only.
-class ManagedWindow : public platform::WindowPeer, private QWidget {
+class ManagedWindow : public platform::WindowPeer, private QMainWindow {
  public:
   /// The window and the colour scheme outlive the peer. Precondition: the window's content is a hosting view.
   ManagedWindow(platform::Window& window, ColorScheme& colorScheme);

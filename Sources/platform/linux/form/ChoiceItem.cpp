@@ -1,10 +1,17 @@
 #include "platform/linux/form/ChoiceItem.h"
 
+#include <QAbstractItemView>
 #include <QHBoxLayout>
 #include <QStringList>
 #include <variant>
 
 namespace lumiscan::desktop {
+
+void ChoiceItem::ComboBox::showPopup() {
+  // A window of its own, which would have the toolkit's palette.
+  view()->window()->setPalette(palette());
+  QComboBox::showPopup();
+}
 
 ChoiceItem::ChoiceItem(const platform::Choice& choice) {
   auto* layout = new QHBoxLayout(this);

@@ -15,9 +15,12 @@ class ChoiceItem : public FormItem {
   QWidgetList focusParts() override { return {&box_}; }
 
  private:
-  /// Leaves the wheel to the form, which scrolls: nobody wants to choose by it in passing.
   class ComboBox : public QComboBox {
+   public:
+    void showPopup() override;
+
    protected:
+    /// Leaves the wheel to the form, which scrolls: nobody wants to choose by it in passing.
     void wheelEvent(QWheelEvent* event) override { event->ignore(); }
   };
 

@@ -2,8 +2,10 @@
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QPainter>
 
 #include "platform/linux/Graphics.h"
+#include "platform/linux/form/FormPalette.h"
 #include "platform/linux/x11/KeyCodes.h"
 
 namespace lumiscan::desktop {
@@ -103,6 +105,19 @@ void FieldWidget::keyPressEvent(QKeyEvent* event) {
 
 void FieldWidget::keyReleaseEvent(QKeyEvent* event) {
   if (isModifier(event->key())) field_->flagsChanged(keyEvent(*event));
+}
+
+void FieldWidget::paintEvent(QPaintEvent* event) {
+  QLineEdit::paintEvent(event);
+  if (!hasFocus()) return;
+  // No cursor blinks here, so that a key will be taken must show in another way.
+  constexpr double width = 2;
+  constexpr double corner = 3;
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(QPen(focusColor(palette()), width));
+  painter.drawRoundedRect(QRectF(rect()).adjusted(width / 2, width / 2, -width / 2, -width / 2), corner,
+                          corner);
 }
 
 void FieldWidget::focusInEvent(QFocusEvent* event) {

@@ -27,6 +27,7 @@ class FieldWidget : public QLineEdit {
   void keyPressEvent(QKeyEvent* event) override;
   void keyReleaseEvent(QKeyEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
   // The text isn't the user's: it can't be selected or dragged away.
   void mousePressEvent(QMouseEvent*) override {}
   void mouseMoveEvent(QMouseEvent*) override {}

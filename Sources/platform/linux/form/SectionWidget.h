@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QFrame>
 #include <QLabel>
 #include <QVBoxLayout>
 #include <vector>
@@ -9,7 +8,7 @@
 
 namespace lumiscan::desktop {
 
-/// A section: its header, and its items in a frame with lines between them.
+/// A section: its header, and its items in a group with lines between them.
 class SectionWidget : public QWidget {
  public:
   explicit SectionWidget(const platform::Section& section);
@@ -20,7 +19,7 @@ class SectionWidget : public QWidget {
   QWidgetList focusParts() const;
 
  private:
-  class Group : public QFrame {
+  class Group : public QWidget {
    protected:
     void paintEvent(QPaintEvent* event) override;
   };
