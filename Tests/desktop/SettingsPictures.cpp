@@ -1,5 +1,5 @@
-// Makes the pictures of the settings window: settings_pictures FOLDER [SCALE [SCROLLED]]. Shows it on a
-// private desktop, light and dark, scrolled down by so many points, and saves what the screen shows of it.
+// Makes the pictures of the settings window: settings_pictures FOLDER [SCALE]. Shows it on a private desktop
+// and saves what the screen shows of it: at scale 1 light, from the top, and dark, at the end.
 
 #include <QApplication>
 #include <QImage>
@@ -36,39 +36,44 @@ QImage screenImage(const PrivateDesktop& desktop) {
       .copy();
 }
 
+/// Shows the settings window and saves a picture of it; whether that succeeded.
+bool savePicture(const PrivateDesktop& screen, bool isAtEnd, const std::filesystem::path& file) {
+  lumiscan::SettingsWindowController controller;
+  controller.show();
+  if (!waitUntil([&] { return controller.window()->isKeyWindow(); }, processEvents)) return false;
+  const QWidget* const window = QApplication::activeWindow();
+  QScrollBar* const scrollBar = window->findChild<QScrollArea*>()->verticalScrollBar();
+  if (isAtEnd) scrollBar->setValue(scrollBar->maximum());
+  QImage seen;
+  const auto paintsNoMore = [&] {
+    const QImage before = std::exchange(seen, screenImage(screen));
+    return seen == before;
+  };
+  if (!waitUntil(paintsNoMore, processEvents)) return false;
+  constexpr int around = 12;  // Pixels.
+  const QRect frame = window->frameGeometry();
+  const QRect pixels(frame.topLeft() * window->devicePixelRatio(), frame.size() * window->devicePixelRatio());
+  return seen.copy(pixels.adjusted(-around, -around, around, around))
+      .save(QString::fromStdString(file.string()));
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   const std::filesystem::path folder = argc > 1 ? argv[1] : ".";
   std::filesystem::create_directories(folder);
-  const double scale = argc > 2 ? std::atof(argv[2]) : 1;
-  setenv("QT_SCALE_FACTOR", argc > 2 ? argv[2] : "1", 1);
+  const std::string scale = argc > 2 ? argv[2] : "1";
+  setenv("QT_SCALE_FACTOR", scale.c_str(), 1);
   PrivateDesktop screen(1600, 1300);
   lumiscan::desktop::LinuxDesktop desktop(argc, argv);
   lumiscan::platform::Application::shared();
   lumiscan::testing::Process({"xsetroot", "-solid", "#5a7894"}).waitForEnd();
-  for (const bool dark : {false, true}) {
-    if (dark) useDarkColors();
-    lumiscan::SettingsWindowController controller;
-    controller.show();
-    const QWidget* const window = QApplication::topLevelWidgets().back();
-    QImage seen;
-    const auto paintsNoMore = [&] {
-      const QImage before = std::exchange(seen, screenImage(screen));
-      return seen == before;
-    };
-    bool shows = waitUntil([&] { return controller.window()->isKeyWindow(); }, processEvents);
-    if (argc > 3) window->findChild<QScrollArea*>()->verticalScrollBar()->setValue(std::atoi(argv[3]));
-    shows = shows && waitUntil(paintsNoMore, processEvents);
-    if (!shows) {
-      std::cerr << "settings_pictures: no window" << std::endl;
-      return EXIT_FAILURE;
-    }
-    const QRect frame = window->frameGeometry();
-    const QRect pixels(frame.topLeft() * scale, frame.size() * scale);
-    seen.copy(pixels.adjusted(-20, -20, 20, 20))
-        .save(
-            QString::fromStdString((folder / (dark ? "settings-dark.png" : "settings-light.png")).string()));
+  bool saved = savePicture(screen, false,
+                           folder / ("settings-" + (scale == "1" ? "light" : "scale-" + scale) + ".png"));
+  if (scale == "1") {
+    useDarkColors();
+    saved = saved && savePicture(screen, true, folder / "settings-dark.png");
   }
-  return EXIT_SUCCESS;
+  if (!saved) std::cerr << "settings_pictures: no picture" << std::endl;
+  return saved ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -8,8 +8,11 @@
 namespace lumiscan::desktop {
 
 void ChoiceItem::ComboBox::showPopup() {
-  // A window of its own, which would have the toolkit's palette.
-  view()->window()->setPalette(palette());
+  // The list is a window of its own and painted like a menu, in the palette of all menus where its own
+  // palette doesn't say that it means its colours.
+  QPalette meant = palette();
+  meant.setResolveMask(~QPalette::ResolveMask(0));
+  view()->setPalette(meant);
   QComboBox::showPopup();
 }
 
