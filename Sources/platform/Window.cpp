@@ -34,7 +34,8 @@ void Window::center() {
   const auto withMouse =
       std::ranges::find_if(screens, [mouse](const Screen& screen) { return contains(screen.frame, mouse); });
   const Rect& area = (withMouse == screens.end() ? screens.front() : *withMouse).visibleFrame;
-  frame_.origin = {area.midX() - frame_.size.width / 2, area.midY() - frame_.size.height / 2};
+  frame_.origin = {area.midX() - frame_.size.width / 2,
+                   std::min(area.midY() + frame_.size.height / 2, area.maxY()) - frame_.size.height};
 }
 
 void Window::orderFrontRegardless() {

@@ -84,7 +84,8 @@ class Window : public std::enable_shared_from_this<Window> {
 
   /// Where the content of the window was put; a user may have moved a titled one since.
   const Rect& frame() const { return frame_; }
-  /// Puts the window, before it first shows, into the middle of the free part of the screen with the mouse.
+  /// Puts the window, before it first shows, into the middle of the free part of the screen with the mouse;
+  /// of one that is too high the top is there.
   void center();
   void setContentView(std::unique_ptr<View> view);
   /// May be null.

@@ -184,6 +184,12 @@ TEST_F(SettingsWindowTest, FieldsRecordWhatIsPressed) {
   press({KEY_LEFTMETA, KEY_LEFTSHIFT, KEY_2});
   EXPECT_TRUE(waitFor([this] { return !fired_.empty(); }));
   EXPECT_THAT(fired_, ElementsAre("captureText")) << "once no field has the focus";
+  clickInto("Stop Speaking");
+  press({KEY_LEFTALT, KEY_F4});
+  ASSERT_TRUE(waitFor([this] { return !controller_.window()->isVisible(); }));
+  press({KEY_LEFTMETA, KEY_LEFTSHIFT, KEY_2});
+  EXPECT_TRUE(waitFor([this] { return fired_.size() == 2; }))
+      << "nor when it was closed with the focus in one";
 }
 
 TEST_F(SettingsWindowTest, TheKeyboardReachesEveryControlByItsName) {

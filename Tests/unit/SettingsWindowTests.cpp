@@ -67,6 +67,13 @@ TEST_F(SettingsWindowTest, IsOneWindowThatComesBackAsItWas) {
   EXPECT_FALSE(form->toggle("Play sound after capture").isOn);
 }
 
+TEST_F(SettingsWindowTest, KeepsItsTitleOnASmallScreen) {
+  desktop.displays().attach(2, {{1440, 100}, {800, 400}});
+  desktop.windows().mouseMove({1500, 200});
+  open();
+  EXPECT_EQ(controller.window()->frame(), (platform::Rect{{1580, -60}, {520, 560}}));
+}
+
 TEST_F(SettingsWindowTest, ShowsTheSettingsInFourSections) {
   open();
   EXPECT_THAT(form->section("General"),

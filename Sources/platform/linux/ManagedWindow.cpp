@@ -3,6 +3,8 @@
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QScreen>
+#include <QStyle>
+#include <algorithm>
 
 #include "platform/Display.h"
 #include "platform/HostingView.h"
@@ -22,6 +24,10 @@ Qt::WindowFlags toolkitFlags(unsigned style) {
   return flags;
 }
 
+QSize toolkitSize(const platform::Size& size) {
+  return {static_cast<int>(size.width), static_cast<int>(size.height)};
+}
+
 xcb_connection_t* toolkitConnection() {
   return qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
 }
@@ -36,7 +42,8 @@ ManagedWindow::ManagedWindow(platform::Window& window, ColorScheme& colorScheme)
       form_(content_.form()) {
   setWindowTitle(QString::fromStdString(window.attributes().title));
   setCentralWidget(&form_);
-  setFixedSize(static_cast<int>(window.frame().size.width), static_cast<int>(window.frame().size.height));
+  const QSize content = toolkitSize(window.frame().size);
+  setFixedSize(content.expandedTo(toolkitSize(content_.form().minimumSize)));
   content_.formChanged = [this] { form_.update(content_.form()); };
   colorScheme_.changed = [this] { followColorScheme(); };
 }
@@ -53,6 +60,8 @@ void ManagedWindow::placeOnScreen() {
       if (x11::ScreenLayout::displayID(toolkit->name().toStdString()) != screen.displayID ||
           !contains(screen.frame, {frame.midX(), frame.midY()}))
         continue;
+      const int titleHeight = style()->pixelMetric(QStyle::PM_TitleBarHeight);
+      setFixedHeight(std::min(height(), toolkit->availableGeometry().height() - titleHeight));
       // The toolkit measures downwards, in points from the screen's top left.
       move(toolkit->geometry().topLeft() +
            QPoint(qRound(frame.minX() - screen.frame.minX()), qRound(screen.frame.maxY() - frame.maxY())));

@@ -31,6 +31,7 @@ class ManagedWindow : public platform::WindowPeer, private QMainWindow {
   void closeEvent(QCloseEvent* event) override;
   bool event(QEvent* event) override;
   void followColorScheme();
+  /// Also makes the window, whose content scrolls, no higher than the screen.
   void placeOnScreen();
 
   platform::Window& window_;

@@ -26,7 +26,6 @@ FormWidget::FormWidget(const platform::Form& form) {
   setFrameShape(QFrame::NoFrame);
   setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   setFocusPolicy(Qt::NoFocus);
-  setMinimumSize(static_cast<int>(form.minimumSize.width), static_cast<int>(form.minimumSize.height));
   connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
     if (now && widget()->isAncestorOf(now)) ensureWidgetVisible(now, 0, focusMargin);
   });
