@@ -62,7 +62,8 @@ class TextFieldAdapter {
 };
 
 /// Items from the leading to the trailing edge, centred vertically. A row whose identity changes is made
-/// anew with everything in it; the keyboard focus stays with the item of the same place.
+/// anew with everything in it; the keyboard focus stays with the item of the same place. As long as the
+/// identity stays, so do the kinds of the items.
 struct Row {
   using Item = std::variant<Text, Spacer, Button, std::shared_ptr<const TextFieldAdapter>>;
   std::string identity;

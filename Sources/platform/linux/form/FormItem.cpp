@@ -13,18 +13,15 @@ namespace lumiscan::desktop {
 
 namespace {
 
-/// A label that is dimmed with whatever palette is in force.
 class TextLabel : public QLabel {
  public:
-  TextLabel() {
-    setTextFormat(Qt::PlainText);
-    setWordWrap(true);
-  }
+  TextLabel() { setTextFormat(Qt::PlainText); }
   void show(const platform::Text& text) {
     setText(QString::fromStdString(text.text));
     // A wrapping label takes no less than a whole column; a short one in a row shall leave room.
     setWordWrap(text.isCaption);
     setFont(text.isCaption ? captionFont() : QFont());
+    // A role rather than a colour, so that the label follows the palette.
     setForegroundRole(text.isSecondary ? QPalette::PlaceholderText : QPalette::WindowText);
   }
 };

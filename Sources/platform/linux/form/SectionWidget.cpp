@@ -1,6 +1,7 @@
 #include "platform/linux/form/SectionWidget.h"
 
 #include <QPainter>
+#include <utility>
 
 #include "platform/linux/form/FormPalette.h"
 
