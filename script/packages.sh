@@ -14,13 +14,16 @@ build_packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
 )
 
-# To run: recognition data for English, a font for the self-test, a sound server's driver, and a speech server.
-run_packages=(tesseract-ocr-eng fonts-liberation libcanberra-pulse speech-dispatcher speech-dispatcher-espeak-ng)
+# To run: recognition data for English, fonts for the self-test and for the symbols of shortcuts, a sound server's
+# driver, and a speech server.
+run_packages=(
+  tesseract-ocr-eng fonts-liberation fonts-dejavu-core libcanberra-pulse
+  speech-dispatcher speech-dispatcher-espeak-ng
+)
 
 # To test, and for script/run where there is no display.
 test_packages=(
   xvfb openbox picom xdotool xclip dbus xterm x11-utils x11-xserver-utils imagemagick
-  fonts-dejavu-core
   pulseaudio pulseaudio-utils espeak-ng xfce4-clipman trayer
 )
 

@@ -2,6 +2,9 @@
 
 namespace lumiscan {
 
-void AppDelegate::openSettings() {}
+void AppDelegate::openSettings() {
+  if (!settingsWindowController_) settingsWindowController_ = std::make_unique<SettingsWindowController>();
+  settingsWindowController_->show();
+}
 
 }  // namespace lumiscan

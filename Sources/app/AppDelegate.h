@@ -15,6 +15,7 @@
 #include "platform/Menu.h"
 #include "platform/NotificationCenter.h"
 #include "platform/StatusBar.h"
+#include "settings/SettingsWindowController.h"
 
 namespace lumiscan {
 
@@ -48,7 +49,7 @@ class AppDelegate : public platform::ApplicationDelegate,
   void clearHistory();
   void showAbout();
   void quit();
-  /// (AppDelegate+Settings.cpp)
+  /// Shows the settings window, which is kept from then on. (AppDelegate+Settings.cpp)
   void openSettings();
 
   /// What is to be done after each change of a setting: the status menu follows, once the event is over.
@@ -85,6 +86,7 @@ class AppDelegate : public platform::ApplicationDelegate,
   std::unique_ptr<platform::StatusItem> statusItem_;
   std::shared_ptr<ScreenCaptureController> captureController_ = std::make_shared<ScreenCaptureController>();
   std::shared_ptr<ResultHUD> hud_ = std::make_shared<ResultHUD>();
+  std::unique_ptr<SettingsWindowController> settingsWindowController_;
   std::shared_ptr<platform::Menu> historyMenu_ = std::make_shared<platform::Menu>();
   std::unique_ptr<platform::Timer> reregisterTimer_;
   std::vector<std::shared_ptr<platform::NotificationCenter::Observation>> observations_;

@@ -14,6 +14,7 @@
 #include "platform/Event.h"
 #include "platform/HotKeys.h"
 #include "platform/Logger.h"
+#include "platform/LoginItem.h"
 #include "platform/NotificationCenter.h"
 #include "platform/Pasteboard.h"
 #include "platform/Sound.h"
@@ -47,6 +48,7 @@ CursorStack& CursorStack::shared() { return Desktop::current().cursors(); }
 Date Date::now() { return Desktop::current().currentDate(); }
 Displays& Displays::shared() { return Desktop::current().displays(); }
 HotKeys& HotKeys::shared() { return Desktop::current().hotKeys(); }
+LoginItem& LoginItem::mainApp() { return Desktop::current().loginItem(); }
 NotificationCenter& NotificationCenter::defaultCenter() { return Desktop::current().notificationCenter(); }
 NotificationCenter& NotificationCenter::workspaceCenter() {
   return Desktop::current().workspaceNotificationCenter();

@@ -21,6 +21,7 @@ struct Date;
 class Dispatcher;
 class Displays;
 class HotKeys;
+class LoginItem;
 class LogSink;
 class NotificationCenter;
 class Pasteboard;
@@ -74,6 +75,7 @@ class Desktop {
   virtual Sounds& sounds() = 0;
   virtual SpeechSynthesizer& speechSynthesizer() = 0;
   virtual HotKeys& hotKeys() = 0;
+  virtual LoginItem& loginItem() = 0;
   virtual Workspace& workspace() = 0;
   virtual TextRecognizer& textRecognizer() = 0;
   virtual BarcodeDetector& barcodeDetector() = 0;

@@ -17,6 +17,8 @@ inline constexpr ModifierFlags modifierCommand = 1U << 20;
 /// Virtual key codes with a meaning of their own: physical keys in the `kVK_` numbering.
 inline constexpr std::uint16_t keyCodePeriod = 47;
 inline constexpr std::uint16_t keyCodeEscape = 53;
+/// Stands for every key that has no virtual key code.
+inline constexpr std::uint16_t keyCodeNone = 0xFFFF;
 
 /// A press, a move or a release of the primary mouse button.
 struct MouseEvent {
@@ -29,7 +31,7 @@ struct MouseEvent {
 };
 
 struct KeyEvent {
-  /// The physical key, or 0xFFFF for one that has no virtual key code.
+  /// The physical key, or `keyCodeNone`.
   std::uint16_t keyCode = 0;
   ModifierFlags modifierFlags = 0;
   /// Whether this is the repeat of a held key.

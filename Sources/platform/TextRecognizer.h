@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/Image.h"
@@ -44,6 +46,10 @@ class TextRecognizer {
   /// Gets ready for `languages` in the background and returns at once, so that the next `perform` with
   /// them is fast. Never fails.
   virtual void prepare(const std::vector<std::string>& languages) = 0;
+
+  /// The package that brings the data of a language, a BCP 47 tag, which isn't installed; nothing when it
+  /// is, or when no package has it. Looks anew at each call.
+  virtual std::optional<std::string> missingPackage(std::string_view language) const = 0;
 };
 
 }  // namespace lumiscan::platform

@@ -1,7 +1,10 @@
 #include "platform/Window.h"
 
+#include <algorithm>
+
 #include "platform/Desktop.h"
 #include "platform/Dispatch.h"
+#include "platform/Display.h"
 
 namespace lumiscan::platform {
 
@@ -22,6 +25,17 @@ void Window::setContentView(std::unique_ptr<View> view) {
 
 Point Window::convertPointFromScreen(Point point) const {
   return {point.x - frame_.origin.x, point.y - frame_.origin.y};
+}
+
+void Window::center() {
+  const auto screens = Displays::shared().screens();
+  if (screens.empty()) return;
+  const Point mouse = MouseEvent::mouseLocation();
+  const auto withMouse =
+      std::ranges::find_if(screens, [mouse](const Screen& screen) { return contains(screen.frame, mouse); });
+  const Rect& area = (withMouse == screens.end() ? screens.front() : *withMouse).visibleFrame;
+  frame_.origin = {area.midX() - frame_.size.width / 2,
+                   std::min(area.midY() + frame_.size.height / 2, area.maxY()) - frame_.size.height};
 }
 
 void Window::orderFrontRegardless() {

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "platform/Event.h"
 #include "platform/Geometry.h"
@@ -49,10 +50,13 @@ class WindowPeer {
   virtual void invalidate(const Rect& rect) = 0;
 };
 
-/// A window. In points; `frame` is in the global screen space (origin at the bottom left of the primary
-/// screen, y upwards), window coordinates have their origin at the window's bottom left, y upwards. Main
-/// thread only. Windows are shared (`std::make_shared`): whoever hands an event to a window keeps it alive
-/// until the event is handled, so a window may be dropped by its own handlers.
+/// A window. A titled one belongs to the desktop's window management: the user moves, minimises and closes
+/// it, which hides it; its content is a `HostingView`, and its size is fixed, but that the desktop makes it
+/// no higher than the screen. In points; `frame` is in the global screen space (origin at the bottom left of
+/// the primary screen, y upwards), window coordinates have their origin at the window's bottom left, y
+/// upwards. Main thread only. Windows are shared
+/// (`std::make_shared`): whoever hands an event to a window keeps it alive until the event is handled, so a
+/// window may be dropped by its own handlers.
 class Window : public std::enable_shared_from_this<Window> {
  public:
   /// `styleMask` is a set of `WindowStyle`. Nothing shows until the window is ordered front.
@@ -64,6 +68,7 @@ class Window : public std::enable_shared_from_this<Window> {
   /// How the window looks and behaves; what is set after it first showed has no effect before the next
   /// showing.
   struct Attributes {
+    std::string title;  ///< Of a titled window.
     unsigned styleMask = windowStyleBorderless;
     int level = windowLevelNormal;
     bool opaque = true;
@@ -78,7 +83,11 @@ class Window : public std::enable_shared_from_this<Window> {
   Attributes& attributes() { return attributes_; }
   const Attributes& attributes() const { return attributes_; }
 
+  /// Where the content of the window was put; a user may have moved a titled one since.
   const Rect& frame() const { return frame_; }
+  /// Puts the window, before it first shows, into the middle of the free part of the screen with the mouse;
+  /// of one that is too high the top is there.
+  void center();
   void setContentView(std::unique_ptr<View> view);
   /// May be null.
   View* contentView() const { return contentView_.get(); }

@@ -56,6 +56,8 @@ TEST(Appearance, FollowsThePortalAndElseThePalette) {
   const auto becomes = [&scheme](bool dark) {
     return waitUntil([&] { return scheme.isDark() == dark; }, [] { QCoreApplication::processEvents(); });
   };
+  int changes = 0;
+  scheme.changed = [&changes] { ++changes; };
   EXPECT_FALSE(scheme.isDark()) << "not yet answered: the palette's";
   EXPECT_TRUE(becomes(true));
   portal.scheme = 2;
@@ -64,6 +66,7 @@ TEST(Appearance, FollowsThePortalAndElseThePalette) {
   EXPECT_TRUE(becomes(true));
   portal.scheme = 0;
   EXPECT_TRUE(becomes(false)) << "no preference: the palette's";
+  EXPECT_EQ(changes, 4);
 }
 
 }  // namespace

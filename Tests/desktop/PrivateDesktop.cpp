@@ -79,8 +79,22 @@ PrivateDesktop::PrivateDesktop(int width, int height) {
   height_ = screen->height_in_pixels;
 
   windowManager_ = std::make_unique<Process>(std::vector<std::string>{"openbox", "--sm-disable"});
+  waitForWindowManager();
+}
+
+void PrivateDesktop::waitForWindowManager() const {
   const xcb_atom_t check = atom(connection_, "_NET_SUPPORTING_WM_CHECK");
   require(waitUntil([&] { return !stringProperty(connection_, root_, check).empty(); }), "no window manager");
+  // It says that it is there before it is ready, and leaves alone windows that come meanwhile.
+  const xcb_window_t probe = xcb_generate_id(connection_);
+  xcb_create_window(connection_, XCB_COPY_FROM_PARENT, probe, root_, 0, 0, 1, 1, 0,
+                    XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+  require(waitUntil([&] {
+            xcb_map_window(connection_, probe);
+            return isMapped(connection_, probe);
+          }),
+          "a window manager that shows no windows");
+  closeWindow(probe);
 }
 
 void PrivateDesktop::startCompositor() {

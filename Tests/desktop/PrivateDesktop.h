@@ -93,6 +93,7 @@ class PrivateDesktop {
   static std::optional<std::string> clipboard(const std::function<void()>& meanwhile = {});
 
  private:
+  void waitForWindowManager() const;
   void fake(std::uint8_t type, std::uint8_t detail, int x = 0, int y = 0);
   void sync() const;
   std::vector<std::uint32_t> pixels(int x, int y, int width, int height) const;

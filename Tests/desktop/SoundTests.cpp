@@ -70,6 +70,8 @@ TEST_F(SoundTest, PlaysWhereThereIsADeviceAndIsSilentElsewhere) {
     sounds.play(name);
     EXPECT_TRUE(waitForSound()) << name;
   }
+  sounds.beep();
+  EXPECT_TRUE(waitForSound());
   // A server that was started again.
   recorder_ = nullptr;
   server_ = nullptr;

@@ -52,6 +52,9 @@ TEST_F(LanguageDataTest, LanguagesThatAreNotThereAreNamed) {
   EXPECT_THAT(selection.missing, ElementsAre("en-US", "", "../etc", "tlh"));
   EXPECT_TRUE(data.isInstalled("de"));
   EXPECT_FALSE(data.isInstalled("en"));
+  EXPECT_EQ(data.missingPackage("de-DE"), std::nullopt);
+  EXPECT_EQ(data.missingPackage("zh-Hans"), "tesseract-ocr-chi-sim");
+  EXPECT_EQ(data.missingPackage(""), std::nullopt);
   EXPECT_THAT(LanguageData(folder_ / "nowhere").select({"de"}).names, IsEmpty());
 }
 

@@ -7,7 +7,7 @@
 namespace lumiscan::testing {
 
 /// What the program did that the user or the next start of the program can tell, across all parts of the
-/// desktop, in order: "pasteboard TEXT", "store KEY", "play SOUND", "show SYMBOL TITLE / PREVIEW",
+/// desktop, in order: "pasteboard TEXT", "store KEY", "play SOUND", "beep", "show SYMBOL TITLE / PREVIEW",
 /// "speak LANGUAGE TEXT", "stop speaking".
 class Effects {
  public:

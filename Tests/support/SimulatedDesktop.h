@@ -14,6 +14,7 @@
 #include "support/SimulatedDispatcher.h"
 #include "support/SimulatedDisplays.h"
 #include "support/SimulatedHotKeys.h"
+#include "support/SimulatedLoginItem.h"
 #include "support/SimulatedParts.h"
 #include "support/SimulatedPasteboard.h"
 #include "support/SimulatedRecognition.h"
@@ -69,6 +70,7 @@ class SimulatedDesktop : public platform::Desktop {
   SimulatedSounds& sounds() override { return sounds_; }
   SimulatedSpeechSynthesizer& speechSynthesizer() override { return speechSynthesizer_; }
   SimulatedHotKeys& hotKeys() override { return hotKeys_; }
+  SimulatedLoginItem& loginItem() override { return loginItem_; }
   SimulatedWorkspace& workspace() override { return workspace_; }
   SimulatedTextRecognizer& textRecognizer() override { return textRecognizer_; }
   SimulatedBarcodeDetector& barcodeDetector() override { return barcodeDetector_; }
@@ -117,6 +119,7 @@ class SimulatedDesktop : public platform::Desktop {
   SimulatedSpeechSynthesizer speechSynthesizer_{effects_};
   SimulatedTypesetter typesetter_;
   SimulatedHotKeys hotKeys_{dispatcher_};
+  SimulatedLoginItem loginItem_;
   SimulatedWorkspace workspace_;
   SimulatedTextRecognizer textRecognizer_{dispatcher_};
   SimulatedBarcodeDetector barcodeDetector_{dispatcher_};

@@ -83,6 +83,10 @@ class SimulatedSounds : public platform::Sounds {
     platform::MainQueue::assertCurrent();
     effects_.add("play " + std::string(name));
   }
+  void beep() override {
+    platform::MainQueue::assertCurrent();
+    effects_.add("beep");
+  }
 
  private:
   Effects& effects_;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -28,6 +30,11 @@ class SimulatedTextRecognizer : public platform::TextRecognizer {
   }
   void prepare(const std::vector<std::string>& languages) override { prepared.push_back(languages); }
 
+  std::optional<std::string> missingPackage(std::string_view language) const override {
+    const auto missing = missingPackages.find(language);
+    return missing == missingPackages.end() ? std::nullopt : std::optional(missing->second);
+  }
+
   /// Makes the result one line for each text.
   void recognizes(const std::vector<std::string>& lines) {
     std::vector<platform::TextObservation> observations;
@@ -39,6 +46,8 @@ class SimulatedTextRecognizer : public platform::TextRecognizer {
   platform::Result<std::vector<platform::TextObservation>> result{std::vector<platform::TextObservation>{}};
   std::vector<Request> requests;
   std::vector<std::vector<std::string>> prepared;
+  /// By the languages whose data isn't installed.
+  std::map<std::string, std::string, std::less<>> missingPackages;
 
  private:
   const SimulatedDispatcher& dispatcher_;

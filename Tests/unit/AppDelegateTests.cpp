@@ -85,6 +85,15 @@ TEST_F(AppDelegateTest, WithoutAccessTheUserIsLedToTheSettings) {
   EXPECT_EQ(desktop.workspace().opened.size(), 2U);
 }
 
+TEST_F(AppDelegateTest, OpensOneSettingsWindow) {
+  delegate->openSettings();
+  const auto windows = desktop.windows().visible();
+  ASSERT_EQ(windows.size(), 1U);
+  windows[0]->orderOut();
+  delegate->openSettings();
+  EXPECT_EQ(desktop.windows().keyWindow(), windows[0]);
+}
+
 TEST_F(AppDelegateTest, OverlappingCapturesFinishEachWithItsOwnResult) {
   desktop.textRecognizer().recognizes({"text"});
   desktop.barcodeDetector().finds({"payload"});

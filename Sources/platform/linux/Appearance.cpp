@@ -39,8 +39,10 @@ void ColorScheme::askPortal() {
   QObject::connect(answer, &QDBusPendingCallWatcher::finished, &context_, [this, answer] {
     isAsking_ = false;
     const QDBusPendingReply<QDBusVariant> reply = *answer;
-    preferred_ = reply.isError() ? std::nullopt : prefersDark(QVariant::fromValue(reply.value()));
+    const auto before = std::exchange(
+        preferred_, reply.isError() ? std::nullopt : prefersDark(QVariant::fromValue(reply.value())));
     answer->deleteLater();
+    if (preferred_ != before && changed) changed();
   });
 }
 

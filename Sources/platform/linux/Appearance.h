@@ -2,6 +2,7 @@
 
 #include <QDBusConnection>
 #include <QObject>
+#include <functional>
 #include <optional>
 
 namespace lumiscan::desktop {
@@ -13,6 +14,8 @@ class ColorScheme {
  public:
   explicit ColorScheme(QDBusConnection bus = QDBusConnection::sessionBus());
   bool isDark();
+  /// Called when the portal has answered something new.
+  std::function<void()> changed;
 
  private:
   void askPortal();

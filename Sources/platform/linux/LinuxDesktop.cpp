@@ -18,6 +18,8 @@
 #include "platform/linux/Application.h"
 #include "platform/linux/Dispatch.h"
 #include "platform/linux/Logger.h"
+#include "platform/linux/LoginItem.h"
+#include "platform/linux/ManagedWindow.h"
 #include "platform/linux/OverlayPeer.h"
 #include "platform/linux/OverlaySession.h"
 #include "platform/linux/PanelPeer.h"
@@ -31,6 +33,7 @@
 #include "platform/linux/Workspace.h"
 #include "platform/linux/drawing/BitmapContext.h"
 #include "platform/linux/drawing/QRCode.h"
+#include "platform/linux/form/FieldWidget.h"
 #include "platform/linux/recognition/BarcodeDetector.h"
 #include "platform/linux/recognition/TextRecognizer.h"
 #include "platform/linux/x11/Display.h"
@@ -86,7 +89,7 @@ void followToolkitScreens(x11::X11Displays& displays, OverlaySession& overlays, 
 struct Interactive {
   Interactive(int& argc, char** argv, PanelFreeDisplays& allDisplays)
       : application(argc, argv),
-        hotKeys(toolkitConnection()),
+        hotKeys(toolkitConnection(), FieldWidget::windowWithFocus),
         displays(allDisplays),
         panels(toolkitConnection(), displays),
         overlays(toolkitConnection(), displays, panels) {
@@ -125,6 +128,7 @@ struct LinuxDesktop::Parts {
   platform::NotificationCenter notificationCenter;
   platform::NotificationCenter workspaceNotificationCenter;
   PanelFreeDisplays displays;
+  AutostartEntry loginItem = AutostartEntry::ofThisProgram();
   XdgWorkspace workspace;
   TesseractRecognizer textRecognizer{{
       .runInBackground =
@@ -199,6 +203,7 @@ platform::Pasteboard& LinuxDesktop::pasteboard() { return parts_->needInteractiv
 platform::Sounds& LinuxDesktop::sounds() { return parts_->needInteractive().sounds; }
 platform::SpeechSynthesizer& LinuxDesktop::speechSynthesizer() { return parts_->speechSynthesizer; }
 platform::HotKeys& LinuxDesktop::hotKeys() { return parts_->needInteractive().hotKeys; }
+platform::LoginItem& LinuxDesktop::loginItem() { return parts_->loginItem; }
 platform::Workspace& LinuxDesktop::workspace() { return parts_->workspace; }
 platform::TextRecognizer& LinuxDesktop::textRecognizer() {
   parts_->recognizerUsed();
@@ -217,6 +222,8 @@ platform::Typesetter& LinuxDesktop::typesetter() { return parts_->needInteractiv
 std::unique_ptr<platform::WindowPeer> LinuxDesktop::makeWindowPeer(platform::Window& window) {
   if (window.attributes().styleMask & platform::windowStyleNonactivatingPanel)
     return std::make_unique<PanelPeer>(window, parts_->needInteractive().panels);
+  if (window.attributes().styleMask & platform::windowStyleTitled)
+    return std::make_unique<ManagedWindow>(window, parts_->needInteractive().colorScheme);
   return std::make_unique<OverlayPeer>(window, parts_->needInteractive().overlays);
 }
 

@@ -31,6 +31,7 @@ class LinuxDesktop : public platform::Desktop {
   platform::Sounds& sounds() override;
   platform::SpeechSynthesizer& speechSynthesizer() override;
   platform::HotKeys& hotKeys() override;
+  platform::LoginItem& loginItem() override;
   platform::Workspace& workspace() override;
   platform::TextRecognizer& textRecognizer() override;
   platform::BarcodeDetector& barcodeDetector() override;

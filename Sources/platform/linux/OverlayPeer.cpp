@@ -16,7 +16,6 @@ namespace lumiscan::desktop {
 
 namespace {
 
-constexpr std::uint16_t noVirtualKeyCode = 0xFFFF;
 /// Between two paintings: a mouse may move more often than any screen shows something new.
 constexpr std::chrono::milliseconds shortestFrame(7);
 /// How long after an overlay has opened the pixels of the desktop behind it are fetched.
@@ -155,7 +154,7 @@ void OverlayPeer::mouseEvent(platform::Window::MousePhase phase, QPoint root) {
 void OverlayPeer::keyPressed(const xcb_key_press_event_t& event) {
   const auto key = x11::virtualKeyCode(event.detail);
   if (const auto window = window_.weak_from_this().lock())
-    window->sendKeyDown({key.value_or(noVirtualKeyCode), x11::modifierFlags(event.state), false});
+    window->sendKeyDown({key.value_or(platform::keyCodeNone), x11::modifierFlags(event.state), false});
 }
 
 void OverlayPeer::invalidate(const platform::Rect& rect) {

@@ -9,6 +9,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 
 /// Makes the sounds in this library known; the macro must stand outside of namespaces.
 static void useSoundResources() { Q_INIT_RESOURCE(sounds); }
@@ -84,6 +85,14 @@ struct CanberraSounds::Player {
     }
   }
 
+  void beep() {
+    connect();
+    if (!context) return;
+    const int status = ca_context_play(context, 0, CA_PROP_EVENT_ID, "bell-window-system", CA_PROP_MEDIA_ROLE,
+                                       "event", nullptr);
+    if (status != CA_SUCCESS && status != CA_ERROR_DISABLED) play("Basso");
+  }
+
   ca_context* context = nullptr;
   std::map<std::string, std::unique_ptr<SoundFile>> files;
 };
@@ -100,13 +109,21 @@ void CanberraSounds::leavePlayer() {
   worker_->post([player = std::move(player_)]() mutable { player = nullptr; });
 }
 
-void CanberraSounds::play(std::string_view name) {
+void CanberraSounds::use(std::function<void(Player&)> what) {
   if (worker_->hangs(serverPatience)) {
     leavePlayer();
     player_ = std::make_shared<Player>();
     worker_ = std::make_unique<Worker>();
   }
-  worker_->post([player = player_, sound = std::string(name)] { player->play(sound); });
+  worker_->post([player = player_, what = std::move(what)] { what(*player); });
+}
+
+void CanberraSounds::play(std::string_view name) {
+  use([sound = std::string(name)](Player& player) { player.play(sound); });
+}
+
+void CanberraSounds::beep() {
+  use([](Player& player) { player.beep(); });
 }
 
 }  // namespace lumiscan::desktop

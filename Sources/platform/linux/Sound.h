@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include "platform/Sound.h"
@@ -16,10 +17,15 @@ class CanberraSounds : public platform::Sounds {
   ~CanberraSounds() override;
 
   void play(std::string_view name) override;
+  /// The sound theme's bell, if the user hears such sounds at all; where there is no theme, a sound of our
+  /// own.
+  void beep() override;
 
  private:
   struct Player;
 
+  /// Has the worker do something with the player, a new one if the server keeps the old one waiting.
+  void use(std::function<void(Player&)> what);
   void leavePlayer();
 
   std::shared_ptr<Player> player_;

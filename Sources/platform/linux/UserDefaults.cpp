@@ -8,11 +8,11 @@
 #include <QByteArray>
 #include <QFile>
 #include <QSaveFile>
-#include <cstdlib>
 #include <string>
 #include <utility>
 
 #include "platform/Logger.h"
+#include "platform/linux/ConfigFolder.h"
 
 namespace lumiscan::desktop {
 
@@ -101,13 +101,7 @@ void removeUnfinished(const std::filesystem::path& file) {
 }  // namespace
 
 std::filesystem::path FileUserDefaults::defaultFile() {
-  const char* configured = std::getenv("XDG_CONFIG_HOME");
-  std::filesystem::path base = configured ? configured : "";
-  if (!base.is_absolute()) {
-    const char* home = std::getenv("HOME");
-    base = std::filesystem::path(home ? home : "/") / ".config";
-  }
-  return base / "lumiscan" / "preferences.json";
+  return configFolder() / "lumiscan" / "preferences.json";
 }
 
 FileUserDefaults::FileUserDefaults(std::filesystem::path file) : file_(std::move(file)) {}

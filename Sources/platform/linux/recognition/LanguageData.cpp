@@ -89,6 +89,13 @@ bool LanguageData::isInstalled(std::string_view tag) const {
   return name && fs::is_regular_file(file(*name), error);
 }
 
+std::optional<std::string> LanguageData::missingPackage(std::string_view tag) const {
+  auto name = trainedName(tag);
+  if (!name || isInstalled(tag)) return std::nullopt;
+  std::replace(name->begin(), name->end(), '_', '-');
+  return "tesseract-ocr-" + *name;
+}
+
 LanguageData::Selection LanguageData::select(const std::vector<std::string>& tags) const {
   Selection selection;
   if (tags.empty()) {

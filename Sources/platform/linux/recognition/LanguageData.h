@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,6 +17,9 @@ class LanguageData {
 
   const std::filesystem::path& folder() const { return folder_; }
   bool isInstalled(std::string_view tag) const;
+
+  /// The Debian package that brings the data for a tag; nothing when it is installed, or none is known.
+  std::optional<std::string> missingPackage(std::string_view tag) const;
 
   struct Selection {
     std::vector<std::string> names;    ///< Of trained data, each once, in the order of the tags.

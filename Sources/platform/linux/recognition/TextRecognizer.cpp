@@ -108,6 +108,10 @@ Result<std::vector<TextObservation>> TesseractRecognizer::perform(
   }
 }
 
+std::optional<std::string> TesseractRecognizer::missingPackage(std::string_view language) const {
+  return state_->data.missingPackage(language);
+}
+
 void TesseractRecognizer::prepare(const std::vector<std::string>& languages) {
   std::vector<EngineKey> keys;
   for (std::vector<std::string>& names : state_->enginesFor(languages))

@@ -29,6 +29,7 @@ class TesseractRecognizer : public platform::TextRecognizer {
   platform::Result<std::vector<platform::TextObservation>> perform(
       const platform::TextRecognitionRequest& request, const platform::Image& image) override;
   void prepare(const std::vector<std::string>& languages) override;
+  std::optional<std::string> missingPackage(std::string_view language) const override;
 
   /// Frees the engines that nobody has used for so many seconds, and gives the memory back to the system.
   void releaseUnused(double idleSeconds);

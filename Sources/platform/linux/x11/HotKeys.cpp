@@ -24,8 +24,10 @@ std::uint16_t withLocks(std::uint16_t modifiers, std::uint16_t locks) {
 
 }  // namespace
 
-X11HotKeys::X11HotKeys(xcb_connection_t* connection)
-    : connection_(connection), root_(xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root) {
+X11HotKeys::X11HotKeys(xcb_connection_t* connection, std::function<xcb_window_t()> keyTaker)
+    : connection_(connection),
+      root_(xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root),
+      keyTaker_(std::move(keyTaker)) {
   QCoreApplication::instance()->installNativeEventFilter(this);
 }
 
@@ -90,16 +92,22 @@ void X11HotKeys::ungrab(Combination combination) {
 
 bool X11HotKeys::nativeEventFilter(const QByteArray& eventType, void* message, qintptr*) {
   if (eventType != "xcb_generic_event_t") return false;
-  const auto* event = static_cast<const xcb_generic_event_t*>(message);
+  auto* event = static_cast<xcb_generic_event_t*>(message);
   switch (event->response_type & 0x7F) {
     case XCB_KEY_PRESS:
-      keyPressed(*reinterpret_cast<const xcb_key_press_event_t*>(event));
+      keyPressed(*reinterpret_cast<xcb_key_press_event_t*>(event));
       break;
     case XCB_KEY_RELEASE: {
       const auto& release = *reinterpret_cast<const xcb_key_release_event_t*>(event);
       if (heldKey_ == release.detail) heldKey_.reset();
       lastRelease_ = {release.detail, release.time};
       break;
+    }
+    case XCB_FOCUS_OUT: {
+      // While a hotkey is held, its grab has the keyboard. The toolkit would take the focus away meanwhile
+      // from the window that is about to get the key.
+      const auto& focusOut = *reinterpret_cast<const xcb_focus_out_event_t*>(event);
+      return focusOut.mode == XCB_NOTIFY_MODE_GRAB && focusOut.event == keyTaker_();
     }
     default:
       break;
@@ -115,8 +123,16 @@ bool X11HotKeys::isRepeat(const xcb_key_press_event_t& event) {
   return repeat;
 }
 
-void X11HotKeys::keyPressed(const xcb_key_press_event_t& event) {
-  if (isRepeat(event)) return;
+void X11HotKeys::keyPressed(xcb_key_press_event_t& event) {
+  const bool repeat = isRepeat(event);
+  // A press that begins a grab comes to the window of the grab, the root, where the toolkit would leave it;
+  // what follows comes to the window with the focus.
+  const xcb_window_t taker = keyTaker_();
+  if (taker != XCB_WINDOW_NONE && (event.event == root_ || event.event == taker)) {
+    event.event = taker;
+    return;
+  }
+  if (repeat) return;
   const auto grab = grabs_.find({event.detail, static_cast<std::uint16_t>(event.state & ourModifiers)});
   if (grab == grabs_.end() || grab->second.ref == 0 || !handler_) return;
   const platform::HotKeyEvent pressed{grab->second.id};

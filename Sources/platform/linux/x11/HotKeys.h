@@ -4,6 +4,7 @@
 
 #include <QAbstractNativeEventFilter>
 #include <QObject>
+#include <functional>
 #include <map>
 #include <optional>
 #include <utility>
@@ -16,7 +17,8 @@ namespace lumiscan::desktop::x11 {
 /// brings their events. Made after the application object.
 class X11HotKeys : public platform::HotKeys, private QAbstractNativeEventFilter {
  public:
-  explicit X11HotKeys(xcb_connection_t* connection);
+  /// `keyTaker` tells which window of ours takes every key now, our hotkeys included, if one does.
+  X11HotKeys(xcb_connection_t* connection, std::function<xcb_window_t()> keyTaker);
   ~X11HotKeys() override;
 
   void installEventHandler(Handler handler) override { handler_ = std::move(handler); }
@@ -35,7 +37,7 @@ class X11HotKeys : public platform::HotKeys, private QAbstractNativeEventFilter 
   };
 
   bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
-  void keyPressed(const xcb_key_press_event_t& event);
+  void keyPressed(xcb_key_press_event_t& event);
   bool isRepeat(const xcb_key_press_event_t& event);
   bool grab(Combination combination);
   void ungrab(Combination combination);
@@ -43,6 +45,7 @@ class X11HotKeys : public platform::HotKeys, private QAbstractNativeEventFilter 
 
   xcb_connection_t* connection_;
   xcb_window_t root_;
+  std::function<xcb_window_t()> keyTaker_;
   Handler handler_;
   std::map<Combination, Grab> grabs_;
   platform::HotKeyRef lastRef_ = 0;

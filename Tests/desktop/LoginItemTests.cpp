@@ -1,0 +1,87 @@
+// The entry in the autostart folder, as the desktop and the user find it.
+
+#include "platform/linux/LoginItem.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <sstream>
+
+namespace lumiscan::desktop {
+namespace {
+
+namespace fs = std::filesystem;
+using platform::LoginItemStatus;
+
+class LoginItemTest : public testing::Test {
+ public:
+  LoginItemTest() {
+    std::string pattern = (fs::temp_directory_path() / "lumiscan-test-XXXXXX").string();
+    folder_ = mkdtemp(pattern.data());
+  }
+  ~LoginItemTest() override { fs::remove_all(folder_); }
+
+ protected:
+  AutostartEntry entryFor(const fs::path& program) const { return {file(), program}; }
+  fs::path file() const { return folder_ / "autostart" / "ours.desktop"; }
+  std::string content() const {
+    std::ostringstream text;
+    text << std::ifstream(file()).rdbuf();
+    return text.str();
+  }
+  LoginItemStatus statusOf(const std::string& entry) const {
+    std::ofstream(file()) << entry;
+    return entryFor("/usr/bin/lumiscan").status();
+  }
+
+  fs::path folder_;
+};
+
+TEST_F(LoginItemTest, StartsTheProgramWhateverItsPath) {
+  struct Case {
+    const char* path;
+    const char* command;  ///< As the entry has it.
+  };
+  for (const Case& each :
+       {Case{"/usr/bin/lumiscan", R"(Exec="/usr/bin/lumiscan")"},
+        Case{"/a b/100%/lumiscan", R"(Exec="/a b/100%%/lumiscan")"},
+        Case{"/\"$x`\\y", R"(Exec="/\\"\\$x\\`\\\\y")"}, Case{"/größer;=#[/x", R"(Exec="/größer;=#[/x")"},
+        Case{"/line\nfeed", R"(Exec="/line\nfeed")"}}) {
+    SCOPED_TRACE(each.path);
+    AutostartEntry entry = entryFor(each.path);
+    EXPECT_EQ(entry.status(), LoginItemStatus::notRegistered);
+    EXPECT_TRUE(entry.registerItem());
+    EXPECT_EQ(entry.status(), LoginItemStatus::enabled);
+    EXPECT_NE(content().find(std::string(each.command) + "\n"), std::string::npos) << content();
+    EXPECT_TRUE(entry.unregisterItem());
+    EXPECT_TRUE(fs::is_empty(file().parent_path()));
+  }
+}
+
+TEST_F(LoginItemTest, TheStatusIsWhatTheEntrySays) {
+  fs::create_directories(file().parent_path());
+  const std::string entry = "[Desktop Entry]\nType=Application\nExec=";
+  EXPECT_EQ(statusOf(entry + "/usr/bin/lumiscan\n"), LoginItemStatus::enabled);
+  EXPECT_EQ(statusOf("# Exec=\n[Desktop Entry]\nExec = \"/usr/bin/lumiscan\" --quiet\r\nHidden=false\n"),
+            LoginItemStatus::enabled);
+  for (const std::string& other :
+       {std::string(), entry, entry + "/usr/bin/lumiscan2", entry + "/opt/lumiscan/lumiscan",
+        entry + "/usr/bin/lumiscan\nHidden=true\n",
+        entry + "/usr/bin/lumiscan\nX-GNOME-Autostart-enabled=false",
+        std::string("[Desktop Action x]\nExec=/usr/bin/lumiscan\n")})
+    EXPECT_EQ(statusOf(other), LoginItemStatus::notRegistered) << other;
+}
+
+TEST_F(LoginItemTest, WhatStartsAnotherProgramIsReplacedButNotRemoved) {
+  AutostartEntry other = entryFor("/opt/lumiscan");
+  AutostartEntry ours = entryFor("/usr/bin/lumiscan");
+  EXPECT_TRUE(other.registerItem());
+  EXPECT_TRUE(ours.unregisterItem());
+  EXPECT_EQ(other.status(), LoginItemStatus::enabled);
+  EXPECT_TRUE(ours.registerItem());
+  EXPECT_EQ(ours.status(), LoginItemStatus::enabled);
+}
+
+}  // namespace
+}  // namespace lumiscan::desktop
