@@ -6,7 +6,8 @@ build_packages=(
   qt6-base-dev qt6-svg-dev
   libtesseract-dev libleptonica-dev
   libzxing-dev
-  libxcb1-dev libxcb-cursor-dev libxcb-shm0-dev libxcb-randr0-dev libxcb-xfixes0-dev libxcb-xtest0-dev
+  libxcb1-dev libxcb-cursor-dev libxcb-shm0-dev libxcb-randr0-dev libxcb-xfixes0-dev
+  libxcb-xinput-dev libxcb-xtest0-dev
   libicu-dev nlohmann-json3-dev
   libcairo2-dev libfontconfig-dev
   libsystemd-dev
