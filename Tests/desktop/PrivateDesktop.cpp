@@ -56,6 +56,7 @@ PrivateDesktop::PrivateDesktop(int width, int height) {
   home_ = folder;
   unsetenv("WAYLAND_DISPLAY");
   setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
+  setenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + folder + "/no-bus").c_str(), 1);
   for (const char* variable : {"HOME", "XDG_RUNTIME_DIR"}) setenv(variable, folder.c_str(), 1);
   setenv("XDG_CONFIG_HOME", (home_ / "config").c_str(), 1);
 

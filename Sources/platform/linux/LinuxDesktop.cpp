@@ -16,6 +16,7 @@
 #include "platform/linux/Application.h"
 #include "platform/linux/Dispatch.h"
 #include "platform/linux/Logger.h"
+#include "platform/linux/LoginSession.h"
 #include "platform/linux/OverlaySession.h"
 #include "platform/linux/PanelPeer.h"
 #include "platform/linux/PanelStage.h"
@@ -81,8 +82,9 @@ void followToolkitScreens(x11::X11Displays& displays, OverlaySession& overlays, 
 
 /// What needs the application object, made with it.
 struct Interactive {
-  Interactive(int& argc, char** argv, PanelFreeDisplays& allDisplays)
+  Interactive(int& argc, char** argv, PanelFreeDisplays& allDisplays, platform::NotificationCenter& workspace)
       : application(argc, argv),
+        loginSession(workspace),
         hotKeys(toolkitConnection()),
         displays(allDisplays),
         panels(toolkitConnection(), displays),
@@ -96,6 +98,7 @@ struct Interactive {
   Interactive& operator=(const Interactive&) = delete;
 
   QtApplication application;
+  LoginSession loginSession;
   QtCursorStack cursors;
   X11Pasteboard pasteboard;
   x11::X11HotKeys hotKeys;
@@ -146,7 +149,8 @@ struct LinuxDesktop::Parts {
 
   Interactive& needInteractive() {
     assert(dispatcher.isMainThread());
-    if (!interactive) interactive = std::make_unique<Interactive>(argc, argv, displays);
+    if (!interactive)
+      interactive = std::make_unique<Interactive>(argc, argv, displays, workspaceNotificationCenter);
     return *interactive;
   }
 };
