@@ -190,13 +190,50 @@ TEST_F(CaptureTest, PressingTheShortcutAgainStartsAfresh) {
 }
 
 TEST_F(CaptureTest, ASignalEndsTheProgramInGoodOrder) {
-  for (const int number : {SIGTERM, SIGINT}) {
+  for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
     program_->signal(number);
     EXPECT_EQ(program_->waitForEnd(), 0);
     EXPECT_FALSE(shortcutIsTaken());
     startProgram();
   }
 }
+
+TEST_F(CaptureTest, ASecondStartEndsAtOnceAndLeavesTheFirstAlone) {
+  Process second({LUMISCAN_PROGRAM});
+  EXPECT_EQ(second.waitForEnd(), 0);
+  EXPECT_EQ(second.standardError(), "");
+  EXPECT_EQ(second.standardOutput(), "");
+  captureThePage();
+  EXPECT_TRUE(waitForClipboard(joined(pageLines, "\n")));
+  EXPECT_EQ(program_->exitStatus(), std::nullopt);
+  // One that was killed is in nobody's way.
+  program_->signal(SIGKILL);
+  EXPECT_EQ(program_->waitForEnd(), 128 + SIGKILL);
+  startProgram();
+}
+
+class DisplayLossTest : public CaptureTest, public ::testing::WithParamInterface<const char*> {};
+
+TEST_P(DisplayLossTest, EndsTheProgramAtOnce) {
+  const std::string moment = GetParam();
+  if (moment == "Dragging") {
+    pressShortcut();
+    ASSERT_TRUE(waitForOverlays(1));
+    desktop_.moveMouse(left, top);
+    desktop_.buttonDown();
+    desktop_.moveMouse(right, bottom);
+  } else if (moment == "Recognizing") {
+    captureThePage();
+  }
+  const auto start = std::chrono::steady_clock::now();
+  desktop_.server().signal(SIGKILL);
+  EXPECT_EQ(program_->waitForEnd(), 1);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+  EXPECT_NE(program_->standardError().find("the connection to the X display is lost"), std::string::npos);
+}
+
+INSTANTIATE_TEST_SUITE_P(, DisplayLossTest, ::testing::Values("Idle", "Dragging", "Recognizing"),
+                         [](const auto& moment) { return std::string(moment.param); });
 
 }  // namespace
 }  // namespace lumiscan::testing

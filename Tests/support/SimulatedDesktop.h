@@ -53,6 +53,7 @@ class SimulatedDesktop : public platform::Desktop {
   ~SimulatedDesktop() override;
 
   std::optional<std::string> interactiveModeProblem() override { return problem; }
+  bool claimInstance() override { return !otherInstanceRuns; }
   SimulatedApplication& application() override;
   SimulatedDispatcher& dispatcher() override { return dispatcher_; }
   /// A day and the virtual clock's seconds after the reference date.
@@ -95,6 +96,7 @@ class SimulatedDesktop : public platform::Desktop {
   void settle() { dispatcher_.settle(); }
 
   std::optional<std::string> problem;
+  bool otherInstanceRuns = false;
   platform::Appearance look;
   /// Whether the application object was ever asked for.
   bool applicationMade() const { return application_ != nullptr; }

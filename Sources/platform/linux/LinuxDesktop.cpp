@@ -33,6 +33,7 @@
 #include "platform/linux/recognition/TextRecognizer.h"
 #include "platform/linux/x11/Display.h"
 #include "platform/linux/x11/HotKeys.h"
+#include "platform/linux/x11/InstanceClaim.h"
 
 namespace lumiscan::desktop {
 
@@ -136,6 +137,7 @@ struct LinuxDesktop::Parts {
   std::atomic<unsigned> recognizerUses = 0;
   ZXingDetector barcodeDetector;
   SpeechDispatcherSynthesizer speechSynthesizer;
+  std::unique_ptr<x11::InstanceClaim> instanceClaim;
   std::unique_ptr<Interactive> interactive;
 
   /// Gives the recogniser's memory back once nobody has used it for long. Any thread. A command-line mode,
@@ -161,7 +163,12 @@ LinuxDesktop::LinuxDesktop(int& argc, char** argv) : parts_(std::make_unique<Par
 
 LinuxDesktop::~LinuxDesktop() {
   dropSingletons();
-  if (parts_->interactive) parts_->interactive->pasteboard.leave();
+  if (parts_->interactive) {
+    // A new instance may start while this one hands its clipboard over.
+    parts_->interactive->hotKeys.leave();
+    parts_->instanceClaim = nullptr;
+    parts_->interactive->pasteboard.leave();
+  }
   // A recognition can't be broken off. Nothing waits for its result any more and everything is saved, so
   // the process ends around it.
   parts_->dispatcher.dropWaitingTasks();
@@ -175,6 +182,11 @@ std::optional<std::string> LinuxDesktop::interactiveModeProblem() {
   const char* name = std::getenv("DISPLAY");
   if (!name || !*name) return "no X display: DISPLAY is not set";
   return std::string("no X display answers at DISPLAY=") + name;
+}
+
+bool LinuxDesktop::claimInstance() {
+  parts_->instanceClaim = x11::InstanceClaim::make();
+  return parts_->instanceClaim != nullptr;
 }
 
 platform::Application& LinuxDesktop::application() { return parts_->needInteractive().application; }
