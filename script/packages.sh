@@ -23,7 +23,11 @@ test_packages=(
   xvfb openbox picom xdotool xclip dbus xterm x11-utils x11-xserver-utils imagemagick
   fonts-dejavu-core
   pulseaudio pulseaudio-utils espeak-ng xfce4-clipman
+  desktop-file-utils appstream man-db
 )
+
+# To make and try the Debian package: script/package.
+packaging_packages=(dpkg-dev file debootstrap)
 
 # To keep the house style: script/format and script/tidy.
 style_packages=(clang-format clang-tidy)

@@ -43,7 +43,7 @@ class CaptureTest : public ::testing::Test {
 
   void startProgram() {
     program_ = std::make_unique<Process>(std::vector<std::string>{LUMISCAN_PROGRAM});
-    ASSERT_TRUE(waitUntil([this] { return shortcutIsTaken(); }));
+    ASSERT_TRUE(waitUntil([this] { return desktop_.shortcutIsTaken(); }));
   }
 
   /// Whether the last line of the page shows.
@@ -56,23 +56,6 @@ class CaptureTest : public ::testing::Test {
       for (int x = left; x < right; ++x)
         if ((pixels[desktop_.indexOf(x, y)] & 0xFF) < 0x40) ++dark;
     return dark > 200;
-  }
-
-  /// Whether some program holds the default shortcut: taking it is refused then. The server serves nobody
-  /// else meanwhile, so that this try gets in no program's way.
-  bool shortcutIsTaken() const {
-    xcb_connection_t* x = desktop_.x();
-    constexpr std::uint16_t modifiers = XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_4;
-    constexpr xcb_keycode_t key = KEY_2 + 8;
-    xcb_grab_server(x);
-    const auto request =
-        xcb_grab_key_checked(x, 1, desktop_.root(), modifiers, key, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
-    const std::unique_ptr<xcb_generic_error_t, decltype(&std::free)> refusal(xcb_request_check(x, request),
-                                                                             &std::free);
-    if (!refusal) xcb_ungrab_key(x, key, desktop_.root(), modifiers);
-    xcb_ungrab_server(x);
-    xcb_flush(x);
-    return refusal != nullptr;
   }
 
   void pressShortcut() { desktop_.pressKeys({KEY_LEFTMETA, KEY_LEFTSHIFT, KEY_2}); }
@@ -193,7 +176,7 @@ TEST_F(CaptureTest, ASignalEndsTheProgramInGoodOrder) {
   for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
     program_->signal(number);
     EXPECT_EQ(program_->waitForEnd(), 0);
-    EXPECT_FALSE(shortcutIsTaken());
+    EXPECT_FALSE(desktop_.shortcutIsTaken());
     startProgram();
   }
 }

@@ -1,5 +1,6 @@
 #include "desktop/PrivateDesktop.h"
 
+#include <linux/input-event-codes.h>
 #include <xcb/xfixes.h>
 #include <xcb/xtest.h>
 
@@ -271,6 +272,19 @@ void PrivateDesktop::ungrab() const {
   xcb_ungrab_pointer(connection_, XCB_TIME_CURRENT_TIME);
   xcb_ungrab_keyboard(connection_, XCB_TIME_CURRENT_TIME);
   sync();
+}
+
+bool PrivateDesktop::shortcutIsTaken() const {
+  constexpr std::uint16_t modifiers = XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_4;
+  constexpr xcb_keycode_t key = KEY_2 + 8;
+  xcb_grab_server(connection_);
+  const auto request =
+      xcb_grab_key_checked(connection_, 1, root_, modifiers, key, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+  const auto refusal = owned(xcb_request_check(connection_, request));
+  if (!refusal) xcb_ungrab_key(connection_, key, root_, modifiers);
+  xcb_ungrab_server(connection_);
+  xcb_flush(connection_);
+  return refusal != nullptr;
 }
 
 std::uint32_t PrivateDesktop::pixelAt(int x, int y) const { return pixels(x, y, 1, 1).front(); }
