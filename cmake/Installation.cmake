@@ -25,7 +25,7 @@ set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 # The libraries, which bring what they load themselves, such as the toolkit's platform for X11, and then what the
 # program opens at run time.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "tesseract-ocr-eng")
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libtesseract5, tesseract-ocr-eng")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "libcanberra-pulse, speech-dispatcher, xdg-utils")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS
   "tesseract-ocr-chi-sim, tesseract-ocr-chi-tra, tesseract-ocr-deu, tesseract-ocr-fra, tesseract-ocr-ita, \
