@@ -41,6 +41,7 @@ int& prepared(int& argc) {
 
 QtApplication::QtApplication(int& argc, char** argv) : application_(prepared(argc), argv) {
   QApplication::setApplicationName("Lumiscan");
+  QGuiApplication::setDesktopFileName("com.varnholt.Lumiscan");
   QApplication::setQuitOnLastWindowClosed(false);
   catchSignals();
   // After the toolkit's own, so that it runs before them; once a process.

@@ -41,6 +41,9 @@ namespace {
 
 /// How long the end of the program waits for tasks that still run.
 constexpr std::chrono::milliseconds tasksPatience(500);
+/// After the last use. The next picture is read as fast with one engine at the start; another one is there by
+/// the time it is needed.
+constexpr double spareEnginesKeptSeconds = 20;
 constexpr double recognizerKeptSeconds = 600;
 
 xcb_connection_t* toolkitConnection() {
@@ -144,9 +147,13 @@ struct LinuxDesktop::Parts {
   /// which has no event loop, ends before that.
   void recognizerUsed() {
     if (!interactive) return;
-    dispatcher.asyncAfter(recognizerKeptSeconds, [this, use = ++recognizerUses] {
-      if (use == recognizerUses) textRecognizer.releaseUnused(recognizerKeptSeconds / 2);
-    });
+    const auto onceIdleFor = [this, use = ++recognizerUses](double seconds, std::function<void()> work) {
+      dispatcher.asyncAfter(seconds, [this, use, work = std::move(work)] {
+        if (use == recognizerUses) dispatcher.detach(platform::TaskPriority::utility, work);
+      });
+    };
+    onceIdleFor(spareEnginesKeptSeconds, [this] { textRecognizer.releaseSpare(); });
+    onceIdleFor(recognizerKeptSeconds, [this] { textRecognizer.releaseUnused(recognizerKeptSeconds / 2); });
   }
 
   Interactive& needInteractive() {

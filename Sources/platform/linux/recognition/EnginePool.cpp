@@ -100,6 +100,16 @@ std::size_t EnginePool::releaseUnused(Clock::duration age) {
   return freed.size();
 }
 
+void EnginePool::releaseSpare() {
+  std::vector<Idle> freed;
+  const std::lock_guard lock(mutex_);
+  for (auto& [key, shelf] : shelves_) {
+    if (shelf.idle.size() < 2) continue;
+    std::move(shelf.idle.begin(), shelf.idle.end() - 1, std::back_inserter(freed));
+    shelf.idle.erase(shelf.idle.begin(), shelf.idle.end() - 1);
+  }
+}
+
 std::size_t EnginePool::idleCount() const {
   const std::lock_guard lock(mutex_);
   std::size_t count = 0;

@@ -36,6 +36,9 @@ class EnginePool {
   /// Frees the engines that nobody has used for `age` and returns how many there were.
   std::size_t releaseUnused(Clock::duration age);
 
+  /// Frees the engines that wait beside another one of their key.
+  void releaseSpare();
+
   std::size_t idleCount() const;
 
  private:

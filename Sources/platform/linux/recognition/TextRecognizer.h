@@ -30,6 +30,9 @@ class TesseractRecognizer : public platform::TextRecognizer {
       const platform::TextRecognitionRequest& request, const platform::Image& image) override;
   void prepare(const std::vector<std::string>& languages) override;
 
+  /// Keeps one engine for each list of languages, for the next picture, and gives the memory back to the
+  /// system that the last ones took.
+  void releaseSpare();
   /// Frees the engines that nobody has used for so many seconds, and gives the memory back to the system.
   void releaseUnused(double idleSeconds);
 
