@@ -41,9 +41,8 @@ namespace {
 
 /// How long the end of the program waits for tasks that still run.
 constexpr std::chrono::milliseconds tasksPatience(500);
-/// After the last use. The next picture is read as fast with one engine at the start; another one is there by
-/// the time it is needed.
-constexpr double spareEnginesKeptSeconds = 20;
+// After the recogniser's last use.
+constexpr double recognizerSettlesSeconds = 20;
 constexpr double recognizerKeptSeconds = 600;
 
 xcb_connection_t* toolkitConnection() {
@@ -152,7 +151,7 @@ struct LinuxDesktop::Parts {
         if (use == recognizerUses) dispatcher.detach(platform::TaskPriority::utility, work);
       });
     };
-    onceIdleFor(spareEnginesKeptSeconds, [this] { textRecognizer.releaseSpare(); });
+    onceIdleFor(recognizerSettlesSeconds, [this] { textRecognizer.settle(); });
     onceIdleFor(recognizerKeptSeconds, [this] { textRecognizer.releaseUnused(recognizerKeptSeconds / 2); });
   }
 

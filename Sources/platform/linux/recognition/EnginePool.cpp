@@ -1,6 +1,7 @@
 #include "platform/linux/recognition/EnginePool.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace lumiscan::desktop {
@@ -100,14 +101,21 @@ std::size_t EnginePool::releaseUnused(Clock::duration age) {
   return freed.size();
 }
 
-void EnginePool::releaseSpare() {
+void EnginePool::renew() {
   std::vector<Idle> freed;
-  const std::lock_guard lock(mutex_);
-  for (auto& [key, shelf] : shelves_) {
-    if (shelf.idle.size() < 2) continue;
-    std::move(shelf.idle.begin(), shelf.idle.end() - 1, std::back_inserter(freed));
-    shelf.idle.erase(shelf.idle.begin(), shelf.idle.end() - 1);
+  std::vector<EngineKey> keys;
+  {
+    const std::lock_guard lock(mutex_);
+    for (auto& [key, shelf] : shelves_) {
+      if (shelf.idle.empty()) continue;
+      std::ranges::move(shelf.idle, std::back_inserter(freed));
+      shelf.idle.clear();
+      ++shelf.coming;
+      keys.push_back(key);
+    }
   }
+  freed.clear();
+  for (const EngineKey& key : keys) loadAhead(key);
 }
 
 std::size_t EnginePool::idleCount() const {

@@ -122,8 +122,8 @@ void TesseractRecognizer::prepare(const std::vector<std::string>& languages) {
   state_->threads.emplace_back(std::move(task));
 }
 
-void TesseractRecognizer::releaseSpare() {
-  state_->pool.releaseSpare();
+void TesseractRecognizer::settle() {
+  state_->pool.renew();
   malloc_trim(0);
 }
 

@@ -30,9 +30,9 @@ class TesseractRecognizer : public platform::TextRecognizer {
       const platform::TextRecognitionRequest& request, const platform::Image& image) override;
   void prepare(const std::vector<std::string>& languages) override;
 
-  /// Keeps one engine for each list of languages, for the next picture, and gives the memory back to the
-  /// system that the last ones took.
-  void releaseSpare();
+  /// Gives the memory that the last pictures took back to the system. One engine for each list of languages
+  /// is kept, or rather loaded anew, for the next picture: takes as long as that. Any thread.
+  void settle();
   /// Frees the engines that nobody has used for so many seconds, and gives the memory back to the system.
   void releaseUnused(double idleSeconds);
 
