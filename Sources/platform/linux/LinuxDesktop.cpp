@@ -1,5 +1,7 @@
 #include "platform/linux/LinuxDesktop.h"
 
+#include <malloc.h>
+
 #include <QGuiApplication>
 #include <QScreen>
 #include <atomic>
@@ -44,6 +46,14 @@ constexpr std::chrono::milliseconds tasksPatience(500);
 // After the recogniser's last use.
 constexpr double recognizerSettlesSeconds = 20;
 constexpr double recognizerKeptSeconds = 600;
+
+/// Lets memory that is freed be given back: pictures have pages of their own, and threads that come and go
+/// share what the others have left.
+void keepFreeMemoryTogether() {
+  constexpr int pictureBytes = 1 << 20;
+  mallopt(M_MMAP_THRESHOLD, pictureBytes);
+  mallopt(M_ARENA_MAX, 2);
+}
 
 xcb_connection_t* toolkitConnection() {
   return qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
@@ -164,6 +174,7 @@ struct LinuxDesktop::Parts {
 };
 
 LinuxDesktop::LinuxDesktop(int& argc, char** argv) : parts_(std::make_unique<Parts>(argc, argv)) {
+  keepFreeMemoryTogether();
   Desktop::install(this);
 }
 
