@@ -53,7 +53,7 @@ class SimulatedDesktop : public platform::Desktop {
   ~SimulatedDesktop() override;
 
   std::optional<std::string> interactiveModeProblem() override { return problem; }
-  bool claimInstance() override { return !otherInstanceRuns; }
+  bool claimInstance() override { return true; }
   SimulatedApplication& application() override;
   SimulatedDispatcher& dispatcher() override { return dispatcher_; }
   /// A day and the virtual clock's seconds after the reference date.
@@ -96,7 +96,6 @@ class SimulatedDesktop : public platform::Desktop {
   void settle() { dispatcher_.settle(); }
 
   std::optional<std::string> problem;
-  bool otherInstanceRuns = false;
   platform::Appearance look;
   /// Whether the application object was ever asked for.
   bool applicationMade() const { return application_ != nullptr; }
