@@ -21,15 +21,20 @@ HeldKey::HeldKey(xcb_connection_t* connection, xcb_window_t root) : connection_(
 
 bool HeldKey::repeats(const xcb_key_press_event_t& press) {
   // A held key comes as presses alone, or as pairs of a release and a press at the same moment.
-  const bool repetition =
-      held_ == press.detail || (lastRelease_.detail == press.detail && lastRelease_.time == press.time);
+  const bool repetition = held_ == press.detail || lastRelease_ == Release{press.detail, press.time};
   held_ = press.detail;
   return repetition;
 }
 
 void HeldKey::released(const xcb_key_release_event_t& release) {
   if (held_ == release.detail) held_.reset();
-  lastRelease_ = release;
+  lastRelease_ = {release.detail, release.time};
+  forgetRealRelease();
+}
+
+void HeldKey::forgetRealRelease() {
+  // The server tells of it twice, in either order.
+  if (lastRelease_ == lastRealRelease_) lastRelease_ = {};
 }
 
 void HeldKey::watchRelease() {
@@ -41,6 +46,8 @@ bool HeldKey::handleWatched(const xcb_generic_event_t& event) {
   const auto& release = reinterpret_cast<const xcb_input_raw_key_release_event_t&>(event);
   if (release.extension != inputExtension(connection_) || release.event_type != XCB_INPUT_RAW_KEY_RELEASE)
     return false;
+  lastRealRelease_ = {static_cast<xcb_keycode_t>(release.detail), release.time};
+  forgetRealRelease();
   if (held_ == release.detail) held_.reset();
   if (!held_) selectRawReleases(false);
   return true;

@@ -25,12 +25,20 @@ class HeldKey {
   bool handleWatched(const xcb_generic_event_t& event);
 
  private:
+  /// One that is known to be real is no half of a repetition.
+  void forgetRealRelease();
   void selectRawReleases(bool wanted);
 
   xcb_connection_t* connection_;
   xcb_window_t root_;
+  struct Release {
+    xcb_keycode_t key = 0;
+    xcb_timestamp_t time = 0;
+    friend bool operator==(const Release&, const Release&) = default;
+  };
   std::optional<xcb_keycode_t> held_;
-  xcb_key_release_event_t lastRelease_{};
+  Release lastRelease_;  ///< That may be half of a repetition.
+  Release lastRealRelease_;
   bool watches_ = false;
 };
 
