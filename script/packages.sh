@@ -6,7 +6,8 @@ build_packages=(
   qt6-base-dev qt6-svg-dev
   libtesseract-dev libleptonica-dev
   libzxing-dev
-  libxcb1-dev libxcb-cursor-dev libxcb-shm0-dev libxcb-randr0-dev libxcb-xfixes0-dev libxcb-xtest0-dev
+  libxcb1-dev libxcb-cursor-dev libxcb-shm0-dev libxcb-randr0-dev libxcb-xfixes0-dev
+  libxcb-xinput-dev libxcb-xtest0-dev
   libicu-dev nlohmann-json3-dev
   libcairo2-dev libfontconfig-dev
   libsystemd-dev
@@ -25,7 +26,11 @@ run_packages=(
 test_packages=(
   xvfb openbox picom xdotool xclip dbus xterm x11-utils x11-xserver-utils imagemagick
   pulseaudio pulseaudio-utils espeak-ng xfce4-clipman trayer
+  desktop-file-utils appstream man-db
 )
+
+# To make and try the Debian package: script/package.
+packaging_packages=(dpkg-dev file debootstrap)
 
 # To keep the house style: script/format and script/tidy.
 style_packages=(clang-format clang-tidy)

@@ -15,6 +15,7 @@ int runInteractive(lumiscan::platform::Desktop& desktop) {
     std::cerr << "lumiscan: " << *problem << std::endl;
     return EXIT_FAILURE;
   }
+  if (!desktop.claimInstance()) return EXIT_SUCCESS;
   auto& application = lumiscan::platform::Application::shared();
   const auto delegate = std::make_shared<lumiscan::AppDelegate>();
   application.setDelegate(delegate.get());

@@ -60,6 +60,9 @@ class Desktop {
 
   /// Why the interactive mode can't run here, as one line for the user; nothing when it can.
   virtual std::optional<std::string> interactiveModeProblem() = 0;
+  /// Makes this process the user's one instance on this desktop, for as long as it runs; false when another
+  /// one is it. Asked once, before the application object is made.
+  virtual bool claimInstance() = 0;
 
   virtual Application& application() = 0;
   virtual Dispatcher& dispatcher() = 0;

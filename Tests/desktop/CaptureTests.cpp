@@ -49,7 +49,7 @@ class CaptureTest : public ::testing::Test {
     std::vector<std::string> command = prefix;
     command.push_back(LUMISCAN_PROGRAM);
     program_ = std::make_unique<Process>(command);
-    ASSERT_TRUE(waitUntil([this] { return shortcutIsTaken(); }));
+    ASSERT_TRUE(waitUntil([this] { return desktop_.shortcutIsTaken(); }));
   }
 
   /// Whether the last line of the page shows.
@@ -62,23 +62,6 @@ class CaptureTest : public ::testing::Test {
       for (int x = left; x < right; ++x)
         if ((pixels[desktop_.indexOf(x, y)] & 0xFF) < 0x40) ++dark;
     return dark > 200;
-  }
-
-  /// Whether some program holds the default shortcut: taking it is refused then. The server serves nobody
-  /// else meanwhile, so that this try gets in no program's way.
-  bool shortcutIsTaken() const {
-    xcb_connection_t* x = desktop_.x();
-    constexpr std::uint16_t modifiers = XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_4;
-    constexpr xcb_keycode_t key = KEY_2 + 8;
-    xcb_grab_server(x);
-    const auto request =
-        xcb_grab_key_checked(x, 1, desktop_.root(), modifiers, key, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
-    const std::unique_ptr<xcb_generic_error_t, decltype(&std::free)> refusal(xcb_request_check(x, request),
-                                                                             &std::free);
-    if (!refusal) xcb_ungrab_key(x, key, desktop_.root(), modifiers);
-    xcb_ungrab_server(x);
-    xcb_flush(x);
-    return refusal != nullptr;
   }
 
   void pressShortcut() { desktop_.pressKeys({KEY_LEFTMETA, KEY_LEFTSHIFT, KEY_2}); }
@@ -327,13 +310,50 @@ INSTANTIATE_TEST_SUITE_P(, EveryModeTest,
                          [](const auto& run) { return run.param.empty() ? "Network" : "NoNetwork"; });
 
 TEST_F(CaptureTest, ASignalEndsTheProgramInGoodOrder) {
-  for (const int number : {SIGTERM, SIGINT}) {
+  for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
     program_->signal(number);
     EXPECT_EQ(program_->waitForEnd(), 0);
-    EXPECT_FALSE(shortcutIsTaken());
+    EXPECT_FALSE(desktop_.shortcutIsTaken());
     startProgram();
   }
 }
+
+TEST_F(CaptureTest, ASecondStartEndsAtOnceAndLeavesTheFirstAlone) {
+  Process second({LUMISCAN_PROGRAM});
+  EXPECT_EQ(second.waitForEnd(), 0);
+  EXPECT_EQ(second.standardError(), "");
+  EXPECT_EQ(second.standardOutput(), "");
+  captureThePage();
+  EXPECT_TRUE(waitForClipboard(joined(pageLines, "\n")));
+  EXPECT_EQ(program_->exitStatus(), std::nullopt);
+  // One that was killed is in nobody's way.
+  program_->signal(SIGKILL);
+  EXPECT_EQ(program_->waitForEnd(), 128 + SIGKILL);
+  startProgram();
+}
+
+class DisplayLossTest : public CaptureTest, public ::testing::WithParamInterface<const char*> {};
+
+TEST_P(DisplayLossTest, EndsTheProgramAtOnce) {
+  const std::string moment = GetParam();
+  if (moment == "Dragging") {
+    pressShortcut();
+    ASSERT_TRUE(waitForOverlays(1));
+    desktop_.moveMouse(left, top);
+    desktop_.buttonDown();
+    desktop_.moveMouse(right, bottom);
+  } else if (moment == "Recognizing") {
+    captureThePage();
+  }
+  const auto start = std::chrono::steady_clock::now();
+  desktop_.server().signal(SIGKILL);
+  EXPECT_EQ(program_->waitForEnd(), 1);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+  EXPECT_NE(program_->standardError().find("the connection to the X display is lost"), std::string::npos);
+}
+
+INSTANTIATE_TEST_SUITE_P(, DisplayLossTest, ::testing::Values("Idle", "Dragging", "Recognizing"),
+                         [](const auto& moment) { return std::string(moment.param); });
 
 }  // namespace
 }  // namespace lumiscan::testing

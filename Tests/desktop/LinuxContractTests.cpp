@@ -1,118 +1,11 @@
 // The real desktop keeps the contract that the program relies on.
 
-#include <linux/input-event-codes.h>
-#include <xcb/xcb.h>
-
-#include <QAbstractNativeEventFilter>
-#include <QCursor>
-#include <QGuiApplication>
-#include <chrono>
-#include <memory>
-
 #include "contract/DispatchContract.h"
 #include "contract/InputOutputContract.h"
 #include "contract/UserDefaultsContract.h"
-#include "desktop/PrivateDesktop.h"
-#include "platform/Application.h"
-#include "platform/linux/Dispatch.h"
-#include "platform/linux/LinuxDesktop.h"
-#include "platform/linux/x11/KeyCodes.h"
+#include "desktop/LinuxFixture.h"
 
 namespace lumiscan::testing {
-namespace {
-
-/// Sees a key that is grabbed for it on the toolkit's connection: once it comes, everything that the server
-/// sent before has been handled.
-class MarkerKey : public QAbstractNativeEventFilter {
- public:
-  static constexpr std::uint8_t evdevCode = KEY_F20;
-
-  MarkerKey() {
-    auto* x = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
-    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(x)).data->root;
-    // Checked, so that the grab is there before the key is pressed through another connection.
-    const auto request = xcb_grab_key_checked(x, 1, root, XCB_MOD_MASK_ANY, evdevCode + 8,
-                                              XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
-    EXPECT_EQ(xcb_request_check(x, request), nullptr);
-    qGuiApp->installNativeEventFilter(this);
-  }
-  bool seen = false;
-
- private:
-  bool nativeEventFilter(const QByteArray&, void* message, qintptr*) override {
-    const auto* event = static_cast<const xcb_key_release_event_t*>(message);
-    if ((event->response_type & 0x7F) == XCB_KEY_RELEASE && event->detail == evdevCode + 8) seen = true;
-    return false;
-  }
-};
-
-class LinuxFixture {
- public:
-  LinuxFixture() { start(); }
-
-  void processEvents() {
-    QCoreApplication::sendPostedEvents();
-    QCoreApplication::processEvents();
-  }
-  void passTime(double seconds) {
-    using std::chrono::steady_clock;
-    const auto end = steady_clock::now() + std::chrono::duration<double>(seconds);
-    while (steady_clock::now() < end) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
-  }
-  void waitForBackgroundTasks() {
-    auto& dispatcher = dynamic_cast<desktop::QtDispatcher&>(desktop_->dispatcher());
-    EXPECT_TRUE(dispatcher.waitForTasks(std::chrono::seconds(10)));
-    processEvents();
-  }
-  void restart() {
-    desktop_ = nullptr;
-    start();
-  }
-  std::optional<std::string> pasteboardText() {
-    return PrivateDesktop::clipboard([this] { processEvents(); });
-  }
-  std::optional<platform::CursorShape> pushedCursor() {
-    const QCursor* cursor = QGuiApplication::overrideCursor();
-    if (!cursor) return std::nullopt;
-    return cursor->shape() == Qt::CrossCursor ? platform::CursorShape::crosshair
-                                              : platform::CursorShape::arrow;
-  }
-  void pressKey(std::uint32_t keyCode, std::uint32_t modifiers) {
-    std::vector<std::uint8_t> keys;
-    if (modifiers & 0x0100) keys.push_back(KEY_LEFTMETA);
-    if (modifiers & 0x0200) keys.push_back(KEY_LEFTSHIFT);
-    if (modifiers & 0x0800) keys.push_back(KEY_LEFTALT);
-    if (modifiers & 0x1000) keys.push_back(KEY_LEFTCTRL);
-    keys.push_back(static_cast<std::uint8_t>(*desktop::x11::keycode(keyCode) - 8));
-    MarkerKey marker;
-    private_.pressKeys(keys);
-    private_.pressKeys({MarkerKey::evdevCode});
-    EXPECT_TRUE(waitUntil([&marker] { return marker.seen; }, [this] { processEvents(); }));
-    processEvents();
-  }
-  void takeHotKey(std::uint32_t keyCode, std::uint32_t modifiers) {
-    const auto request =
-        xcb_grab_key_checked(private_.x(), 1, private_.root(), desktop::x11::modifierMask(modifiers),
-                             *desktop::x11::keycode(keyCode), XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
-    xcb_generic_error_t* error = xcb_request_check(private_.x(), request);
-    EXPECT_EQ(error, nullptr);
-    std::free(error);
-  }
-
- private:
-  void start() {
-    desktop_ = std::make_unique<desktop::LinuxDesktop>(argc_, argv_);
-    platform::Application::shared();
-  }
-
-  PrivateDesktop private_;
-  char name_[5] = "test";
-  char* argv_[2] = {name_, nullptr};
-  int argc_ = 1;
-  std::unique_ptr<desktop::LinuxDesktop> desktop_;
-};
-
-}  // namespace
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Linux, UserDefaultsContract, LinuxFixture);
 INSTANTIATE_TYPED_TEST_SUITE_P(Linux, DispatchContract, LinuxFixture);

@@ -1,5 +1,6 @@
 #include "desktop/PrivateDesktop.h"
 
+#include <linux/input-event-codes.h>
 #include <xcb/xfixes.h>
 #include <xcb/xtest.h>
 
@@ -58,6 +59,7 @@ PrivateDesktop::PrivateDesktop(int width, int height) {
   unsetenv("WAYLAND_DISPLAY");
   setenv("NO_AT_BRIDGE", "1", 1);  // Whose bus outlives the programs that start it.
   setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
+  setenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + folder + "/no-bus").c_str(), 1);
   for (const char* variable : {"HOME", "XDG_RUNTIME_DIR"}) setenv(variable, folder.c_str(), 1);
   setenv("XDG_CONFIG_HOME", (home_ / "config").c_str(), 1);
 
@@ -302,6 +304,19 @@ std::vector<std::string> PrivateDesktop::windowProperties() const {
     for (const xcb_window_t child : childrenOf(connection_, window)) windows.push_back(child);
   }
   return contents;
+}
+
+bool PrivateDesktop::shortcutIsTaken() const {
+  constexpr std::uint16_t modifiers = XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_4;
+  constexpr xcb_keycode_t key = KEY_2 + 8;
+  xcb_grab_server(connection_);
+  const auto request =
+      xcb_grab_key_checked(connection_, 1, root_, modifiers, key, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+  const auto refusal = owned(xcb_request_check(connection_, request));
+  if (!refusal) xcb_ungrab_key(connection_, key, root_, modifiers);
+  xcb_ungrab_server(connection_);
+  xcb_flush(connection_);
+  return refusal != nullptr;
 }
 
 std::uint32_t PrivateDesktop::pixelAt(int x, int y) const { return pixels(x, y, 1, 1).front(); }

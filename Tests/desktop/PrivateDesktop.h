@@ -71,6 +71,9 @@ class PrivateDesktop {
   /// Whether nobody holds the mouse or the keyboard.
   bool canGrabPointer() const;
   bool canGrabKeyboard() const;
+  /// Whether some program holds the default shortcut: taking it is refused then. The server serves nobody
+  /// else meanwhile, so that this try gets in no program's way.
+  bool shortcutIsTaken() const;
   /// All mapped top-level windows, bottom to top.
   std::vector<xcb_window_t> windows() const;
   /// On the screen.

@@ -55,6 +55,7 @@ class SimulatedDesktop : public platform::Desktop {
   ~SimulatedDesktop() override;
 
   std::optional<std::string> interactiveModeProblem() override { return problem; }
+  bool claimInstance() override { return true; }
   SimulatedApplication& application() override;
   SimulatedDispatcher& dispatcher() override { return dispatcher_; }
   /// A day and the virtual clock's seconds after the reference date.

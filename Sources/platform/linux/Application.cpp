@@ -4,6 +4,9 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
+
+#include "platform/Logger.h"
 
 namespace lumiscan::desktop {
 
@@ -17,6 +20,16 @@ void signalCame(int) {
   [[maybe_unused]] const auto written = write(signalWriteEnd, &byte, 1);
 }
 
+bool eventLoopRuns = false;
+
+/// The toolkit leaves by `exit` when the X server has gone. Destructors would then run under threads that are
+/// at work, and wait for answers that can't come.
+void endAtOnceFromWithinEventLoop() {
+  if (!eventLoopRuns) return;
+  platform::Logger("com.varnholt.Lumiscan", "application").error("the connection to the X display is lost");
+  std::_Exit(EXIT_FAILURE);
+}
+
 /// Qt's choice of a window system is ours: the desktop behind this layer is X11's, also where a Wayland
 /// session offers it beside its own.
 int& prepared(int& argc) {
@@ -28,8 +41,11 @@ int& prepared(int& argc) {
 
 QtApplication::QtApplication(int& argc, char** argv) : application_(prepared(argc), argv) {
   QApplication::setApplicationName("Lumiscan");
+  QGuiApplication::setDesktopFileName("com.varnholt.Lumiscan");
   QApplication::setQuitOnLastWindowClosed(false);
   catchSignals();
+  // After the toolkit's own, so that it runs before them; once a process.
+  [[maybe_unused]] static const int registered = std::atexit(endAtOnceFromWithinEventLoop);
 }
 
 QtApplication::~QtApplication() {
@@ -61,7 +77,9 @@ void QtApplication::run() {
         if (delegate_) delegate_->applicationDidFinishLaunching();
       },
       Qt::QueuedConnection);
+  eventLoopRuns = true;
   QApplication::exec();
+  eventLoopRuns = false;
 }
 
 void QtApplication::terminate() { QApplication::quit(); }

@@ -10,7 +10,8 @@
 namespace lumiscan::desktop {
 
 /// The application object on Qt. Ends its event loop, as if the user had quit, on SIGTERM, SIGINT and
-/// SIGHUP. Precondition: an X display answers.
+/// SIGHUP. When the X server goes, the process ends at once with the status 1, in the middle of whatever it
+/// is doing: everything is saved as it happens. Precondition: an X display answers.
 class QtApplication : public platform::Application {
  public:
   /// The arguments outlive the object, which removes those that Qt knows.

@@ -1,5 +1,7 @@
 #include "platform/linux/LinuxDesktop.h"
 
+#include <malloc.h>
+
 #include <QGuiApplication>
 #include <QScreen>
 #include <atomic>
@@ -19,6 +21,7 @@
 #include "platform/linux/Dispatch.h"
 #include "platform/linux/Logger.h"
 #include "platform/linux/LoginItem.h"
+#include "platform/linux/LoginSession.h"
 #include "platform/linux/ManagedWindow.h"
 #include "platform/linux/OverlayPeer.h"
 #include "platform/linux/OverlaySession.h"
@@ -28,6 +31,7 @@
 #include "platform/linux/Sound.h"
 #include "platform/linux/SpeechSynthesizer.h"
 #include "platform/linux/StatusBar.h"
+#include "platform/linux/ToolkitConnection.h"
 #include "platform/linux/Typesetter.h"
 #include "platform/linux/UserDefaults.h"
 #include "platform/linux/Workspace.h"
@@ -38,6 +42,7 @@
 #include "platform/linux/recognition/TextRecognizer.h"
 #include "platform/linux/x11/Display.h"
 #include "platform/linux/x11/HotKeys.h"
+#include "platform/linux/x11/InstanceClaim.h"
 
 namespace lumiscan::desktop {
 
@@ -45,10 +50,16 @@ namespace {
 
 /// How long the end of the program waits for tasks that still run.
 constexpr std::chrono::milliseconds tasksPatience(500);
+// After the recogniser's last use.
+constexpr double recognizerSettlesSeconds = 20;
 constexpr double recognizerKeptSeconds = 600;
 
-xcb_connection_t* toolkitConnection() {
-  return qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
+/// Lets memory that is freed be given back: pictures have pages of their own, and threads that come and go
+/// share what the others have left.
+void keepFreeMemoryTogether() {
+  constexpr int pictureBytes = 1 << 20;
+  mallopt(M_MMAP_THRESHOLD, pictureBytes);
+  mallopt(M_ARENA_MAX, 2);
 }
 
 /// A rectangle on one screen, from the toolkit's coordinates, in which a screen's origin is in pixels and
@@ -87,8 +98,9 @@ void followToolkitScreens(x11::X11Displays& displays, OverlaySession& overlays, 
 
 /// What needs the application object, made with it.
 struct Interactive {
-  Interactive(int& argc, char** argv, PanelFreeDisplays& allDisplays)
+  Interactive(int& argc, char** argv, PanelFreeDisplays& allDisplays, platform::NotificationCenter& workspace)
       : application(argc, argv),
+        loginSession(workspace),
         hotKeys(toolkitConnection(), FieldWidget::windowWithFocus),
         displays(allDisplays),
         panels(toolkitConnection(), displays),
@@ -102,6 +114,7 @@ struct Interactive {
   Interactive& operator=(const Interactive&) = delete;
 
   QtApplication application;
+  LoginSession loginSession;
   QtCursorStack cursors;
   X11Pasteboard pasteboard;
   x11::X11HotKeys hotKeys;
@@ -143,31 +156,43 @@ struct LinuxDesktop::Parts {
   std::atomic<unsigned> recognizerUses = 0;
   ZXingDetector barcodeDetector;
   SpeechDispatcherSynthesizer speechSynthesizer;
+  std::unique_ptr<x11::InstanceClaim> instanceClaim;
   std::unique_ptr<Interactive> interactive;
 
   /// Gives the recogniser's memory back once nobody has used it for long. Any thread. A command-line mode,
   /// which has no event loop, ends before that.
   void recognizerUsed() {
     if (!interactive) return;
-    dispatcher.asyncAfter(recognizerKeptSeconds, [this, use = ++recognizerUses] {
-      if (use == recognizerUses) textRecognizer.releaseUnused(recognizerKeptSeconds / 2);
-    });
+    const auto onceIdleFor = [this, use = ++recognizerUses](double seconds, std::function<void()> work) {
+      dispatcher.asyncAfter(seconds, [this, use, work = std::move(work)] {
+        if (use == recognizerUses) dispatcher.detach(platform::TaskPriority::utility, work);
+      });
+    };
+    onceIdleFor(recognizerSettlesSeconds, [this] { textRecognizer.settle(); });
+    onceIdleFor(recognizerKeptSeconds, [this] { textRecognizer.releaseUnused(recognizerKeptSeconds / 2); });
   }
 
   Interactive& needInteractive() {
     assert(dispatcher.isMainThread());
-    if (!interactive) interactive = std::make_unique<Interactive>(argc, argv, displays);
+    if (!interactive)
+      interactive = std::make_unique<Interactive>(argc, argv, displays, workspaceNotificationCenter);
     return *interactive;
   }
 };
 
 LinuxDesktop::LinuxDesktop(int& argc, char** argv) : parts_(std::make_unique<Parts>(argc, argv)) {
+  keepFreeMemoryTogether();
   Desktop::install(this);
 }
 
 LinuxDesktop::~LinuxDesktop() {
   dropSingletons();
-  if (parts_->interactive) parts_->interactive->pasteboard.leave();
+  if (parts_->interactive) {
+    // A new instance may start while this one hands its clipboard over.
+    parts_->interactive->hotKeys.leave();
+    parts_->instanceClaim = nullptr;
+    parts_->interactive->pasteboard.leave();
+  }
   // A recognition can't be broken off. Nothing waits for its result any more and everything is saved, so
   // the process ends around it.
   parts_->dispatcher.dropWaitingTasks();
@@ -181,6 +206,11 @@ std::optional<std::string> LinuxDesktop::interactiveModeProblem() {
   const char* name = std::getenv("DISPLAY");
   if (!name || !*name) return "no X display: DISPLAY is not set";
   return std::string("no X display answers at DISPLAY=") + name;
+}
+
+bool LinuxDesktop::claimInstance() {
+  parts_->instanceClaim = x11::InstanceClaim::make();
+  return parts_->instanceClaim != nullptr;
 }
 
 platform::Application& LinuxDesktop::application() { return parts_->needInteractive().application; }

@@ -16,6 +16,7 @@ class LinuxDesktop : public platform::Desktop {
   ~LinuxDesktop() override;
 
   std::optional<std::string> interactiveModeProblem() override;
+  bool claimInstance() override;
 
   platform::Application& application() override;
   platform::Dispatcher& dispatcher() override;

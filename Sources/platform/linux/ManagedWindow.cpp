@@ -8,6 +8,7 @@
 
 #include "platform/Display.h"
 #include "platform/HostingView.h"
+#include "platform/linux/ToolkitConnection.h"
 #include "platform/linux/form/FormPalette.h"
 #include "platform/linux/x11/Activation.h"
 #include "platform/linux/x11/ScreenLayout.h"
@@ -26,10 +27,6 @@ Qt::WindowFlags toolkitFlags(unsigned style) {
 
 QSize toolkitSize(const platform::Size& size) {
   return {static_cast<int>(size.width), static_cast<int>(size.height)};
-}
-
-xcb_connection_t* toolkitConnection() {
-  return qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
 }
 
 }  // namespace

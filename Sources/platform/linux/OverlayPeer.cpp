@@ -11,6 +11,7 @@
 #include "platform/linux/InkContext.h"
 #include "platform/linux/OverlaySession.h"
 #include "platform/linux/x11/KeyCodes.h"
+#include "platform/linux/x11/ModifierMap.h"
 
 namespace lumiscan::desktop {
 
@@ -153,8 +154,9 @@ void OverlayPeer::mouseEvent(platform::Window::MousePhase phase, QPoint root) {
 
 void OverlayPeer::keyPressed(const xcb_key_press_event_t& event) {
   const auto key = x11::virtualKeyCode(event.detail);
+  const auto modifiers = x11::ModifierMap::read(session_.connection()).flags(event.state);
   if (const auto window = window_.weak_from_this().lock())
-    window->sendKeyDown({key.value_or(platform::keyCodeNone), x11::modifierFlags(event.state), false});
+    window->sendKeyDown({key.value_or(platform::keyCodeNone), modifiers, false});
 }
 
 void OverlayPeer::invalidate(const platform::Rect& rect) {

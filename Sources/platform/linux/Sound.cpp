@@ -99,7 +99,6 @@ struct CanberraSounds::Player {
 
 CanberraSounds::CanberraSounds() : player_(std::make_shared<Player>()), worker_(std::make_unique<Worker>()) {
   useSoundResources();
-  worker_->post([player = player_] { player->connect(); });
 }
 
 CanberraSounds::~CanberraSounds() { leavePlayer(); }

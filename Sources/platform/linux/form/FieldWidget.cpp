@@ -5,8 +5,10 @@
 #include <QPainter>
 
 #include "platform/linux/Graphics.h"
+#include "platform/linux/ToolkitConnection.h"
 #include "platform/linux/form/FormPalette.h"
 #include "platform/linux/x11/KeyCodes.h"
+#include "platform/linux/x11/ModifierMap.h"
 
 namespace lumiscan::desktop {
 
@@ -37,8 +39,9 @@ bool isModifier(int key) {
 /// The toolkit's native codes are those of the X server.
 platform::KeyEvent keyEvent(const QKeyEvent& event) {
   const auto key = x11::virtualKeyCode(static_cast<xcb_keycode_t>(event.nativeScanCode()));
-  return {key.value_or(platform::keyCodeNone),
-          x11::modifierFlags(static_cast<std::uint16_t>(event.nativeModifiers())), event.isAutoRepeat()};
+  const auto modifiers = static_cast<std::uint16_t>(event.nativeModifiers());
+  return {key.value_or(platform::keyCodeNone), x11::ModifierMap::read(toolkitConnection()).flags(modifiers),
+          event.isAutoRepeat()};
 }
 
 }  // namespace

@@ -2,12 +2,12 @@
 
 #include <leptonica/allheaders.h>
 #include <omp.h>
-#include <tesseract/baseapi.h>
-#include <tesseract/resultiterator.h>
 
 #include <algorithm>
 #include <string_view>
 #include <utility>
+
+#include "platform/linux/recognition/TesseractLibrary.h"
 
 namespace lumiscan::desktop {
 
@@ -43,18 +43,55 @@ std::unique_ptr<Pix, DestroyPix> pixOf(const GreyBitmap& image) {
   return pix;
 }
 
-using Text = std::unique_ptr<char[]>;
+/// What the engine has read, piece by piece. At its begin when it is made.
+class ReadingIterator {
+ public:
+  ReadingIterator(const TesseractLibrary& library, TessBaseAPI* api)
+      : library_(library), iterator_(library.getIterator(api)) {}
+  ~ReadingIterator() {
+    if (iterator_) library_.deleteIterator(iterator_);
+  }
+  ReadingIterator(const ReadingIterator&) = delete;
+  ReadingIterator& operator=(const ReadingIterator&) = delete;
+
+  explicit operator bool() const { return iterator_ != nullptr; }
+  bool next(TessPageIteratorLevel level) { return library_.next(iterator_, level) != 0; }
+  /// Empty where nothing was read.
+  std::string text(TessPageIteratorLevel level) const {
+    const char* const text = library_.getUTF8Text(iterator_, level);
+    std::string copy = text ? text : "";
+    library_.deleteText(text);
+    return copy;
+  }
+  double confidence(TessPageIteratorLevel level) const {
+    return static_cast<double>(library_.confidence(iterator_, level));
+  }
+  PixelBox symbolBox() const {
+    PixelBox box;
+    library_.boundingBox(library_.pageIterator(iterator_), tesseract::RIL_SYMBOL, &box.left, &box.top,
+                         &box.right, &box.bottom);
+    return box;
+  }
+  bool isAtLastSymbolOfLine() const {
+    return library_.isAtFinalElement(library_.pageIterator(iterator_), tesseract::RIL_TEXTLINE,
+                                     tesseract::RIL_SYMBOL) != 0;
+  }
+
+ private:
+  const TesseractLibrary& library_;
+  TessResultIterator* iterator_;
+};
 
 /// The symbols of the text line at the iterator, with the spaces that the engine puts between them.
-void appendLine(tesseract::ResultIterator& iterator, LineReading& reading) {
-  const Text whole(iterator.GetUTF8Text(tesseract::RIL_TEXTLINE));
-  std::string_view rest(whole ? whole.get() : "");
+void appendLine(ReadingIterator& iterator, LineReading& reading) {
+  const std::string whole = iterator.text(tesseract::RIL_TEXTLINE);
+  std::string_view rest = whole;
   bool spaceBefore = !reading.symbols.empty();
   do {
-    const Text text(iterator.GetUTF8Text(tesseract::RIL_SYMBOL));
-    if (!text || !text[0]) continue;
-    Symbol symbol{
-        text.get(), spaceBefore, {}, static_cast<double>(iterator.Confidence(tesseract::RIL_SYMBOL))};
+    std::string text = iterator.text(tesseract::RIL_SYMBOL);
+    if (text.empty()) continue;
+    Symbol symbol{std::move(text), spaceBefore, iterator.symbolBox(),
+                  iterator.confidence(tesseract::RIL_SYMBOL)};
     spaceBefore = false;
     // Which words have spaces between them differs by script; the text of the line knows.
     const std::size_t start = rest.find_first_not_of(' ');
@@ -62,18 +99,20 @@ void appendLine(tesseract::ResultIterator& iterator, LineReading& reading) {
       symbol.spaceBefore = symbol.spaceBefore || (start > 0 && !reading.symbols.empty());
       rest.remove_prefix(start + symbol.text.size());
     }
-    iterator.BoundingBox(tesseract::RIL_SYMBOL, &symbol.box.left, &symbol.box.top, &symbol.box.right,
-                         &symbol.box.bottom);
-    symbol.confidence = static_cast<double>(iterator.Confidence(tesseract::RIL_SYMBOL));
     reading.symbols.push_back(std::move(symbol));
-  } while (!iterator.IsAtFinalElement(tesseract::RIL_TEXTLINE, tesseract::RIL_SYMBOL) &&
-           iterator.Next(tesseract::RIL_SYMBOL));
+  } while (!iterator.isAtLastSymbolOfLine() && iterator.next(tesseract::RIL_SYMBOL));
 }
 
 }  // namespace
 
 struct Engine::Api {
-  tesseract::TessBaseAPI tesseract;
+  explicit Api(const TesseractLibrary& l) : library(l), handle(l.create()) {}
+  ~Api() { library.destroy(handle); }
+  Api(const Api&) = delete;
+  Api& operator=(const Api&) = delete;
+
+  const TesseractLibrary& library;
+  TessBaseAPI* handle;
 };
 
 Engine::Engine(std::unique_ptr<Api> api) : api_(std::move(api)) {}
@@ -81,40 +120,44 @@ Engine::~Engine() = default;
 
 platform::Result<std::shared_ptr<Engine>> Engine::load(const EngineKey& key,
                                                        const std::filesystem::path& folder) {
+  const TesseractLibrary* const library = TesseractLibrary::shared();
+  if (!library) return platform::Error{"The recognition engine is not installed"};
   const SingleThreaded single;
   std::string languages;
   for (const std::string& name : key.names) languages += (languages.empty() ? "" : "+") + name;
   // Its own messages would go to standard error. Light text on dark is turned over before it sees it.
-  std::vector<std::string> variables{"debug_file", "tessedit_do_invert"};
-  std::vector<std::string> values{"/dev/null", "0"};
+  std::vector<const char*> variables{"debug_file", "tessedit_do_invert"};
+  std::vector<const char*> values{"/dev/null", "0"};
   if (!key.dictionaries)
     for (const char* name : {"load_system_dawg", "load_freq_dawg"}) {
-      variables.emplace_back(name);
-      values.emplace_back("0");
+      variables.push_back(name);
+      values.push_back("0");
     }
-  auto api = std::make_unique<Api>();
-  if (api->tesseract.Init(folder.c_str(), languages.c_str(), tesseract::OEM_LSTM_ONLY, nullptr, 0, &variables,
-                          &values, false) != 0)
+  auto api = std::make_unique<Api>(*library);
+  // The C interface takes the lists as changeable, and changes neither.
+  if (library->init(api->handle, folder.c_str(), languages.c_str(), tesseract::OEM_LSTM_ONLY, nullptr, 0,
+                    const_cast<char**>(variables.data()), const_cast<char**>(values.data()), variables.size(),
+                    /*set_only_non_debug_params=*/0) != 0)
     return platform::Error{"The recognition engine can't load the trained data " + languages};
-  api->tesseract.SetPageSegMode(tesseract::PSM_SINGLE_LINE);
+  library->setPageSegMode(api->handle, tesseract::PSM_SINGLE_LINE);
   return std::shared_ptr<Engine>(new Engine(std::move(api)));
 }
 
 LineReading Engine::readLine(const GreyBitmap& image) {
   const SingleThreaded single;
   const auto pix = pixOf(image);
-  tesseract::TessBaseAPI& tesseract = api_->tesseract;
-  tesseract.SetImage(pix.get());
+  const TesseractLibrary& library = api_->library;
+  library.setImage(api_->handle, pix.get());
   LineReading reading;
-  if (tesseract.Recognize(nullptr) == 0) {
-    const std::unique_ptr<tesseract::ResultIterator> iterator(tesseract.GetIterator());
-    if (iterator && !iterator->Empty(tesseract::RIL_SYMBOL)) {
-      reading.confidence = static_cast<double>(iterator->Confidence(tesseract::RIL_TEXTLINE));
-      do appendLine(*iterator, reading);
-      while (iterator->Next(tesseract::RIL_SYMBOL));
+  if (library.recognize(api_->handle, nullptr) == 0) {
+    ReadingIterator iterator(library, api_->handle);
+    if (iterator && !iterator.text(tesseract::RIL_SYMBOL).empty()) {
+      reading.confidence = iterator.confidence(tesseract::RIL_TEXTLINE);
+      do appendLine(iterator, reading);
+      while (iterator.next(tesseract::RIL_TEXTLINE));
     }
   }
-  tesseract.Clear();
+  library.clear(api_->handle);
   return reading;
 }
 

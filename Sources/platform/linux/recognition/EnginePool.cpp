@@ -1,6 +1,7 @@
 #include "platform/linux/recognition/EnginePool.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace lumiscan::desktop {
@@ -98,6 +99,23 @@ std::size_t EnginePool::releaseUnused(Clock::duration age) {
     shelf.idle.erase(kept, shelf.idle.end());
   }
   return freed.size();
+}
+
+void EnginePool::renew() {
+  std::vector<Idle> freed;
+  std::vector<EngineKey> keys;
+  {
+    const std::lock_guard lock(mutex_);
+    for (auto& [key, shelf] : shelves_) {
+      if (shelf.idle.empty()) continue;
+      std::ranges::move(shelf.idle, std::back_inserter(freed));
+      shelf.idle.clear();
+      ++shelf.coming;
+      keys.push_back(key);
+    }
+  }
+  freed.clear();
+  for (const EngineKey& key : keys) loadAhead(key);
 }
 
 std::size_t EnginePool::idleCount() const {

@@ -36,6 +36,10 @@ class EnginePool {
   /// Frees the engines that nobody has used for `age` and returns how many there were.
   std::size_t releaseUnused(Clock::duration age);
 
+  /// Replaces the engines that nobody uses by a fresh one for each key. One that has read keeps the working
+  /// memory of its longest line, half as much again as it is loaded with.
+  void renew();
+
   std::size_t idleCount() const;
 
  private:

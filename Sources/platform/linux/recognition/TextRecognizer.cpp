@@ -126,6 +126,11 @@ void TesseractRecognizer::prepare(const std::vector<std::string>& languages) {
   state_->threads.emplace_back(std::move(task));
 }
 
+void TesseractRecognizer::settle() {
+  state_->pool.renew();
+  malloc_trim(0);
+}
+
 void TesseractRecognizer::releaseUnused(double idleSeconds) {
   const auto age =
       std::chrono::duration_cast<EnginePool::Clock::duration>(std::chrono::duration<double>(idleSeconds));

@@ -31,6 +31,9 @@ class TesseractRecognizer : public platform::TextRecognizer {
   void prepare(const std::vector<std::string>& languages) override;
   std::optional<std::string> missingPackage(std::string_view language) const override;
 
+  /// Gives the memory that the last pictures took back to the system. One engine for each list of languages
+  /// is kept, or rather loaded anew, for the next picture: takes as long as that. Any thread.
+  void settle();
   /// Frees the engines that nobody has used for so many seconds, and gives the memory back to the system.
   void releaseUnused(double idleSeconds);
 

@@ -5,11 +5,13 @@
 #include <QAbstractNativeEventFilter>
 #include <QObject>
 #include <functional>
-#include <map>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "platform/HotKeys.h"
+#include "platform/linux/x11/HeldKey.h"
+#include "platform/linux/x11/ModifierMap.h"
 
 namespace lumiscan::desktop::x11 {
 
@@ -26,19 +28,29 @@ class X11HotKeys : public platform::HotKeys, private QAbstractNativeEventFilter 
                                                    platform::HotKeyID id) override;
   void unregisterEventHotKey(platform::HotKeyRef ref) override;
 
+  /// Lets every key go, for good: another program may have them from now on.
+  void leave();
+
  private:
   /// A key code and X modifiers, without the locks.
   using Combination = std::pair<xcb_keycode_t, std::uint16_t>;
-  /// A combination that is grabbed. One without a registration waits for the end of the event to be let go,
-  /// unless it is registered again before.
-  struct Grab {
-    platform::HotKeyRef ref = 0;
+  struct Entry {
+    std::uint32_t keyCode = 0;
+    std::uint32_t modifiers = 0;
     platform::HotKeyID id;
+    /// 0 for one without a registration: it waits for the end of the event to be let go, unless it is
+    /// registered again before.
+    platform::HotKeyRef ref = 0;
+    /// What is grabbed for it; nothing where the keyboard's mapping has changed and the new combination can't
+    /// be had.
+    std::optional<Combination> grabbed;
   };
 
   bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
   void keyPressed(xcb_key_press_event_t& event);
-  bool isRepeat(const xcb_key_press_event_t& event);
+  bool isMappingChange(const xcb_generic_event_t& event) const;
+  void followMapping();
+  std::optional<Combination> combinationOf(std::uint32_t keyCode, std::uint32_t modifiers) const;
   bool grab(Combination combination);
   void ungrab(Combination combination);
   void ungrabUnregistered();
@@ -46,17 +58,15 @@ class X11HotKeys : public platform::HotKeys, private QAbstractNativeEventFilter 
   xcb_connection_t* connection_;
   xcb_window_t root_;
   std::function<xcb_window_t()> keyTaker_;
+  std::uint8_t keyboardEventType_;
+  ModifierMap modifierMap_;
   Handler handler_;
-  std::map<Combination, Grab> grabs_;
+  std::vector<Entry> entries_;
   platform::HotKeyRef lastRef_ = 0;
   bool sweepScheduled_ = false;
+  bool mappingScheduled_ = false;
   QObject context_;
-  std::optional<xcb_keycode_t> heldKey_;
-  struct Release {
-    xcb_keycode_t key = 0;
-    xcb_timestamp_t time = 0;
-  };
-  Release lastRelease_;
+  HeldKey heldKey_;
 };
 
 }  // namespace lumiscan::desktop::x11

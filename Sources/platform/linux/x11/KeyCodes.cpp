@@ -50,20 +50,6 @@ constexpr Key keys[] = {
 /// X key codes start at 8, so the kernel's codes are moved by that.
 constexpr std::uint16_t evdevOffset = 8;
 
-struct Modifier {
-  std::uint16_t x;
-  std::uint32_t carbon;
-  platform::ModifierFlags flag;
-};
-
-constexpr Modifier modifiers[] = {
-    {XCB_MOD_MASK_4, 0x0100, platform::modifierCommand},
-    {XCB_MOD_MASK_SHIFT, 0x0200, platform::modifierShift},
-    {XCB_MOD_MASK_1, 0x0800, platform::modifierOption},
-    {XCB_MOD_MASK_CONTROL, 0x1000, platform::modifierControl},
-    {XCB_MOD_MASK_LOCK, 0, platform::modifierCapsLock},
-};
-
 }  // namespace
 
 std::optional<xcb_keycode_t> keycode(std::uint32_t virtualKeyCode) {
@@ -79,20 +65,6 @@ std::optional<std::uint16_t> virtualKeyCode(xcb_keycode_t keycode) {
                                 [keycode](const Key& k) { return k.evdevCode + evdevOffset == keycode; });
   if (key == std::end(keys)) return std::nullopt;
   return key->virtualKeyCode;
-}
-
-std::uint16_t modifierMask(std::uint32_t carbonModifiers) {
-  std::uint16_t mask = 0;
-  for (const Modifier& modifier : modifiers)
-    if (carbonModifiers & modifier.carbon) mask = static_cast<std::uint16_t>(mask | modifier.x);
-  return mask;
-}
-
-platform::ModifierFlags modifierFlags(std::uint16_t state) {
-  platform::ModifierFlags flags = 0;
-  for (const Modifier& modifier : modifiers)
-    if (state & modifier.x) flags |= modifier.flag;
-  return flags;
 }
 
 }  // namespace lumiscan::desktop::x11

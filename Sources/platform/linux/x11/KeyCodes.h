@@ -5,18 +5,11 @@
 #include <cstdint>
 #include <optional>
 
-#include "platform/Event.h"
-
 namespace lumiscan::desktop::x11 {
 
 /// The X key code of the physical key with a virtual key code; nothing when no keyboard here has it.
 std::optional<xcb_keycode_t> keycode(std::uint32_t virtualKeyCode);
 /// The virtual key code of a physical key; nothing for a key that has none.
 std::optional<std::uint16_t> virtualKeyCode(xcb_keycode_t keycode);
-
-/// The X modifiers for a Carbon mask of Command (Super), Shift, Option (Alt) and Control.
-std::uint16_t modifierMask(std::uint32_t carbonModifiers);
-/// The event flags for the X modifiers of an event.
-platform::ModifierFlags modifierFlags(std::uint16_t state);
 
 }  // namespace lumiscan::desktop::x11

@@ -1,0 +1,157 @@
+// Waking and switching users, as a login manager on a private bus tells of them.
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusObjectPath>
+#include <QDBusVariant>
+#include <QDBusVirtualObject>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+
+#include "desktop/Process.h"
+#include "platform/linux/LoginSession.h"
+#include "support/SimulatedDesktop.h"
+
+namespace lumiscan::testing {
+namespace {
+
+const QString managerPath = "/org/freedesktop/login1";
+const QString sessionPath = managerPath + "/session/_37";
+const QString otherSessionPath = managerPath + "/session/_38";
+
+/// Knows one session, number 7, which is also the caller's.
+class LoginManager : public QDBusVirtualObject {
+ public:
+  explicit LoginManager(const QString& address) : bus_(QDBusConnection::connectToBus(address, "manager")) {
+    EXPECT_TRUE(bus_.registerVirtualObject(managerPath, this, QDBusConnection::SubPath));
+    EXPECT_TRUE(bus_.registerService("org.freedesktop.login1"));
+  }
+  ~LoginManager() override { QDBusConnection::disconnectFromBus("manager"); }
+
+  void prepareForSleep(bool begins) {
+    send(managerPath, "org.freedesktop.login1.Manager", "PrepareForSleep", {begins});
+  }
+  void changeProperty(const QString& path, const QString& name, bool value) {
+    send(path, "org.freedesktop.DBus.Properties", "PropertiesChanged",
+         {"org.freedesktop.login1.Session", QVariantMap{{name, value}}, QStringList()});
+  }
+
+ private:
+  QString introspect(const QString&) const override { return {}; }
+  bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
+    if (message.member() == "Get" && message.path() == managerPath + "/session/auto")
+      return connection.send(message.createReply(QVariant::fromValue(QDBusVariant("7"))));
+    if (message.member() == "GetSession" && message.arguments() == QVariantList{"7"})
+      return connection.send(message.createReply(QVariant::fromValue(QDBusObjectPath(sessionPath))));
+    return connection.send(
+        message.createErrorReply("org.freedesktop.login1.NoSuchSession", "no such session"));
+  }
+  void send(const QString& path, const QString& interface, const QString& name,
+            const QVariantList& arguments) {
+    QDBusMessage signal = QDBusMessage::createSignal(path, interface, name);
+    signal.setArguments(arguments);
+    EXPECT_TRUE(bus_.send(signal));
+  }
+
+  QDBusConnection bus_;
+};
+
+class LoginSessionTest : public ::testing::Test {
+ protected:
+  LoginSessionTest() {
+    for (const auto name : {platform::screensDidWake, platform::sessionDidBecomeActive})
+      observations_.push_back(center().addObserver(std::string(name), [this, name] {
+        posted_.emplace_back(name);
+        EXPECT_TRUE(desktop_.dispatcher().isMainThread());
+      }));
+  }
+
+  /// Starts a bus, which the program takes for the system's from now on.
+  static std::unique_ptr<Process> startBus() {
+    auto bus = std::make_unique<Process>(
+        std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--print-address=1"});
+    EXPECT_TRUE(waitUntil([&bus] { return bus->standardOutput().ends_with('\n'); }));
+    setenv("DBUS_SYSTEM_BUS_ADDRESS", QByteArray::fromStdString(bus->standardOutput()).trimmed(), 1);
+    return bus;
+  }
+  platform::NotificationCenter& center() { return desktop_.workspaceNotificationCenter(); }
+  static void processEvents() { QCoreApplication::processEvents(QEventLoop::AllEvents, 5); }
+  bool waitForPosts(std::size_t count) {
+    return waitUntil([&] { return posted_.size() >= count; }, processEvents);
+  }
+
+  char name_[5] = "test";
+  char* argv_[2] = {name_, nullptr};
+  int argc_ = 1;
+  SimulatedDesktop desktop_;
+  QCoreApplication application_{argc_, argv_};
+  std::vector<std::string> posted_;
+  std::vector<std::shared_ptr<platform::NotificationCenter::Observation>> observations_;
+};
+
+TEST_F(LoginSessionTest, PostsWakingAndTheReturnToOurSession) {
+  const auto bus = startBus();
+  LoginManager manager(qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS"));
+  for (const char* identifier : {"7", "", "one that has ended"}) {
+    SCOPED_TRACE(identifier);
+    setenv("XDG_SESSION_ID", identifier, 1);
+    const desktop::LoginSession session(center());
+    // It follows its session once it knows it.
+    ASSERT_TRUE(waitUntil([this] { return !posted_.empty(); },
+                          [&] {
+                            manager.changeProperty(sessionPath, "Active", true);
+                            processEvents();
+                          }));
+    manager.prepareForSleep(false);
+    ASSERT_TRUE(waitUntil([this] { return posted_.back() == platform::screensDidWake; }, processEvents));
+    posted_.clear();
+
+    manager.prepareForSleep(true);
+    manager.changeProperty(otherSessionPath, "Active", true);
+    manager.changeProperty(sessionPath, "IdleHint", true);
+    manager.changeProperty(sessionPath, "Active", false);
+    manager.changeProperty(sessionPath, "Active", true);
+    manager.prepareForSleep(false);
+    ASSERT_TRUE(waitForPosts(2));
+    EXPECT_EQ(posted_, (std::vector<std::string>{std::string(platform::sessionDidBecomeActive),
+                                                 std::string(platform::screensDidWake)}));
+    posted_.clear();
+  }
+  EXPECT_TRUE(desktop_.logSink().take().empty());
+}
+
+TEST_F(LoginSessionTest, WithoutALoginManagerItSaysSoOnce) {
+  const auto& lines = desktop_.logSink().lines;
+  const auto expectOneLine = [&lines] {
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_EQ(lines[0].level, platform::LogLevel::info);
+    EXPECT_TRUE(lines[0].message.starts_with("no login session to follow: ")) << lines[0].message;
+  };
+  setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent", 1);
+  { const desktop::LoginSession session(center()); }
+  expectOneLine();
+  desktop_.logSink().take();
+
+  const auto bus = startBus();
+  const desktop::LoginSession session(center());
+  EXPECT_TRUE(waitUntil([&] { return !lines.empty(); }, processEvents));
+  bus->signal(SIGTERM);
+  bus->waitForEnd(processEvents);
+  processEvents();
+  expectOneLine();
+}
+
+TEST_F(LoginSessionTest, ABusThatNeverAnswersHoldsNothingUp) {
+  const auto bus = startBus();
+  bus->signal(SIGSTOP);
+  const auto start = std::chrono::steady_clock::now();
+  { const desktop::LoginSession session(center()); }
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+}
+
+}  // namespace
+}  // namespace lumiscan::testing
