@@ -86,7 +86,7 @@ void correctStroke(Symbol& symbol, const Classification& shape, const Neighbours
   } else if (read == U'l' && isAlone) {
     if (shape.of(U'I') >= possible) become('I');
   } else if ((read == U'l' || read == U'I' || read == U'i') && besideDigit) {
-    if (shape.of(U'1') > shape.of(read)) become('1');
+    if (3 * shape.of(U'1') > shape.of(read)) become('1');
   } else if (read == U'1' && besideLetter && !besideDigit) {
     if (shape.of(U'l') > 3 * shape.of(U'1')) become('l');
   }
@@ -128,6 +128,20 @@ std::size_t onlyOne(const std::vector<Symbol>& symbols, const Match& match, cons
   return only;
 }
 
+/// Whether a cluster that was read as several signs surely is one, and none of them.
+bool isOtherSign(const std::vector<Symbol>& symbols, const Match& match, const Classification& shape,
+                 const PixelBox& box) {
+  constexpr float sure = 0.98F;
+  const bool isSlender = 20 * (box.right - box.left + 1) <= 17 * (box.bottom - box.top + 1);
+  const auto first = symbols.begin() + static_cast<std::ptrdiff_t>(match.firstSymbol);
+  return isSlender && isSurelySign(shape) && shape.bestProbability() >= sure &&
+         std::none_of(first, first + static_cast<std::ptrdiff_t>(match.symbolCount),
+                      [&](const Symbol& symbol) {
+                        const char32_t character = onlyCodePoint(symbol.text);
+                        return isLetter(character) || character == shape.best();
+                      });
+}
+
 bool isLikely(const Symbol& symbol, const Classification& shape) {
   constexpr float likely = 0.15F;
   constexpr double sure = 90;
@@ -151,7 +165,12 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
   for (std::size_t m = 0; m < matches.size(); ++m) {
     Match& match = matches[m];
     if (match.clusterCount == 1 && match.symbolCount > 1) {
-      const std::size_t only = onlyOne(symbols, match, shapes.classification(match.firstCluster));
+      const Classification& shape = shapes.classification(match.firstCluster);
+      std::size_t only = onlyOne(symbols, match, shape);
+      if (only == match.symbolCount && isOtherSign(symbols, match, shape, shapes.box(match.firstCluster))) {
+        only = 0;
+        symbols[match.firstSymbol].text = utf8Of(shape.best());
+      }
       if (only < match.symbolCount) {
         symbols[match.firstSymbol + only].spaceBefore = symbols[match.firstSymbol].spaceBefore;
         match.firstSymbol += only;
@@ -176,7 +195,9 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
     if (first.hasOwnInk) {
       const Classification& shape = shapes.classification(match.firstCluster, match.clusterCount);
       // A letter is hard to tell with something of the next in its picture.
-      const bool isBlurred = shapes.isCut(match.firstCluster) && isLetter(onlyCodePoint(first.text));
+      const bool isBlurred =
+          shapes.isCut(match.firstCluster) && isLetter(onlyCodePoint(first.text)) &&
+          (shape.bestProbability() < 0.999F || shape.of(onlyCodePoint(first.text)) > 1e-4F);
       if (!isBlurred && (first.confidence < mild || isSteady(m))) correctSymbol(first, shape);
       correctStroke(first, shape, beside);
     }
