@@ -13,9 +13,12 @@ namespace {
 // Costs of a match; about the logarithm of how unlikely it is.
 constexpr double inkWithoutSymbol = 3;
 constexpr double symbolWithoutInk = 3;
-constexpr double touching = 0.8;         // For each symbol but one of a cluster.
-constexpr double inPieces = 0.5;         // For each cluster but one of a symbol.
-constexpr double perLetterHeight = 0.5;  // Between where a symbol was seen and where its ink is.
+constexpr double touching = 0.8;  // For each symbol but one of a cluster.
+constexpr double inPieces = 0.5;  // For each cluster but one of a symbol.
+// Between where a symbol was seen and where its ink is, for each height of a letter. In cells the engine's
+// boxes are more exact.
+constexpr double perLetterHeight = 0.5;
+constexpr double perLetterHeightInCells = 1;
 constexpr double farthest = 3;
 constexpr double unknownShape = 0.7;
 constexpr std::size_t mostTouching = 6;
@@ -108,7 +111,8 @@ class Aligner {
   }
 
   double placeCost(std::size_t c, std::size_t clusters, std::size_t s, std::size_t symbols) const {
-    return perLetterHeight * std::min(farthest, distance(c, clusters, s, symbols));
+    const double weight = shapes_.line().cells ? perLetterHeightInCells : perLetterHeight;
+    return weight * std::min(farthest, distance(c, clusters, s, symbols));
   }
 
   double pairCost(std::size_t c, std::size_t clusters, std::size_t s) {
