@@ -96,11 +96,13 @@ class Aligner {
   bool isOneBesideSign(std::size_t c, std::size_t count, std::size_t s) {
     const char32_t character = onlyCodePoint(symbols_[s].text);
     const auto isIt = [&](std::size_t i) { return shapes_.classification(i).of(character) >= 0.9F; };
+    const auto isSign = [&](std::size_t i) {
+      return shapes_.isPoint(i) || isSurelySign(shapes_.classification(i));
+    };
     const auto& clusters = shapes_.clusters();
     // The dot in a zero is no sign beside it.
     if (count != 2 || clusters[c + 1].box.left <= clusters[c].box.right) return false;
-    return (isIt(c) && isSurelySign(shapes_.classification(c + 1))) ||
-           (isIt(c + 1) && isSurelySign(shapes_.classification(c)));
+    return (isIt(c) && isSign(c + 1)) || (isIt(c + 1) && isSign(c));
   }
 
   /// Between the middles, in heights of a letter.

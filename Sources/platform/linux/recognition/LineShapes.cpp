@@ -1,6 +1,7 @@
 #include "platform/linux/recognition/LineShapes.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace lumiscan::desktop {
 
@@ -17,6 +18,13 @@ const Classification& LineShapes::classification(std::size_t first, std::size_t 
 
 PixelBox LineShapes::box(std::size_t first, std::size_t count) const {
   return joined(clusters_, first, count).box;
+}
+
+bool LineShapes::isPoint(std::size_t cluster) const {
+  const Cluster& it = clusters_[cluster];
+  const int most = std::max(2, line_.letterHeight / 4);
+  return it.glyphs.size() == 1 && it.glyphs.front().width() <= most && it.glyphs.front().height() <= most &&
+         std::abs(it.box.bottom + 1 - line_.baseline) <= 1;
 }
 
 bool LineShapes::isCut(std::size_t cluster) const {

@@ -22,6 +22,9 @@ class LineShapes {
   /// Precondition: there are `count` clusters from `first` on.
   const Classification& classification(std::size_t first, std::size_t count = 1);
   PixelBox box(std::size_t first, std::size_t count = 1) const;
+  /// Whether it is a dot on the line. Its few pixels may have something of the ink beside them, and so no
+  /// shape.
+  bool isPoint(std::size_t cluster) const;
   /// Whether some of its ink may be that of its neighbours.
   bool isCut(std::size_t cluster) const;
 

@@ -179,8 +179,10 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
     }
     if (match.symbolCount == 0) {
       const Classification& shape = shapes.classification(match.firstCluster);
-      if (isSurelySign(shape))
-        corrected.push_back({utf8Of(shape.best()), false, shapes.box(match.firstCluster), 50, true, true});
+      const bool isSign = isSurelySign(shape);
+      if (isSign || shapes.isPoint(match.firstCluster))
+        corrected.push_back(
+            {isSign ? utf8Of(shape.best()) : ".", false, shapes.box(match.firstCluster), 50, true, isSign});
       continue;
     }
     if (match.clusterCount > 0) divide(shapes.box(match.firstCluster, match.clusterCount), symbols, match);
