@@ -77,10 +77,12 @@ TEST(TextRecognizer, ReadsSignsWhereTheEngineAloneReadsLetters) {
   const std::vector<std::string> code{"ls -la `pwd` | sed 's/#//'",
                                       "for (i = 0; i <= n1; ++i) {",
                                       "xs = [*a, **b] && !(c || d);",
-                                      "}",
+                                      "esac;;",
+                                      "/* LANDLOCK && 0x00fd */",
+                                      "};",
                                       "-38.5",
                                       "@__index__"};
-  for (const double size : {14.0, 18.0, 22.0})
+  for (const double size : {10.0, 11.0, 14.0, 18.0, 22.0})
     EXPECT_THAT(
         linesOf(pictureOf(code, {size, Color::black(), Color::white(), platform::Font::Design::monospaced})),
         ElementsAreArray(code))
