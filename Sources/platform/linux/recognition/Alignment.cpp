@@ -130,6 +130,8 @@ class Aligner {
 
   double touchingCost(std::size_t c, std::size_t s, std::size_t count) {
     const PixelBox& box = shapes_.clusters()[c].box;
+    const auto& cells = shapes_.line().cells;
+    if (cells && box.right - box.left + 1 <= 1.2 * cells->pitch) return impossible;
     // Even l needs a fourth of its height.
     const double width = static_cast<double>(box.right - box.left + 1) / letterHeight_;
     if (width < 0.3 * static_cast<double>(count)) return impossible;

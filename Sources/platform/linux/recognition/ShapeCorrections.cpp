@@ -142,11 +142,12 @@ bool isOtherSign(const std::vector<Symbol>& symbols, const Match& match, const C
                       });
 }
 
-/// Whether a symbol for which there is no ink is a sign that the engine isn't sure of.
-bool isImagined(const Symbol& symbol) {
+/// Whether there is nothing for which there seems to be no ink. Between letters that touch it is hard to tell
+/// what is whose, but where each has its cell.
+bool isImagined(const Symbol& symbol, const TextLine& line) {
   constexpr double sure = 97;
   const char32_t character = onlyCodePoint(symbol.text);
-  return symbol.confidence < sure && !isLetter(character) && !isDigit(character);
+  return line.cells || (symbol.confidence < sure && !isLetter(character) && !isDigit(character));
 }
 
 bool isLikely(const Symbol& symbol, const Classification& shape) {
@@ -192,7 +193,7 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
             {isSign ? utf8Of(shape.best()) : ".", false, shapes.box(match.firstCluster), 50, true, isSign});
       continue;
     }
-    if (match.clusterCount == 0 && isImagined(symbols[match.firstSymbol])) continue;
+    if (match.clusterCount == 0 && isImagined(symbols[match.firstSymbol], shapes.line())) continue;
     if (match.clusterCount > 0) divide(shapes.box(match.firstCluster, match.clusterCount), symbols, match);
     Symbol& first = symbols[match.firstSymbol];
     first.hasOwnInk = isOneToOne(match);
