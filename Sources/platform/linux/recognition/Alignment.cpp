@@ -76,7 +76,7 @@ class Aligner {
     if (hasSymbol) offer(0, 1, symbolWithoutInk);
     if (!hasCluster || !hasSymbol || distance(c, 1, s, 1) > farthest + 2) return;
     offer(1, 1, pairCost(c, 1, s));
-    for (std::size_t n = 2; n <= mostPieces && c + n <= clusterCount_ && areNear(c, n); ++n)
+    for (std::size_t n = 2; n <= mostPieces && c + n <= clusterCount_ && mayBeOne(c, n, s); ++n)
       if (!isOneBesideSign(c, n, s)) offer(n, 1, pairCost(c, n, s) + inPieces * static_cast<double>(n - 1));
     for (std::size_t n = 2; n <= mostTouching && s + n <= symbols_.size(); ++n) {
       if (symbols_[s + n - 1].spaceBefore) break;
@@ -84,8 +84,10 @@ class Aligner {
     }
   }
 
-  /// Whether the last of the clusters may be a piece of one character with the others.
-  bool areNear(std::size_t c, std::size_t count) const {
+  /// Whether the last of the clusters may be a piece of the symbol with the others.
+  bool mayBeOne(std::size_t c, std::size_t count, std::size_t s) const {
+    // The engine now and then reads three points as one.
+    if (symbols_[s].text == "." && shapes_.isPoint(c + count - 1)) return false;
     const auto& clusters = shapes_.clusters();
     const PixelBox& last = clusters[c + count - 1].box;
     return 5 * (last.left - clusters[c + count - 2].box.right) <= 2 * letterHeight_ + 5 &&

@@ -249,7 +249,7 @@ std::vector<Row> rowsOf(const Glyphs& glyphs, int usual, Characters characters) 
   for (const Glyph& glyph : glyphs) {
     if (5 * glyph.height() >= 4 * usual)
       letters.push_back(glyph);
-    else if (characters == Characters::alphabetic && 5 * glyph.height() >= 3 * usual)
+    else if (characters == Characters::alphabetic && 3 * glyph.height() >= 2 * usual)
       smallLetters.push_back(glyph);
     else
       marks.push_back(glyph);
