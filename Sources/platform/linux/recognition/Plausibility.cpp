@@ -22,13 +22,18 @@ std::size_t lettersIn(const std::string& text) {
 /// Letters that touch make fewer pieces than symbols; what is no text is read piece by piece, if at all.
 bool hasTouchingLetters(const ReadLine& line) { return 10 * line.pieces <= 8 * line.symbols; }
 
-/// Whether there is a word of several different letters: patterns make the same few again and again.
+/// Whether there is a word of several different letters: patterns make the same few again and again, and
+/// capitals amid small letters.
 bool hasLongWord(const std::string& text) {
   constexpr std::size_t fewestLetters = 6;
   constexpr std::size_t fewestDifferent = 5;
   std::string word;
+  bool afterSmall = false;
   for (const char c : text + ' ') {
-    if (std::isalpha(static_cast<unsigned char>(c))) {
+    const bool isCapital = std::isupper(static_cast<unsigned char>(c));
+    const bool goesOn = std::isalpha(static_cast<unsigned char>(c)) && !(isCapital && afterSmall);
+    afterSmall = std::islower(static_cast<unsigned char>(c));
+    if (goesOn) {
       word += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
       continue;
     }
