@@ -80,6 +80,16 @@ PrivateDesktop::PrivateDesktop(int width, int height) {
   width_ = screen->width_in_pixels;
   height_ = screen->height_in_pixels;
 
+  restartWindowManager();
+}
+
+void PrivateDesktop::restartWindowManager() {
+  if (windowManager_) {
+    windowManager_->signal(SIGKILL);
+    windowManager_->waitForEnd();
+    // Nobody is left to take it back.
+    xcb_delete_property(connection_, root_, atom(connection_, "_NET_SUPPORTING_WM_CHECK"));
+  }
   windowManager_ = std::make_unique<Process>(std::vector<std::string>{"openbox", "--sm-disable"});
   waitForWindowManager();
 }
@@ -109,6 +119,11 @@ void PrivateDesktop::startCompositor() {
                    XCB_WINDOW_NONE;
           }),
           "no compositing manager");
+}
+
+void PrivateDesktop::endCompositor() {
+  compositor_->signal(SIGKILL);
+  compositor_ = nullptr;
 }
 
 void PrivateDesktop::pauseCompositor() const {
