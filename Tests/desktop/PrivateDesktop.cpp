@@ -80,17 +80,15 @@ PrivateDesktop::PrivateDesktop(int width, int height) {
   width_ = screen->width_in_pixels;
   height_ = screen->height_in_pixels;
 
-  restartWindowManager();
+  windowManager_ = std::make_unique<Process>(std::vector<std::string>{"openbox", "--sm-disable"});
+  waitForWindowManager();
 }
 
 void PrivateDesktop::restartWindowManager() {
-  if (windowManager_) {
-    windowManager_->signal(SIGKILL);
-    windowManager_->waitForEnd();
-    // Nobody is left to take it back.
-    xcb_delete_property(connection_, root_, atom(connection_, "_NET_SUPPORTING_WM_CHECK"));
-  }
-  windowManager_ = std::make_unique<Process>(std::vector<std::string>{"openbox", "--sm-disable"});
+  const auto old = std::move(windowManager_);
+  windowManager_ =
+      std::make_unique<Process>(std::vector<std::string>{"openbox", "--sm-disable", "--replace"});
+  require(old->waitForEnd().has_value(), "a window manager that stays");
   waitForWindowManager();
 }
 

@@ -33,7 +33,7 @@ class PrivateDesktop {
   static void setMonitor(const std::string& name, const std::string& geometry, const std::string& output);
   static void detachMonitor(const std::string& name);
 
-  /// Ends the window manager without a farewell and starts another; returns when that one runs.
+  /// Another window manager takes the place of the one that runs; returns when it has.
   void restartWindowManager();
   /// Starts a compositing manager; returns when it runs.
   void startCompositor();
