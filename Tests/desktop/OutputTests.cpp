@@ -118,6 +118,19 @@ TEST_F(OutputTest, AClipboardManagerKeepsTheTextWhenTheProgramEnds) {
   manager.waitForEnd();
 }
 
+TEST_F(OutputTest, AClipboardManagerThatHangsHoldsTheEndUpForLittle) {
+  const auto name = xcb_intern_atom(screen_.x(), 0, 17, "CLIPBOARD_MANAGER");
+  const std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)> atom(
+      xcb_intern_atom_reply(screen_.x(), name, nullptr), &std::free);
+  xcb_set_selection_owner(screen_.x(), screen_.showMenu(0, 0, 1, 1), atom->atom, XCB_TIME_CURRENT_TIME);
+  xcb_flush(screen_.x());
+  ClipboardService::copy("handed to nobody");
+  EXPECT_EQ(PrivateDesktop::clipboard(processEvents), "handed to nobody");
+  const auto start = std::chrono::steady_clock::now();
+  desktop_ = nullptr;
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+}
+
 TEST_F(OutputTest, ThePanelFloatsAboveEverythingWithoutFocusAndFadesAway) {
   for (const bool composited : {false, true}) {
     SCOPED_TRACE(composited ? "with a compositor" : "without a compositor");

@@ -1,8 +1,14 @@
 // The preferences' file: what is on the disk, and what happens when it isn't what it should be.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <chrono>
+#include <csignal>
 #include <fstream>
 #include <sstream>
 #include <thread>
@@ -90,8 +96,12 @@ TEST_F(PreferencesFile, SeesWhatIsChangedByHandAndKeepsWhatItDoesNotKnow) {
 }
 
 TEST_F(PreferencesFile, SetsAsideWhatCannotBeParsed) {
-  for (const std::string text : {"{\"cut\": ", "[1, 2]", ""}) {
-    SCOPED_TRACE(text);
+  // The last two can be parsed, but not held or written again.
+  const std::string deep = R"({"deep": )" + std::string(200'000, '[') + std::string(200'000, ']') + "}";
+  const std::string large = R"({"large": ")" + std::string(100U << 20, 'x') + "\"}";
+  for (const std::string& text :
+       {std::string("{\"cut\": "), std::string("[1, 2]"), std::string(), deep, large}) {
+    SCOPED_TRACE(text.substr(0, 20));
     write(text);
     const std::size_t before = errorLines();
     desktop::FileUserDefaults defaults(file_);
@@ -104,10 +114,16 @@ TEST_F(PreferencesFile, SetsAsideWhatCannotBeParsed) {
   EXPECT_EQ(mode(file_.string() + ".unreadable"), 0600U);
   EXPECT_EQ(content(file_.string() + ".unreadable-2"), "[1, 2]");
   EXPECT_EQ(content(file_.string() + ".unreadable-3"), "");
+  EXPECT_EQ(fs::file_size(file_.string() + ".unreadable-5"), large.size());
 }
 
 TEST_F(PreferencesFile, LivesOnInMemoryWhereItCannotBeWritten) {
-  // A folder in the file's place can be neither read nor replaced, not even by root.
+  // Nobody can make a folder there, not even root.
+  desktop::FileUserDefaults nowhere("/proc/self/lumiscan/preferences.json");
+  nowhere.setObject("flag", true);
+  EXPECT_EQ(nowhere.object("flag"), DefaultsValue(true));
+  EXPECT_EQ(errorLines(), 1U);
+  // Nor can a folder in the file's place be read or replaced.
   fs::create_directories(file_ / "in the way");
   desktop::FileUserDefaults defaults(file_);
   defaults.setObject("flag", true);
@@ -115,11 +131,82 @@ TEST_F(PreferencesFile, LivesOnInMemoryWhereItCannotBeWritten) {
   defaults.removeObject("gone");
   EXPECT_EQ(defaults.object("flag"), DefaultsValue(true));
   EXPECT_EQ(defaults.object("gone"), std::nullopt);
-  EXPECT_GE(errorLines(), 1U);
+  EXPECT_EQ(errorLines(), 2U);
   // What couldn't be written goes out with the next write that can.
   fs::remove_all(file_);
   defaults.setObject("number", 2.0);
   EXPECT_EQ(nlohmann::json::parse(content(file_)), nlohmann::json::parse(R"({"flag": true, "number": 2.0})"));
+}
+
+TEST_F(PreferencesFile, LeavesAloneWhatCannotBeRead) {
+  write(R"({"history": "kept"})");
+  desktop::FileUserDefaults defaults(file_);
+  EXPECT_EQ(defaults.object("history"), DefaultsValue(std::string("kept")));
+  write(R"({"history": "newer"})");
+  // Modes don't keep root from reading, but nobody can open a file without a descriptor.
+  rlimit before{};
+  getrlimit(RLIMIT_NOFILE, &before);
+  const rlimit none{0, before.rlim_max};
+  setrlimit(RLIMIT_NOFILE, &none);
+  defaults.setObject("flag", true);
+  EXPECT_EQ(defaults.object("history"), DefaultsValue(std::string("kept")));
+  setrlimit(RLIMIT_NOFILE, &before);
+  EXPECT_EQ(errorLines(), 1U);
+  EXPECT_EQ(content(file_), R"({"history": "newer"})");
+  defaults.setObject("number", 2.0);
+  EXPECT_EQ(nlohmann::json::parse(content(file_)),
+            nlohmann::json::parse(R"({"flag": true, "history": "newer", "number": 2.0})"));
+}
+
+TEST_F(PreferencesFile, AFullDiskLeavesTheLastStateAndNothingElse) {
+  rlimit before{};
+  getrlimit(RLIMIT_FSIZE, &before);
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  // Less than the buffer that a write goes through, and more.
+  for (const std::size_t length : {100U, 200'000U}) {
+    SCOPED_TRACE(length);
+    fs::remove(file_);
+    desktop::FileUserDefaults defaults(file_);
+    defaults.setObject("flag", true);
+    const std::string complete = content(file_);
+    const DefaultsValue text = std::string(length, 'x');
+    const std::size_t errors = errorLines();
+    const rlimit little{complete.size(), before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &little);
+    defaults.setObject("text", text);
+    setrlimit(RLIMIT_FSIZE, &before);
+    EXPECT_EQ(errorLines(), errors + 1);
+    EXPECT_EQ(content(file_), complete);
+    EXPECT_EQ(std::distance(fs::directory_iterator(file_.parent_path()), {}), 2) << "no more than the lock";
+    EXPECT_EQ(defaults.object("text"), text);
+  }
+  std::signal(SIGXFSZ, handler);
+}
+
+TEST_F(PreferencesFile, FollowsALinkToAFileThatIsNotThereYet) {
+  fs::create_directories(file_.parent_path());
+  fs::create_symlink(base_ / "elsewhere.json", file_);
+  desktop::FileUserDefaults defaults(file_);
+  EXPECT_EQ(defaults.object("flag"), std::nullopt);
+  defaults.setObject("flag", true);
+  EXPECT_TRUE(fs::is_symlink(file_));
+  EXPECT_EQ(nlohmann::json::parse(content(base_ / "elsewhere.json")),
+            nlohmann::json::parse(R"({"flag": true})"));
+  EXPECT_EQ(mode(base_ / "elsewhere.json"), 0600U);
+}
+
+TEST_F(PreferencesFile, WaitsForAStoppedWriterOnceAndNotForLong) {
+  using std::chrono::steady_clock;
+  desktop::FileUserDefaults defaults(file_);
+  defaults.setObject("flag", true);
+  const int held = open((file_.string() + ".lock").c_str(), O_RDWR | O_CLOEXEC);
+  ASSERT_EQ(flock(held, LOCK_EX), 0);
+  const auto start = steady_clock::now();
+  for (int i = 0; i < 20; ++i) defaults.setObject("number", double(i));
+  EXPECT_LT(steady_clock::now() - start, std::chrono::seconds(3));
+  EXPECT_EQ(errorLines(), 1U);
+  EXPECT_EQ(desktop::FileUserDefaults(file_).object("number"), DefaultsValue(19.0));
+  close(held);
 }
 
 TEST_F(PreferencesFile, LosesNoKeyOfTwoWriters) {

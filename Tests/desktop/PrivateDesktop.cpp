@@ -84,6 +84,14 @@ PrivateDesktop::PrivateDesktop(int width, int height) {
   waitForWindowManager();
 }
 
+void PrivateDesktop::restartWindowManager() {
+  const auto old = std::move(windowManager_);
+  windowManager_ =
+      std::make_unique<Process>(std::vector<std::string>{"openbox", "--sm-disable", "--replace"});
+  require(old->waitForEnd().has_value(), "a window manager that stays");
+  waitForWindowManager();
+}
+
 void PrivateDesktop::waitForWindowManager() const {
   const xcb_atom_t check = atom(connection_, "_NET_SUPPORTING_WM_CHECK");
   require(waitUntil([&] { return !stringProperty(connection_, root_, check).empty(); }), "no window manager");
@@ -109,6 +117,11 @@ void PrivateDesktop::startCompositor() {
                    XCB_WINDOW_NONE;
           }),
           "no compositing manager");
+}
+
+void PrivateDesktop::endCompositor() {
+  compositor_->signal(SIGKILL);
+  compositor_ = nullptr;
 }
 
 void PrivateDesktop::pauseCompositor() const {

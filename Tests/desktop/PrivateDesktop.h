@@ -33,8 +33,11 @@ class PrivateDesktop {
   static void setMonitor(const std::string& name, const std::string& geometry, const std::string& output);
   static void detachMonitor(const std::string& name);
 
+  /// Another window manager takes the place of the one that runs; returns when it has.
+  void restartWindowManager();
   /// Starts a compositing manager; returns when it runs.
   void startCompositor();
+  void endCompositor();  ///< Without a farewell.
   /// Without one these do nothing.
   void pauseCompositor() const;
   void resumeCompositor() const;

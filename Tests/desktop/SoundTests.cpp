@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -80,6 +82,33 @@ TEST_F(SoundTest, PlaysWhereThereIsADeviceAndIsSilentElsewhere) {
   EXPECT_EQ(loudSamples(), 0U);
   sounds.play("Basso");
   EXPECT_TRUE(waitForSound());
+}
+
+TEST_F(SoundTest, NeverWaitsForAServerThatHangs) {
+  using std::chrono::steady_clock;
+  startServer();
+  {
+    desktop::CanberraSounds sounds;
+    sounds.play("Tink");
+    EXPECT_TRUE(waitForSound());
+    server_->signal(SIGSTOP);
+    const auto start = steady_clock::now();
+    for (int i = 0; i < 3; ++i) sounds.play("Basso");
+    sounds.beep();
+    EXPECT_LT(steady_clock::now() - start, std::chrono::milliseconds(100));
+    // Another server, in the place of the one that hangs.
+    const auto hanging = std::move(server_);
+    recorder_->signal(SIGKILL);
+    startServer();
+    EXPECT_TRUE(waitUntil([&] {
+      sounds.play("Tink");
+      return loudSamples() > 2000;
+    }));
+    hanging->signal(SIGKILL);
+    server_->signal(SIGSTOP);
+    sounds.play("Tink");
+  }
+  server_->signal(SIGCONT);
 }
 
 }  // namespace

@@ -2,8 +2,11 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <future>
@@ -245,6 +248,11 @@ TEST_F(DamagedData, IsAnErrorAndNoCrash) {
     recognizer.prepare({"en-US"});
     EXPECT_THAT(linesOf(recognizer, pictureOf(paragraph)), ElementsAre(HasSubstr("error: "))) << length;
   }
+  // A file that can be opened and not read, not even by root.
+  fs::remove(folder_ / "eng.traineddata");
+  fs::create_symlink("/proc/self/mem", folder_ / "eng.traineddata");
+  TesseractRecognizer recognizer({{}, {}, folder_});
+  EXPECT_THAT(linesOf(recognizer, pictureOf(paragraph)), ElementsAre(HasSubstr("error: ")));
 }
 
 TEST_F(DamagedData, MissingLanguagesAreLoggedOnceAndTheOthersUsed) {
@@ -259,6 +267,30 @@ TEST_F(DamagedData, MissingLanguagesAreLoggedOnceAndTheOthersUsed) {
               ElementsAre("Guten Morgen"));
   EXPECT_THAT(linesOf(recognizer, pictureOf({"Guten Morgen"}), {}), ElementsAre("Guten Morgen"));
   EXPECT_THAT(log, ElementsAre(HasSubstr("en-US")));
+}
+
+TEST(TextRecognizer, TooLittleMemoryIsAnErrorAndTheNextImageIsRead) {
+  const Image page = pictureOf(paragraph);
+  // A child each, with so much address space beyond what it has.
+  for (std::size_t mebibytes : {2U, 8U, 24U, 48U, 96U}) {
+    const pid_t child = fork();
+    if (child == 0) {
+      TesseractRecognizer recognizer;
+      std::size_t pages = 0;
+      std::ifstream("/proc/self/statm") >> pages;
+      rlimit before{};
+      getrlimit(RLIMIT_AS, &before);
+      const rlimit little{pages * static_cast<std::size_t>(getpagesize()) + (mebibytes << 20),
+                          before.rlim_max};
+      setrlimit(RLIMIT_AS, &little);
+      linesOf(recognizer, page);
+      setrlimit(RLIMIT_AS, &before);
+      std::_Exit(linesOf(recognizer, page) == paragraph ? 0 : 1);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << mebibytes << " MiB: " << status;
+  }
 }
 
 TEST(TextRecognizer, RefusesImagesThatAreTooLarge) {

@@ -7,6 +7,7 @@
 #include <cstdlib>
 
 #include "platform/Logger.h"
+#include "platform/linux/SessionBus.h"
 
 namespace lumiscan::desktop {
 
@@ -30,10 +31,11 @@ void endAtOnceFromWithinEventLoop() {
   std::_Exit(EXIT_FAILURE);
 }
 
-/// Qt's choice of a window system is ours: the desktop behind this layer is X11's, also where a Wayland
-/// session offers it beside its own.
+/// What must be settled before the toolkit looks around. Its choice of a window system is ours: the desktop
+/// behind this layer is X11's, also where a Wayland session offers it beside its own.
 int& prepared(int& argc) {
   qputenv("QT_QPA_PLATFORM", "xcb");
+  avoidHangingSessionBus();
   return argc;
 }
 
@@ -63,6 +65,8 @@ void QtApplication::catchSignals() {
   action.sa_handler = signalCame;
   action.sa_flags = SA_RESTART;
   for (const int signal : {SIGTERM, SIGINT, SIGHUP}) sigaction(signal, &action, nullptr);
+  // A file's size that is limited and a reader of the log that has gone are errors of a write, not the end.
+  for (const int signal : {SIGXFSZ, SIGPIPE}) std::signal(signal, SIG_IGN);
 }
 
 void QtApplication::setActivationPolicy(platform::ActivationPolicy) {

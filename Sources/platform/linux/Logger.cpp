@@ -22,6 +22,7 @@ void JournalLog::write(platform::LogLevel level, std::string_view subsystem, std
                        std::string_view message) {
   const bool isError = level == platform::LogLevel::error;
   if (!journalListens()) {
+    std::cerr.clear();  // A disk that was full must not silence it for good.
     // One write a line, so that lines of several threads don't mix.
     std::cerr << std::string(subsystem) + ":" + std::string(category) + (isError ? " error: " : " info: ") +
                      std::string(message) + "\n";

@@ -142,7 +142,7 @@ bool AutostartEntry::registerItem() {
   QSaveFile file(QString::fromStdString(file_.string()));
   return file.open(QIODevice::WriteOnly) &&
          file.write(text.data(), static_cast<qint64>(text.size())) == static_cast<qint64>(text.size()) &&
-         file.commit();
+         file.flush() && file.commit();  // The commit takes no notice of a buffer that can't be written.
 }
 
 bool AutostartEntry::unregisterItem() {

@@ -8,7 +8,10 @@
 #include <QByteArray>
 #include <QFile>
 #include <QSaveFile>
+#include <cerrno>
+#include <chrono>
 #include <string>
+#include <thread>
 #include <utility>
 
 #include "platform/Logger.h"
@@ -60,22 +63,40 @@ std::optional<DefaultsValue> decoded(const json& member) {
   return member.get<std::vector<std::string>>();
 }
 
+/// How long a write waits for the lock. Others hold it for milliseconds, unless they were stopped meanwhile.
+constexpr std::chrono::milliseconds lockPatience(500);
+
+/// What is larger, or nested deeper, was not written by this program; reading it, or writing it again, would
+/// take the memory or the stack.
+constexpr long mostBytes = 64L << 20;
+constexpr int mostLevels = 100;
+
 /// Holds the lock that all writers of a file share. Where it can't be had the write goes on without it.
 class WriterLock {
  public:
-  explicit WriterLock(const std::filesystem::path& file)
+  WriterLock(const std::filesystem::path& file, std::chrono::milliseconds patience)
       : descriptor_(open((file.string() + ".lock").c_str(), O_CREAT | O_RDWR | O_CLOEXEC, 0600)) {
-    if (descriptor_ >= 0) flock(descriptor_, LOCK_EX);
+    if (descriptor_ < 0) return;
+    const auto end = std::chrono::steady_clock::now() + patience;
+    while (!(isHeld_ = flock(descriptor_, LOCK_EX | LOCK_NB) == 0) && errno == EWOULDBLOCK) {
+      isTaken_ = std::chrono::steady_clock::now() >= end;
+      if (isTaken_) break;
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
   }
   ~WriterLock() {
     if (descriptor_ >= 0) close(descriptor_);
   }
-  bool isHeld() const { return descriptor_ >= 0; }
+  bool isHeld() const { return isHeld_; }
+  /// Whether another writer kept it all the time.
+  bool isTaken() const { return isTaken_; }
   WriterLock(const WriterLock&) = delete;
   WriterLock& operator=(const WriterLock&) = delete;
 
  private:
   int descriptor_;
+  bool isHeld_ = false;
+  bool isTaken_ = false;
 };
 
 void makePrivateFolder(const std::filesystem::path& folder) {
@@ -125,47 +146,63 @@ void FileUserDefaults::change(std::string_view key, std::optional<json> value) {
   if (save()) unsaved_.clear();
 }
 
-void FileUserDefaults::reload() const {
+bool FileUserDefaults::reload() const {
   struct stat status {};
   if (stat(file_.c_str(), &status) != 0) {
     document_ = json::object();
     stamp_.reset();
-    return;
+    return true;
   }
-  const Stamp stamp{status.st_dev, status.st_ino, status.st_size, status.st_mtim};
-  if (stamp_ == stamp) return;
-  stamp_ = stamp;
-  document_ = json::object();
+  const Stamp stamp{status.st_dev, status.st_ino, status.st_size, status.st_ctim};
+  if (stamp_ == stamp) return true;
+  stamp_.reset();
 
-  QFile file(file_);
-  if (!S_ISREG(status.st_mode) || !file.open(QIODevice::ReadOnly)) {
-    log().error("preferences can't be read");
-    return;
+  if (S_ISREG(status.st_mode) && status.st_size > mostBytes) {
+    document_ = json::object();
+    setAside("are too large");
+    return true;
   }
-  const QByteArray text = file.readAll();
-  json parsed = json::parse(text.begin(), text.end(), nullptr, /*allow_exceptions=*/false);
-  if (parsed.is_object())
-    document_ = std::move(parsed);
-  else
-    setAside();
+  QFile file(file_);
+  QByteArray text;
+  if (S_ISREG(status.st_mode) && file.open(QIODevice::ReadOnly)) text = file.readAll();
+  if (!file.isOpen() || file.error() != QFileDevice::NoError) {
+    if (!std::exchange(unreadable_, true)) log().error("preferences can't be read");
+    return false;
+  }
+  unreadable_ = false;
+  stamp_ = stamp;
+  bool tooDeep = false;
+  const auto isShallow = [&tooDeep](int depth, json::parse_event_t, json&) {
+    tooDeep = tooDeep || depth > mostLevels;
+    return !tooDeep;
+  };
+  json parsed = json::parse(text.begin(), text.end(), isShallow, /*allow_exceptions=*/false);
+  const bool isUsable = !tooDeep && parsed.is_object();
+  document_ = isUsable ? std::move(parsed) : json::object();
+  if (!isUsable) setAside("can't be parsed");
+  return true;
 }
 
-void FileUserDefaults::setAside() const {
+void FileUserDefaults::setAside(const std::string& problem) const {
   std::filesystem::path aside = file_.string() + ".unreadable";
   for (int i = 2; std::filesystem::exists(aside); ++i)
     aside = file_.string() + ".unreadable-" + std::to_string(i);
   std::error_code error;
   std::filesystem::rename(file_, aside, error);
   chmod(aside.c_str(), 0600);  // It may hold captures, and come from elsewhere.
-  log().error("preferences can't be parsed; " + (error ? "they can't be set aside: " + error.message()
-                                                       : "kept as " + aside.filename().string()));
+  log().error(
+      "preferences " + problem + "; " +
+      (error ? "they can't be set aside: " + error.message() : "kept as " + aside.filename().string()));
 }
 
 bool FileUserDefaults::save() {
   makePrivateFolder(file_.parent_path());
-  const WriterLock writerLock(file_);
+  // A writer that was stopped costs the time once, not with every write.
+  const WriterLock writerLock(file_, lockIsTaken_ ? std::chrono::milliseconds(0) : lockPatience);
+  if (writerLock.isTaken() && !lockIsTaken_) log().error("another program holds the preferences' lock");
+  lockIsTaken_ = writerLock.isTaken();
   if (writerLock.isHeld() && !std::exchange(unfinishedRemoved_, true)) removeUnfinished(file_);
-  reload();
+  if (!reload()) return false;
   json next = document_;
   for (const auto& [key, value] : unsaved_) {
     if (value)
@@ -176,11 +213,12 @@ bool FileUserDefaults::save() {
   const std::string text = next.dump(2, ' ', false, json::error_handler_t::replace) + "\n";
 
   QSaveFile file(QString::fromStdString(file_.string()));
+  // Flushed first: the commit itself takes no notice of a buffer that can't be written.
   const bool written =
       file.open(QIODevice::WriteOnly) &&
       file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner) &&
       file.write(text.data(), static_cast<qint64>(text.size())) == static_cast<qint64>(text.size()) &&
-      file.commit();
+      file.flush() && file.commit();
   if (!written) log().error("preferences can't be written: " + file.errorString().toStdString());
   return written;
 }

@@ -16,8 +16,10 @@ namespace lumiscan::desktop {
 ///
 /// The file is replaced as a whole and atomically, with mode 0600 in a folder of mode 0700. Each write first
 /// reads what is there, under a lock that all instances of the program share, so two of them never lose each
-/// other's keys; members that this program doesn't know are kept. A file that can't be parsed is set aside
-/// as `preferences.json.unreadable`.
+/// other's keys; members that this program doesn't know are kept. A file that can't be parsed, or is far
+/// larger than this program's, is set aside as `preferences.json.unreadable`. One that can't be read is left
+/// alone, and what is set meanwhile lives in memory. A lock that isn't given free is waited for half a
+/// second.
 class FileUserDefaults : public platform::UserDefaults {
  public:
   explicit FileUserDefaults(std::filesystem::path file);
@@ -35,22 +37,25 @@ class FileUserDefaults : public platform::UserDefaults {
     unsigned long device = 0;
     unsigned long inode = 0;
     long size = 0;
-    timespec modified{};
+    timespec changed{};  // The status too, so that a mode that was mended counts.
     friend bool operator==(const Stamp& a, const Stamp& b) {
       return a.device == b.device && a.inode == b.inode && a.size == b.size &&
-             a.modified.tv_sec == b.modified.tv_sec && a.modified.tv_nsec == b.modified.tv_nsec;
+             a.changed.tv_sec == b.changed.tv_sec && a.changed.tv_nsec == b.changed.tv_nsec;
     }
   };
 
   void change(std::string_view key, std::optional<nlohmann::json> value);
-  void reload() const;
-  void setAside() const;
+  /// False for a file that can't be read, which mustn't be written over: the document is the last one read.
+  bool reload() const;
+  void setAside(const std::string& problem) const;
   bool save();
 
   const std::filesystem::path file_;
   mutable std::mutex mutex_;
   mutable nlohmann::json document_ = nlohmann::json::object();
   mutable std::optional<Stamp> stamp_;
+  mutable bool unreadable_ = false;
+  bool lockIsTaken_ = false;
   bool unfinishedRemoved_ = false;
   /// What couldn't be written yet: the new value, or nothing for a removed key.
   std::map<std::string, std::optional<nlohmann::json>, std::less<>> unsaved_;

@@ -2,11 +2,17 @@
 
 #include <dlfcn.h>
 
+#include <mutex>
+
 namespace lumiscan::desktop {
 
 const TesseractLibrary* TesseractLibrary::shared() {
+  static std::mutex mutex;
   static TesseractLibrary library;
-  static const bool loaded = library.load();
+  static bool loaded = false;
+  const std::lock_guard lock(mutex);
+  // Tried again where it failed, as where memory was short.
+  loaded = loaded || library.load();
   return loaded ? &library : nullptr;
 }
 

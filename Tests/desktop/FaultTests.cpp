@@ -1,0 +1,177 @@
+// The program on a desktop where things go wrong: after each fault the next capture works. What else may go
+// wrong, and where it is tried: docs/reliability.md.
+
+#include <gtest/gtest.h>
+#include <linux/input-event-codes.h>
+
+#include <chrono>
+#include <csignal>
+#include <functional>
+#include <string>
+
+#include "desktop/CaptureFixture.h"
+
+namespace lumiscan::testing {
+namespace {
+
+class FaultTest : public CaptureTest {
+ protected:
+  const std::string text_ = joined(pageLines, "\n");
+
+  /// Returns when the program has heard it, and a next press is none within the same millisecond, which would
+  /// be a key's repetition.
+  void pressAndBeHeard() {
+    using std::chrono::steady_clock;
+    const long before = logged("fired");
+    pressShortcut();
+    const auto next = steady_clock::now() + std::chrono::milliseconds(2);
+    ASSERT_TRUE(waitUntil([&] { return logged("fired") > before && steady_clock::now() > next; }));
+  }
+  /// Another program takes the clipboard.
+  static void fillClipboard() {
+    Process other({"xclip", "-selection", "clipboard", "-in", "/dev/null"});
+    ASSERT_EQ(other.waitForEnd(), 0);
+  }
+  void beginSession() {
+    pressShortcut();
+    ASSERT_TRUE(waitUntil([this] { return overlays() == 1 && inputIsTaken(); }));
+  }
+  void dragOverThePage() { desktop_.drag(left - 8, top - 8, right, bottom); }
+  /// Whether a whole capture works. Those before must have ended.
+  void expectACapture() {
+    fillClipboard();
+    captureThePage();
+    EXPECT_TRUE(waitForClipboard(text_)) << PrivateDesktop::clipboard().value_or("no text");
+    EXPECT_EQ(program_->exitStatus(), std::nullopt);
+  }
+  long logged(const std::string& line) const {
+    const std::string log = program_->standardError();
+    long count = 0;
+    for (auto at = log.find(line); at != std::string::npos; at = log.find(line, at + 1)) ++count;
+    return count;
+  }
+};
+
+TEST_F(FaultTest, WindowAndCompositingManagersMayComeAndGo) {
+  const std::pair<const char*, std::function<void()>> faults[] = {
+      {"a window manager restarts", [this] { desktop_.restartWindowManager(); }},
+      {"a compositor starts", [this] { desktop_.startCompositor(); }},
+      {"a compositor dies", [this] { desktop_.endCompositor(); }},
+  };
+  for (const auto& [name, happen] : faults) {
+    SCOPED_TRACE(name);
+    fillClipboard();
+    beginSession();
+    happen();
+    EXPECT_TRUE(inputIsTaken()) << "the session goes on";
+    EXPECT_TRUE(waitUntil([this] { return pageHasInk(); })) << "and shows the desktop";
+    dragOverThePage();
+    ASSERT_TRUE(waitForOverlays(0));
+    EXPECT_TRUE(waitForClipboard(text_)) << PrivateDesktop::clipboard().value_or("no text");
+    expectACapture();
+  }
+}
+
+TEST_F(FaultTest, ASessionGoesOnAfterTheProgramWasSuspended) {
+  beginSession();
+  program_->signal(SIGSTOP);
+  dragOverThePage();
+  program_->signal(SIGCONT);
+  ASSERT_TRUE(waitForOverlays(0));
+  EXPECT_TRUE(waitForClipboard(text_));
+  expectACapture();
+}
+
+TEST_F(FaultTest, ACaptureMayBeginAtEveryStageOfAnother) {
+  const std::pair<const char*, std::function<void()>> stages[] = {
+      {"opening", [this] { pressAndBeHeard(); }},
+      {"dragging",
+       [this] {
+         beginSession();
+         desktop_.moveMouse(left, top);
+         desktop_.buttonDown();
+         desktop_.moveMouse(right, bottom);
+       }},
+      {"taking the picture",
+       [this] {
+         beginSession();
+         dragOverThePage();
+       }},
+      {"recognizing", [this] { captureThePage(); }},
+      {"showing the message",
+       [this] {
+         captureThePage();
+         ASSERT_TRUE(waitUntil([this] { return !desktop_.windowsOfClass("LumiscanPanel").empty(); }));
+       }},
+  };
+  long sessions = 0;
+  for (const auto& [name, reach] : stages) {
+    SCOPED_TRACE(name);
+    fillClipboard();
+    reach();
+    pressShortcut();
+    sessions += 2;
+    ASSERT_TRUE(waitUntil([&] { return logged("selection surfaces shown") == sessions && inputIsTaken(); }));
+    desktop_.buttonUp();
+    desktop_.pressKeys({KEY_ESC});
+    ASSERT_TRUE(waitForOverlays(0));
+    const bool isReplaced = name == std::string("opening") || name == std::string("dragging");
+    EXPECT_TRUE(isReplaced || waitForClipboard(text_)) << "the first one's";
+    expectACapture();
+    ++sessions;
+  }
+}
+
+TEST_F(FaultTest, FiveHundredPressesLeaveOneSession) {
+  const auto start = std::chrono::steady_clock::now();
+  for (int i = 0; i < 500; ++i) pressAndBeHeard();
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+  ASSERT_TRUE(waitUntil([this] { return logged("selection surfaces shown") == 500 && inputIsTaken(); }));
+  EXPECT_EQ(overlays(), 1U);
+  dragOverThePage();
+  EXPECT_TRUE(waitForClipboard(text_));
+  expectACapture();
+}
+
+TEST_F(FaultTest, NeedsNoFontsIconsOrCursorsAndNoReaderOfItsLog) {
+  program_ = nullptr;
+  std::ofstream(desktop_.home() / "fonts.conf") << "<fontconfig></fontconfig>\n";
+  startProgram({"env", "FONTCONFIG_FILE=" + (desktop_.home() / "fonts.conf").string(),
+                "XDG_DATA_DIRS=/nonexistent", "XCURSOR_PATH=/nonexistent", "QT_PLUGIN_PATH=/nonexistent"});
+  expectACapture();
+  expectACapture();
+  // The reader of the log ends once the program runs.
+  program_ = nullptr;
+  startProgram({"sh", "-c", "exec \"$0\" 2>&1 | head -n 1"});
+  for (int i = 0; i < 2; ++i) {
+    fillClipboard();
+    captureThePage();
+    EXPECT_TRUE(waitForClipboard(text_));
+    EXPECT_TRUE(desktop_.shortcutIsTaken());
+  }
+}
+
+TEST_F(FaultTest, AFullDiskCostsOnlyWhatIsStored) {
+  program_ = nullptr;
+  // The log goes through a pipe, since it would be cut short too.
+  startProgram({"sh", "-c", "prlimit --fsize=0 \"$0\" 2>&1 | cat >&2"});
+  expectACapture();
+  EXPECT_TRUE(waitUntil([this] { return logged("preferences can't be written") > 0; }));
+  expectACapture();
+}
+
+TEST_F(FaultTest, AHangingSessionBusHoldsNothingUp) {
+  program_ = nullptr;
+  Process bus({"dbus-daemon", "--session", "--nofork", "--print-address=1"});
+  ASSERT_TRUE(waitUntil([&bus] { return bus.standardOutput().ends_with('\n'); }));
+  std::string address = bus.standardOutput();
+  address.pop_back();
+  setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
+  bus.signal(SIGSTOP);
+  startProgram();
+  EXPECT_EQ(logged("the session bus doesn't answer"), 1);
+  expectACapture();
+}
+
+}  // namespace
+}  // namespace lumiscan::testing
