@@ -58,7 +58,9 @@ bool isLoneLabel(const ReadLine& line) {
   const bool isStroke = line.text.find_first_not_of("_-|Il. ") == std::string::npos;
   if (line.likely == line.symbols && !isStroke && line.confidence >= (line.symbols > 1 ? 40 : 70))
     return true;
-  return line.confidence >= 85 && 2 * letters >= line.symbols && line.pieces <= line.symbols;
+  // The engine is as sure of a path as of its worst character.
+  const double least = hasTouchingLetters(line) && letters >= 6 ? 70 : 85;
+  return line.confidence >= least && 2 * letters >= line.symbols && line.pieces <= line.symbols;
 }
 
 }  // namespace
