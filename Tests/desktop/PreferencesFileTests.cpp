@@ -90,8 +90,10 @@ TEST_F(PreferencesFile, SeesWhatIsChangedByHandAndKeepsWhatItDoesNotKnow) {
 }
 
 TEST_F(PreferencesFile, SetsAsideWhatCannotBeParsed) {
-  for (const std::string text : {"{\"cut\": ", "[1, 2]", ""}) {
-    SCOPED_TRACE(text);
+  constexpr std::size_t levels = 200'000;
+  const std::string deep = R"({"deep": )" + std::string(levels, '[') + std::string(levels, ']') + "}";
+  for (const std::string& text : {std::string("{\"cut\": "), std::string("[1, 2]"), std::string(), deep}) {
+    SCOPED_TRACE(text.substr(0, 20));
     write(text);
     const std::size_t before = errorLines();
     desktop::FileUserDefaults defaults(file_);
@@ -104,6 +106,7 @@ TEST_F(PreferencesFile, SetsAsideWhatCannotBeParsed) {
   EXPECT_EQ(mode(file_.string() + ".unreadable"), 0600U);
   EXPECT_EQ(content(file_.string() + ".unreadable-2"), "[1, 2]");
   EXPECT_EQ(content(file_.string() + ".unreadable-3"), "");
+  EXPECT_EQ(content(file_.string() + ".unreadable-4"), deep);
 }
 
 TEST_F(PreferencesFile, LivesOnInMemoryWhereItCannotBeWritten) {

@@ -60,6 +60,21 @@ std::optional<DefaultsValue> decoded(const json& member) {
   return member.get<std::vector<std::string>>();
 }
 
+/// The document of a preferences file; discarded when it isn't JSON, or nests so deeply that copying it and
+/// writing it, which go down its levels by recursion, could overflow the stack.
+json parsedDocument(const QByteArray& text) {
+  constexpr int mostLevels = 100;
+  bool isTooDeep = false;
+  json document = json::parse(
+      text.begin(), text.end(),
+      [&isTooDeep](int depth, json::parse_event_t, const json&) {
+        isTooDeep = isTooDeep || depth > mostLevels;
+        return !isTooDeep;  // Nothing further is kept.
+      },
+      /*allow_exceptions=*/false);
+  return isTooDeep ? json(json::value_t::discarded) : document;
+}
+
 /// Holds the lock that all writers of a file share. Where it can't be had the write goes on without it.
 class WriterLock {
  public:
@@ -143,7 +158,7 @@ void FileUserDefaults::reload() const {
     return;
   }
   const QByteArray text = file.readAll();
-  json parsed = json::parse(text.begin(), text.end(), nullptr, /*allow_exceptions=*/false);
+  json parsed = parsedDocument(text);
   if (parsed.is_object())
     document_ = std::move(parsed);
   else

@@ -16,8 +16,8 @@ namespace lumiscan::desktop {
 ///
 /// The file is replaced as a whole and atomically, with mode 0600 in a folder of mode 0700. Each write first
 /// reads what is there, under a lock that all instances of the program share, so two of them never lose each
-/// other's keys; members that this program doesn't know are kept. A file that can't be parsed is set aside
-/// as `preferences.json.unreadable`.
+/// other's keys; members that this program doesn't know are kept. A file that can't be parsed, or nests more
+/// than a hundred levels deep, is set aside as `preferences.json.unreadable`.
 class FileUserDefaults : public platform::UserDefaults {
  public:
   explicit FileUserDefaults(std::filesystem::path file);
