@@ -43,7 +43,7 @@ std::optional<UUID> UUID::fromString(std::string_view text) {
     const auto value = digitValue(text[i]);
     if (!value) return std::nullopt;
     std::uint8_t& byte = read.bytes[digits++ / 2];
-    byte = static_cast<std::uint8_t>(byte << 4 | *value);
+    byte = static_cast<std::uint8_t>(unsigned{byte} << 4 | *value);
   }
   return read;
 }

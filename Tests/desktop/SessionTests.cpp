@@ -278,6 +278,15 @@ std::pair<long, long> footprint() {
   return {kibibytes, std::distance(begin(files), end(files))};
 }
 
+/// What each open file of this process is, a line each.
+std::string openFiles() {
+  std::string lines;
+  std::error_code gone;
+  for (const auto& file : std::filesystem::directory_iterator("/proc/self/fd"))
+    lines += std::filesystem::read_symlink(file, gone).string() + "\n";
+  return lines;
+}
+
 // LUMISCAN_SOAK_SESSIONS says how many sessions, in place of a few.
 TEST_P(SessionTest, SoakLeavesNothingBehind) {
   start();
@@ -329,9 +338,13 @@ TEST_P(SessionTest, SoakLeavesNothingBehind) {
   const auto windows = private_.windows();
   const auto cursor = private_.cursorSerial();
   std::pair<long, long> before;
+  std::string filesBefore;
   for (int i = 0; i < sessions; ++i) {
     // The first ones fill caches and pools.
-    if (i == sessions / 4) before = footprint();
+    if (i == sessions / 4) {
+      before = footprint();
+      filesBefore = openFiles();
+    }
     const std::size_t ending = i < int(std::size(endings)) ? std::size_t(i) : random() % std::size(endings);
     SCOPED_TRACE("ending " + std::to_string(ending));
     begin();
@@ -347,7 +360,9 @@ TEST_P(SessionTest, SoakLeavesNothingBehind) {
   EXPECT_EQ(private_.cursorSerial(), cursor);
   // A repeat may still be at it, and each of the two threads for tasks, which come and go, has a file of its
   // own.
-  EXPECT_TRUE(waitFor([&] { return footprint().second <= before.second + 2; })) << "open files";
+  EXPECT_TRUE(waitFor([&] { return footprint().second <= before.second + 2; })) << "open files:\n"
+                                                                                << openFiles() << "before:\n"
+                                                                                << filesBefore;
 #ifndef __SANITIZE_ADDRESS__  // Which keeps what was freed.
   // What was frozen for the last session goes a moment after it.
   EXPECT_TRUE(waitFor([&] { return footprint().first - before.first < 2048; }))

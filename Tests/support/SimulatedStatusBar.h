@@ -13,16 +13,16 @@
 
 namespace lumiscan::testing {
 
+/// What shows in a status bar.
+struct ShownStatusItem {
+  double length = 0;
+  platform::StatusItemButton button;
+  std::shared_ptr<platform::Menu> menu;
+};
+
 /// A status bar with a place for one item.
 class SimulatedStatusBar : public platform::StatusBar {
  public:
-  /// What shows in the bar; nothing when there is no item.
-  struct Shown {
-    double length = 0;
-    platform::StatusItemButton button;
-    std::shared_ptr<platform::Menu> menu;
-  };
-
   std::unique_ptr<platform::StatusItem> statusItem(double length) override {
     platform::MainQueue::assertCurrent();
     return std::make_unique<Item>(*this, length);
@@ -33,7 +33,7 @@ class SimulatedStatusBar : public platform::StatusBar {
     return platform::SymbolImage{std::string(name), std::string(accessibilityDescription)};
   }
 
-  std::optional<Shown> shown;
+  std::optional<ShownStatusItem> shown;  ///< Nothing when there is no item.
   bool hasButtons = true;
   std::string knownSymbol = "text.viewfinder";
 

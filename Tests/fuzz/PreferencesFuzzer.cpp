@@ -1,0 +1,67 @@
+// Arbitrary bytes as the preferences file: whatever it holds, a value written is read again by the next start
+// of the program, and the other members of a file that can be read stay.
+
+#include <unistd.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+
+#include "fuzz/Require.h"
+#include "platform/linux/UserDefaults.h"
+#include "support/SimulatedDesktop.h"
+
+namespace lumiscan::fuzzing {
+namespace {
+
+/// One for each input, so that no input depends on those before it.
+class Folder {
+ public:
+  ~Folder() { std::filesystem::remove_all(path_); }
+  Folder() { std::filesystem::create_directories(path_); }
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
+  std::filesystem::path file() const { return path_ / "preferences.json"; }
+
+ private:
+  const std::filesystem::path path_ =
+      std::filesystem::temp_directory_path() / ("lumiscan-fuzz-" + std::to_string(getpid()));
+};
+
+nlohmann::json parsed(const std::filesystem::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return nlohmann::json::parse(stream, nullptr, /*allow_exceptions=*/false);
+}
+
+void useFile(const std::filesystem::path& file) {
+  constexpr std::string_view keys[] = {"playSound", "recognitionLanguages", "captureHistory", "lastSelection",
+                                       "hotkey.captureText"};
+  const testing::SimulatedDesktop desktop;  // Where the store logs.
+  desktop::FileUserDefaults defaults(file);
+  for (const std::string_view key : keys) defaults.object(key);
+
+  // A file that the store could not read is no longer here.
+  const nlohmann::json before = std::filesystem::exists(file) ? parsed(file) : nlohmann::json::object();
+  const std::vector<std::string> languages{"de-DE", "en-US"};
+  defaults.setObject("recognitionLanguages", languages);
+  const desktop::FileUserDefaults next(file);
+  require(next.stringArrayForKey("recognitionLanguages") == languages);
+  nlohmann::json after = parsed(file);
+  require(after.is_object());
+  nlohmann::json expected = before;
+  expected.erase("recognitionLanguages");
+  after.erase("recognitionLanguages");
+  require(after == expected);
+}
+
+}  // namespace
+}  // namespace lumiscan::fuzzing
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const lumiscan::fuzzing::Folder folder;
+  std::ofstream(folder.file(), std::ios::binary)
+      .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
+  lumiscan::fuzzing::useFile(folder.file());
+  return 0;
+}
