@@ -8,6 +8,7 @@
 
 #include "platform/Display.h"
 #include "platform/HostingView.h"
+#include "platform/linux/StatusIcon.h"
 #include "platform/linux/ToolkitConnection.h"
 #include "platform/linux/form/FormPalette.h"
 #include "platform/linux/x11/Activation.h"
@@ -38,6 +39,9 @@ ManagedWindow::ManagedWindow(platform::Window& window, ColorScheme& colorScheme)
       colorScheme_(colorScheme),
       form_(content_.form()) {
   setWindowTitle(QString::fromStdString(window.attributes().title));
+  constexpr int iconSide = 48;  // Pixels; title bars reduce it.
+  setWindowIcon(
+      QPixmap::fromImage(symbolPicture("text.viewfinder", iconSide, palette().color(QPalette::WindowText))));
   setCentralWidget(&form_);
   const QSize content = toolkitSize(window.frame().size);
   setFixedSize(content.expandedTo(toolkitSize(content_.form().minimumSize)));
