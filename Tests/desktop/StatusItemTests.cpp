@@ -199,17 +199,27 @@ TEST_F(StatusItemTest, APanelReadsAndChoosesOverTheBus) {
     return lines(layout(historyID)) == std::vector<std::string>{"(No captures yet)"};
   }));
 
+  click(idOf(layout(), "Settings…"));
+  ASSERT_TRUE(waitFor([this] {
+    const auto shown = screen_.windowsOfClass("Lumiscan");
+    return shown.size() == 1 && screen_.focusedWindow() == shown.front();
+  }));
+  for (int i = 0; i < 3; ++i) screen_.pressKeys({KEY_TAB});
+  screen_.pressKeys({KEY_SPACE});
+  EXPECT_TRUE(waitFor([&] { return lines(layout()) == expected("Additive Clipboard"); }))
+      << "the menu follows the fourth switch";
+
   click(idOf(layout(), "About Lumiscan"));
-  ASSERT_TRUE(waitFor([this] { return windows() == 1 && screen_.focusedWindow() > XCB_INPUT_FOCUS_PARENT; }));
+  ASSERT_TRUE(waitFor([this] { return windows() == 2 && screen_.focusedWindow() > XCB_INPUT_FOCUS_PARENT; }));
   click(idOf(layout(), "About Lumiscan"));
   EXPECT_EQ(lines(layout()).size(), 17U) << "a box in front holds nothing up";
-  EXPECT_EQ(windows(), 1U);
+  EXPECT_EQ(windows(), 2U);
   EXPECT_TRUE(waitFor([this] {
     screen_.pressKeys({KEY_ENTER});
-    return windows() == 0;
+    return windows() == 1;
   }));
   click(idOf(layout(), "About Lumiscan"));
-  ASSERT_TRUE(waitFor([this] { return windows() == 1; }));
+  ASSERT_TRUE(waitFor([this] { return windows() == 2; }));
   click(idOf(layout(), "Quit Lumiscan"));
   EXPECT_EQ(program_->waitForEnd(processEvents), 0) << "the box keeps nobody";
 }
