@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numeric>
 #include <optional>
 
@@ -119,16 +120,15 @@ int borderNear(double border, double pitch, const Glyph& glyph, const GreyBitmap
   const int reach = std::max(1, static_cast<int>(std::lround(0.15 * pitch)));
   const int expected = static_cast<int>(std::lround(border));
   int best = expected;
-  double least = 0;
+  double least = std::numeric_limits<double>::infinity();
   for (int x = expected - reach; x <= expected + reach; ++x) {
     if (x <= glyph.box.left || x > glyph.box.right) continue;
     double sum = 0;
     for (int y = glyph.box.top; y <= glyph.box.bottom; ++y) sum += ink.at(x, y);
     sum *= 1 + 0.1 * std::abs(x - border);
-    if (x == expected - reach || best <= glyph.box.left || sum < least) {
-      best = x;
-      least = sum;
-    }
+    if (sum >= least) continue;
+    best = x;
+    least = sum;
   }
   return best;
 }
