@@ -16,11 +16,6 @@ std::vector<Glyph> takeUnderscores(std::vector<Glyph>& glyphs, const TextLine& l
 void insertUnderscores(std::vector<Symbol>& symbols, const std::vector<Glyph>& underscores,
                        const std::vector<Glyph>& letters, const TextLine& line);
 
-/// Makes apostrophes and quotation marks straight, and one or two strokes, where their ink is: the models
-/// prefer what is usual in books.
-void correctQuotes(std::vector<Symbol>& symbols, const std::vector<Glyph>& glyphs, const GreyBitmap& ink,
-                   const TextLine& line);
-
 /// Makes a dash as many hyphens where there are several strokes.
 void correctDashes(std::vector<Symbol>& symbols, const GreyBitmap& ink, const TextLine& line);
 

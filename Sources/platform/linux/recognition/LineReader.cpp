@@ -13,6 +13,7 @@
 #include "platform/linux/recognition/LineImage.h"
 #include "platform/linux/recognition/LineShapes.h"
 #include "platform/linux/recognition/Plausibility.h"
+#include "platform/linux/recognition/QuotationMarks.h"
 #include "platform/linux/recognition/Scripts.h"
 #include "platform/linux/recognition/ShapeCorrections.h"
 #include "platform/linux/recognition/Spacing.h"
@@ -83,7 +84,16 @@ LineDraft draftOf(Engine& engine, const GreyBitmap& ink, const TextLine& line) {
   draft.underscores = takeUnderscores(draft.letters, line);
   // Strokes below nothing are a rule.
   if (draft.letters.empty()) return draft;
+  draft.symbols = readQuotationMarks(draft.letters, ink, line);
+  if (!draft.symbols.empty()) {
+    draft.pieces = draft.symbols.size();
+    draft.confidence = draft.sureness = meanConfidence(draft.symbols);
+    return draft;
+  }
   LineReading reading = readRendition(engine, ink, draft, usualRendition);
+  // Now and then the engine finds nothing in what it reads well when it is drawn a little differently.
+  for (const Rendition& rendition : otherRenditions)
+    if (reading.symbols.empty()) reading = readRendition(engine, ink, draft, rendition);
   draft.symbols = std::move(reading.symbols);
   draft.sureness = meanConfidence(draft.symbols);
   if (isWideText(draft.symbols)) {
@@ -149,9 +159,13 @@ std::vector<std::string> readLines(EngineCrew& crew, const std::vector<std::vect
   std::vector<ReadLine> read;
   for (LineDraft& draft : drafts) {
     const TextLine& line = *draft.line;
-    ReadLine result{
-        {},          draft.confidence, line.letterHeight, draft.symbols.size(), likelyCount(draft.symbols),
-        draft.pieces};
+    ReadLine result{{},
+                    draft.confidence,
+                    meanConfidence(draft.symbols),
+                    line.letterHeight,
+                    draft.symbols.size(),
+                    likelyCount(draft.symbols),
+                    draft.pieces};
     insertUnderscores(draft.symbols, draft.underscores, draft.letters, line);
     correctQuotes(draft.symbols, draft.letters, ink, line);
     correctDashes(draft.symbols, ink, line);

@@ -44,6 +44,20 @@ bool hasLongWord(const std::string& text) {
   return false;
 }
 
+/// Whether the engine is sure of most of several characters, some of which make a word or a number. Rows of
+/// icons are read as single characters.
+bool isSureOfCharacters(const ReadLine& line) {
+  constexpr std::size_t fewest = 5;
+  constexpr double leastSureness = 95;
+  constexpr int leastRun = 3;
+  if (line.symbols < fewest || line.sureness < leastSureness || line.pieces > line.symbols + 1) return false;
+  int run = 0;
+  return std::any_of(line.text.begin(), line.text.end(), [&](char c) {
+    run = std::isalnum(static_cast<unsigned char>(c)) ? run + 1 : 0;
+    return run >= leastRun;
+  });
+}
+
 bool isSure(const ReadLine& line) {
   if (line.likely >= 3 && 2 * line.likely >= line.symbols) return true;
   const std::size_t letters = lettersIn(line.text);
@@ -66,12 +80,13 @@ bool isLoneLabel(const ReadLine& line) {
 }  // namespace
 
 void dropImplausible(std::vector<ReadLine>& lines) {
+  constexpr std::size_t mostLabels = 3;
+  const bool areFew = lines.size() <= mostLabels;
   std::vector<int> sureHeights;
   for (const ReadLine& line : lines)
-    if (isSure(line)) sureHeights.push_back(line.letterHeight);
+    if (isSure(line) || (areFew && isSureOfCharacters(line))) sureHeights.push_back(line.letterHeight);
   if (sureHeights.empty()) {
-    constexpr std::size_t mostLabels = 3;
-    if (lines.size() > mostLabels) return lines.clear();
+    if (!areFew) return lines.clear();
     std::erase_if(lines, [](const ReadLine& line) { return !isLoneLabel(line); });
     return;
   }

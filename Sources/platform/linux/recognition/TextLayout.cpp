@@ -75,6 +75,20 @@ bool isInside(const PixelBox& inner, const PixelBox& outer) {
          inner.bottom < outer.bottom;
 }
 
+/// The usual height of what may be letters, of which there may be so few that a frame around them would count
+/// for as much.
+int usualHeightWithin(const Glyphs& glyphs, Characters characters) {
+  constexpr std::size_t few = 16;
+  if (glyphs.size() > few) return usualHeight(glyphs, characters);
+  Glyphs unframed;
+  std::copy_if(glyphs.begin(), glyphs.end(), std::back_inserter(unframed), [&](const Glyph& glyph) {
+    return std::none_of(glyphs.begin(), glyphs.end(), [&](const Glyph& other) {
+      return isInside(other.box, glyph.box) && 5 * other.height() >= glyph.height();
+    });
+  });
+  return usualHeight(unframed, characters);
+}
+
 /// Whether a piece is drawn around or beside the text: a rule, a frame, a border at the edge of the image, a
 /// caret there. No letter reaches from edge to edge, and none has several others inside.
 bool isRuleOrFrame(const Glyph& glyph, const Glyphs& all, int usual, const GreyBitmap& image) {
@@ -138,9 +152,14 @@ bool isCaretAtEdge(const Glyph& stroke, const Glyphs& all, int usual, int imageW
 /// Whether a line is of short upright strokes alone, as those that open and close a longer text are: they
 /// stand high, and what they stand over isn't there to tell.
 bool areQuotationMarks(const Glyphs& glyphs, int usual) {
-  return std::all_of(glyphs.begin(), glyphs.end(), [&](const Glyph& glyph) {
-    return glyph.height() >= 3 && 5 * glyph.height() < 4 * usual && 10 * glyph.height() >= 13 * glyph.width();
-  });
+  std::size_t strokes = 0;  // The others are two that touch.
+  return std::all_of(glyphs.begin(), glyphs.end(),
+                     [&](const Glyph& glyph) {
+                       strokes += 10 * glyph.height() >= 13 * glyph.width();
+                       return glyph.height() >= 3 && 5 * glyph.height() < 4 * usual &&
+                              glyph.height() >= glyph.width();
+                     }) &&
+         2 * strokes >= glyphs.size();
 }
 
 /// A line while it is put together.
@@ -235,12 +254,36 @@ Glyphs addMarks(std::vector<Row>& rows, const Glyphs& marks, int usual, int reac
       return std::pair(markDistance(a, mark, usual), std::abs(a.middle() - mark.middle())) <
              std::pair(markDistance(b, mark, usual), std::abs(b.middle() - mark.middle()));
     });
-    if (nearest != rows.end() && nearest->distance(mark) <= reach)
+    // Accents and quotation marks stand well above small letters, but nothing far below them but strokes.
+    const bool upright =
+        nearest != rows.end() && mark.box.top > nearest->bottom && mark.width() < mark.height();
+    if (nearest != rows.end() && nearest->distance(mark) <= (upright ? reach / 2 : reach))
       nearest->glyphs.push_back(mark);
     else
       apart.push_back(mark);
   }
   return apart;
+}
+
+/// Joins rows of nothing but marks that are the upper and lower parts of some: of colons and semicolons.
+void joinPartsOfMarks(std::vector<Row>& rows, int usual) {
+  std::sort(rows.begin(), rows.end(), [](const Row& a, const Row& b) { return a.top < b.top; });
+  for (std::size_t i = 1; i < rows.size();) {
+    Row& above = rows[i - 1];
+    const Row& below = rows[i];
+    const bool isOver = std::all_of(below.glyphs.begin(), below.glyphs.end(), [&](const Glyph& glyph) {
+      return std::any_of(above.glyphs.begin(), above.glyphs.end(), [&](const Glyph& other) {
+        return other.box.left <= glyph.box.right && other.box.right >= glyph.box.left;
+      });
+    });
+    if (isOver && below.top - above.bottom <= usual) {
+      above.glyphs.insert(above.glyphs.end(), below.glyphs.begin(), below.glyphs.end());
+      above.bottom = below.bottom;
+      rows.erase(rows.begin() + static_cast<std::ptrdiff_t>(i));
+    } else {
+      ++i;
+    }
+  }
 }
 
 /// Rows of glyphs that are sorted from left to right.
@@ -260,6 +303,7 @@ std::vector<Row> rowsOf(const Glyphs& glyphs, int usual, Characters characters) 
     joinRowsOfMarks(rows, usual);
     // Lines of nothing but marks.
     std::vector<Row> more = rowsOfLetters(addMarks(rows, marks, usual, usual));
+    joinPartsOfMarks(more, usual);
     std::move(more.begin(), more.end(), std::back_inserter(rows));
     return rows;
   }
@@ -331,7 +375,7 @@ std::vector<TextLine> findTextLines(const GreyBitmap& ink, Characters characters
   const std::optional<int> threshold = inkThreshold(ink);
   if (!threshold) return {};
   const Glyphs glyphs = connectedPieces(ink, *threshold);
-  const int usual = usualHeight(glyphs, characters);
+  const int usual = usualHeightWithin(glyphs, characters);
   if (usual == 0) return {};
   Glyphs kept;
   std::copy_if(glyphs.begin(), glyphs.end(), std::back_inserter(kept), [&](const Glyph& glyph) {

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <vector>
+
+#include "platform/linux/recognition/Engine.h"
+#include "platform/linux/recognition/TextLayout.h"
+
+namespace lumiscan::desktop {
+
+/// Reads a line of nothing but straight marks, such as those that open and close a longer text, which the
+/// engine mostly can't. Nothing where there is anything else. Boxes in pixels of the image.
+std::vector<Symbol> readQuotationMarks(const std::vector<Glyph>& glyphs, const GreyBitmap& ink,
+                                       const TextLine& line);
+
+/// Makes apostrophes and quotation marks straight or curly, and one or two strokes, where their ink is: the
+/// models prefer what is usual in books.
+void correctQuotes(std::vector<Symbol>& symbols, const std::vector<Glyph>& glyphs, const GreyBitmap& ink,
+                   const TextLine& line);
+
+}  // namespace lumiscan::desktop
