@@ -130,10 +130,18 @@ class Aligner {
     return cost + placeCost(c, clusters, s, 1);
   }
 
+  /// Whether symbols are fi, fl, ff or longer ones, which some fonts make one sign in one cell.
+  bool isLigature(std::size_t s, std::size_t count) const {
+    for (std::size_t i = 0; i + 1 < count; ++i)
+      if (symbols_[s + i].text != "f") return false;
+    const std::string& last = symbols_[s + count - 1].text;
+    return last == "f" || last == "i" || last == "l";
+  }
+
   double touchingCost(std::size_t c, std::size_t s, std::size_t count) {
     const PixelBox& box = shapes_.clusters()[c].box;
     const auto& cells = shapes_.line().cells;
-    if (cells && box.right - box.left + 1 <= 1.2 * cells->pitch) return impossible;
+    if (cells && box.right - box.left + 1 <= 1.2 * cells->pitch && !isLigature(s, count)) return impossible;
     // Even l needs a fourth of its height.
     const double width = static_cast<double>(box.right - box.left + 1) / letterHeight_;
     if (width < 0.3 * static_cast<double>(count)) return impossible;
