@@ -49,6 +49,8 @@ double confidenceOfWide(double ofSymbols) {
 
 constexpr Rendition usualRendition{36, 0.3};
 constexpr Rendition otherRenditions[] = {{36, 0.2}, {30, 0.25}};
+/// Now and then the engine finds nothing in what it reads well when it is drawn a little differently.
+constexpr Rendition lastRenditions[] = {{33, 0.2}, {30, 0.25}};
 
 /// Whether a line is worth reading more than once: the engine isn't sure of a symbol, less so where it
 /// doesn't look like it.
@@ -91,8 +93,7 @@ LineDraft draftOf(Engine& engine, const GreyBitmap& ink, const TextLine& line) {
     return draft;
   }
   LineReading reading = readRendition(engine, ink, draft, usualRendition);
-  // Now and then the engine finds nothing in what it reads well when it is drawn a little differently.
-  for (const Rendition& rendition : otherRenditions)
+  for (const Rendition& rendition : lastRenditions)
     if (reading.symbols.empty()) reading = readRendition(engine, ink, draft, rendition);
   draft.symbols = std::move(reading.symbols);
   draft.sureness = meanConfidence(draft.symbols);

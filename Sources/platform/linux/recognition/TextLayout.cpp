@@ -62,12 +62,18 @@ Glyphs connectedPieces(const GreyBitmap& ink, int threshold) {
 /// high as the character.
 double usualShare(Characters characters) { return characters == Characters::alphabetic ? 0.5 : 0.8; }
 
-/// The usual height of the glyphs that may be letters.
+/// The usual height of the glyphs that may be letters or, where none is narrow enough, words whose letters
+/// touch.
 int usualHeight(const Glyphs& glyphs, Characters characters = Characters::alphabetic) {
-  std::vector<int> heights;
-  for (const Glyph& glyph : glyphs)
-    if (glyph.height() >= 4 && glyph.width() <= 4 * glyph.height()) heights.push_back(glyph.height());
-  return heights.empty() ? 0 : levelAt(std::move(heights), usualShare(characters));
+  const auto usual = [&](int leastHeight, int mostWidth) {
+    std::vector<int> heights;
+    for (const Glyph& glyph : glyphs)
+      if (glyph.height() >= leastHeight && glyph.width() <= mostWidth * glyph.height())
+        heights.push_back(glyph.height());
+    return heights.empty() ? 0 : levelAt(std::move(heights), usualShare(characters));
+  };
+  const int ofLetters = usual(4, 4);
+  return ofLetters > 0 ? ofLetters : usual(6, 16);
 }
 
 bool isInside(const PixelBox& inner, const PixelBox& outer) {
