@@ -92,6 +92,15 @@ TEST(TextRecognizer, ReadsSignsWhereTheEngineAloneReadsLetters) {
         << size;
 }
 
+TEST(TextRecognizer, ReadsLinesOfQuotationMarks) {
+  const std::vector<std::string> code{"def twice(number):", "\"\"\"", "return 2 * number", "'''"};
+  for (const double size : {14.0, 18.0, 22.0})
+    EXPECT_THAT(
+        linesOf(pictureOf(code, {size, Color::black(), Color::white(), platform::Font::Design::monospaced})),
+        ElementsAreArray(code))
+        << size;
+}
+
 TEST(TextRecognizer, ReadsSpacesByTheirWidthAndDashesByTheirStrokes) {
   const std::vector<std::string> text{"I came, I saw -- and one when he", "was a boy. (8) Ln 12, Col 8",
                                       "Move to Trash at 9:05 PM today"};

@@ -48,7 +48,8 @@ bool hasLongWord(const std::string& text) {
 /// icons are read as single characters.
 bool isSureOfCharacters(const ReadLine& line) {
   constexpr std::size_t fewest = 5;
-  constexpr double leastSureness = 90;
+  constexpr std::size_t severalLikely = 3;
+  const double leastSureness = line.likely >= severalLikely ? 90 : 95;
   constexpr int leastRun = 3;
   if (line.symbols < fewest || line.sureness < leastSureness || line.pieces > line.symbols + 1) return false;
   int run = 0;
