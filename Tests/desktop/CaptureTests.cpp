@@ -7,9 +7,9 @@
 
 #include <csignal>
 #include <fstream>
-#include <sstream>
 
 #include "desktop/CaptureFixture.h"
+#include "desktop/Servers.h"
 #include "platform/linux/drawing/QRCode.h"
 
 namespace lumiscan::testing {
@@ -21,22 +21,9 @@ TEST_F(CaptureTest, ADragBecomesTextOnThePasteboard) {
   EXPECT_TRUE(waitUntil([this] { return pageHasFocus(); }));
 
   // Again, with the user's other choice of line breaks made while the program runs.
-  const auto folder = desktop_.home() / "config" / "lumiscan";
-  std::filesystem::create_directories(folder);
-  std::ofstream(folder / "preferences.json") << R"({"keepLineBreaksByDefault": false})";
+  desktop_.writePreferences(R"({"keepLineBreaksByDefault": false})");
   captureThePage();
   EXPECT_TRUE(waitForClipboard(joined(pageLines, " "))) << PrivateDesktop::clipboard().value_or("no text");
-}
-
-TEST_F(CaptureTest, TheShortcutWorksWhateverTheLocks) {
-  desktop_.pressKeys({KEY_CAPSLOCK});
-  pressShortcut();
-  ASSERT_TRUE(waitForOverlays(1));
-  desktop_.pressKeys({KEY_ESC});
-  ASSERT_TRUE(waitForOverlays(0));
-  desktop_.pressKeys({KEY_NUMLOCK});
-  pressShortcut();
-  EXPECT_TRUE(waitForOverlays(1));
 }
 
 TEST_F(CaptureTest, EscapeAndAClickGiveTheDesktopBackAsItWas) {
@@ -95,19 +82,6 @@ TEST_F(CaptureTest, TheOverlayShowsTheDesktopWithACrosshairAndNothingElse) {
   EXPECT_TRUE(waitUntil(crosshairIsAlone));
 }
 
-TEST_F(CaptureTest, PressingTheShortcutAgainStartsAfresh) {
-  pressShortcut();
-  ASSERT_TRUE(waitForOverlays(1));
-  const auto first = desktop_.windowsOfClass("Lumiscan");
-  pressShortcut();
-  ASSERT_TRUE(waitUntil([&] {
-    const auto now = desktop_.windowsOfClass("Lumiscan");
-    return now.size() == 1 && now != first;
-  }));
-  desktop_.drag(left - 8, top - 8, right, bottom);
-  EXPECT_TRUE(waitForClipboard(joined(pageLines, "\n")));
-}
-
 /// Captures in every mode, with the program started in one way or another.
 class EveryModeTest : public CaptureTest, public ::testing::WithParamInterface<std::vector<std::string>> {
  protected:
@@ -116,16 +90,13 @@ class EveryModeTest : public CaptureTest, public ::testing::WithParamInterface<s
   static constexpr const char* code = "24680 lines in a code";
 
   /// A speech server that makes no sound.
-  void startSpeechServer() {
+  void startSilentSpeechServer() {
     const auto folder = desktop_.home() / "speech";
     std::filesystem::create_directories(folder / "modules");
     std::ofstream(folder / "speechd.conf") << "AudioOutputMethod \"alsa\"\nAudioALSADevice \"null\"\n"
                                               "AddModule \"dummy\" \"sd_dummy\" \"\"\nDefaultModule dummy\n";
     setenv("SPEECHD_ADDRESS", ("unix_socket:" + (folder / "socket").string()).c_str(), 1);
-    speechServer_ = std::make_unique<Process>(
-        std::vector<std::string>{"speech-dispatcher", "-s", "-t", "0", "-c", "unix_socket", "-S",
-                                 folder / "socket", "-C", folder, "-L", folder, "-P", folder / "pid"});
-    ASSERT_TRUE(waitUntil([&] { return std::filesystem::exists(folder / "socket"); }));
+    speechServer_ = startSpeechServer(folder);
   }
 
   /// Shows the code in a terminal, two blanks a module.
@@ -151,11 +122,6 @@ class EveryModeTest : public CaptureTest, public ::testing::WithParamInterface<s
     }));
   }
 
-  static std::string contentOf(const std::filesystem::path& file) {
-    std::ostringstream text;
-    text << std::ifstream(file).rdbuf();
-    return text.str();
-  }
   /// Where the secret is found, but for the file that is shown and the preferences.
   std::vector<std::string> placesOfTheSecret() const {
     namespace fs = std::filesystem;
@@ -194,11 +160,9 @@ TEST_P(EveryModeTest, CapturesWithoutANetworkAndLeavesTheTextOnlyWhereItBelongs)
   attempt.push_back("true");
   if (Process(attempt).waitForEnd() != 0) GTEST_SKIP() << "this kernel allows no namespace without a network";
   program_ = nullptr;
-  startSpeechServer();
+  startSilentSpeechServer();
   showCode();
-  const auto folder = desktop_.home() / "config" / "lumiscan";
-  std::filesystem::create_directories(folder);
-  std::ofstream(folder / "preferences.json") << R"({"additiveEnabled": true})";
+  desktop_.writePreferences(R"({"additiveEnabled": true})");
   startProgram(GetParam());
 
   const std::string page = joined(pageLines, "\n");

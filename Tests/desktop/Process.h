@@ -33,6 +33,8 @@ class Process {
   /// What it has written so far.
   std::string standardOutput() const;
   std::string standardError() const;
+  /// How often a text is in the standard error.
+  long countInError(const std::string& text) const;
 
  private:
   pid_t pid_ = -1;

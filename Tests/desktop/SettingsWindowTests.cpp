@@ -12,12 +12,10 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
-#include "desktop/PrivateDesktop.h"
+#include "desktop/LinuxFixture.h"
 #include "hotkeys/HotkeyManager.h"
 #include "output/HistoryStore.h"
-#include "platform/Application.h"
 #include "platform/NotificationCenter.h"
-#include "platform/linux/LinuxDesktop.h"
 #include "settings/Settings.h"
 #include "settings/SettingsWindowController.h"
 
@@ -27,17 +25,13 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class SettingsWindowTest : public ::testing::Test {
+class SettingsWindowTest : public ::testing::Test, protected LinuxFixture {
  protected:
   SettingsWindowTest() {
-    platform::Application::shared();
     auto& hotkeys = HotkeyManager::shared();
     hotkeys.onAction = [this](HotkeyAction action) { fired_.emplace_back(rawValue(action)); };
     hotkeys.reregisterAll();
   }
-
-  static void processEvents() { QCoreApplication::processEvents(QEventLoop::AllEvents, 5); }
-  static bool waitFor(const std::function<bool()>& condition) { return waitUntil(condition, processEvents); }
 
   void open() {
     controller_.show();
@@ -64,9 +58,9 @@ class SettingsWindowTest : public ::testing::Test {
   }
 
   void clickAt(const QPoint& position) {
-    screen_.moveMouse(position.x(), position.y());
-    screen_.buttonDown();
-    screen_.buttonUp();
+    screen().moveMouse(position.x(), position.y());
+    screen().buttonDown();
+    screen().buttonUp();
   }
   void click(const QString& name) {
     processEvents();  // The rows that the last change made anew have their places then.
@@ -78,10 +72,10 @@ class SettingsWindowTest : public ::testing::Test {
     click(name);
     ASSERT_TRUE(waitFor([&] { return focused() == name; }));
   }
-  void press(const std::vector<std::uint8_t>& keys) { screen_.pressKeys(keys); }
+  void press(const std::vector<std::uint8_t>& keys) { screen().pressKeys(keys); }
 
   nlohmann::json stored(const std::string& key) const {
-    std::ifstream file(screen_.home() / "config/lumiscan/preferences.json");
+    std::ifstream file(screen().home() / "config/lumiscan/preferences.json");
     const auto document = nlohmann::json::parse(file, nullptr, false);
     return document.is_object() && document.contains(key) ? document[key] : nlohmann::json();
   }
@@ -89,14 +83,9 @@ class SettingsWindowTest : public ::testing::Test {
     return waitFor([&] { return stored(key) == value; });
   }
   std::filesystem::path autostartEntry() const {
-    return screen_.home() / "config/autostart/com.varnholt.Lumiscan.desktop";
+    return screen().home() / "config/autostart/com.varnholt.Lumiscan.desktop";
   }
 
-  PrivateDesktop screen_;
-  char name_[5] = "test";
-  char* argv_[2] = {name_, nullptr};
-  int argc_ = 1;
-  std::unique_ptr<desktop::LinuxDesktop> desktop_ = std::make_unique<desktop::LinuxDesktop>(argc_, argv_);
   SettingsWindowController controller_;
   std::vector<std::string> fired_;
 };
@@ -160,10 +149,10 @@ TEST_F(SettingsWindowTest, FieldsRecordWhatIsPressed) {
   const auto counting = platform::NotificationCenter::defaultCenter().addObserver(
       std::string(settingsChanged), [&records] { ++records; });
   const std::vector<std::uint8_t> held = {KEY_LEFTMETA, KEY_LEFTSHIFT, KEY_2};
-  for (const std::uint8_t key : held) screen_.keyDown(key);
+  for (const std::uint8_t key : held) screen().keyDown(key);
   EXPECT_TRUE(waitFor([&records] { return records > 2; })) << "the repeats of a key that is held";
   EXPECT_EQ(focused(), "Stop Speaking");
-  for (const std::uint8_t key : held) screen_.keyUp(key);
+  for (const std::uint8_t key : held) screen().keyUp(key);
 
   // The keys are physical.
   Process({"setxkbmap", "fr"}).waitForEnd(processEvents);
