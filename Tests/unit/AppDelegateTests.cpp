@@ -68,32 +68,6 @@ TEST_F(AppDelegateTest, RequestsOpenASessionWithAHintOrRepeatTheLastSelection) {
   EXPECT_EQ(describe(desktop.textRecognizer().requests.back().image), "100,550 300×150");
 }
 
-TEST_F(AppDelegateTest, WithoutAccessTheUserIsLedToTheSettings) {
-  desktop.displays().accessGranted = false;
-  press(HotkeyAction::captureText);
-  EXPECT_EQ(desktop.displays().accessRequests, 1);
-  EXPECT_THAT(desktop.workspace().opened,
-              ElementsAre("x-apple.systempreferences:com.apple.preference.security?Privacy_ScreenCapture"));
-
-  // Access granted meanwhile is seen at once; what fails all the same leads to the settings without asking.
-  desktop.displays().accessGranted = true;
-  capture(HotkeyAction::captureText);
-  EXPECT_EQ(desktop.workspace().opened.size(), 1U);
-  desktop.displays().detach(1);
-  press(HotkeyAction::captureLastSelection);
-  EXPECT_EQ(desktop.displays().accessRequests, 1);
-  EXPECT_EQ(desktop.workspace().opened.size(), 2U);
-}
-
-TEST_F(AppDelegateTest, OpensOneSettingsWindow) {
-  delegate->openSettings();
-  const auto windows = desktop.windows().visible();
-  ASSERT_EQ(windows.size(), 1U);
-  windows[0]->orderOut();
-  delegate->openSettings();
-  EXPECT_EQ(desktop.windows().keyWindow(), windows[0]);
-}
-
 TEST_F(AppDelegateTest, OverlappingCapturesFinishEachWithItsOwnResult) {
   desktop.textRecognizer().recognizes({"text"});
   desktop.barcodeDetector().finds({"payload"});

@@ -125,6 +125,13 @@ TEST_F(MenuTest, EachItemDoesWhatItSays) {
   EXPECT_THAT(results(), ElementsAre("store captureHistory"));
   EXPECT_THAT(HistoryStore::shared().items(), IsEmpty());
 
+  choose("Settings…");
+  platform::Window* const settings = desktop.windows().keyWindow();
+  ASSERT_TRUE(settings);
+  settings->orderOut();
+  choose("Settings…");
+  EXPECT_EQ(desktop.windows().keyWindow(), settings) << "one window for good";
+
   const int activations = desktop.application().activations;
   choose("About Lumiscan");
   ASSERT_EQ(desktop.alerts().shown.size(), 1U);
