@@ -42,7 +42,7 @@ TEST_F(ResultHUDTest, ThePanelFloatsUnfocusedWhereTheMouseIs) {
       {{10, 10}, fifty, std::nullopt, {{544, 852}, {352, 36}}},
       {{10, 10}, fifty + fifty, std::nullopt, {{517, 840}, {406, 48}}},
       {{1440, 0}, "Copied", std::nullopt, {{1820, 652}, {240, 36}}},
-      {{-5000, 0}, "Copied", std::nullopt, {{600, 852}, {240, 36}}},
+      {{1500, 700}, "Copied", std::nullopt, {{600, 852}, {240, 36}}},
   };
   for (const Case& each : cases) {
     desktop.windows().mouseLocation = each.mouse;
