@@ -73,10 +73,11 @@ class CaptureTest : public ::testing::Test {
   bool inputIsTaken() const { return !desktop_.canGrabPointer() && !desktop_.canGrabKeyboard(); }
   bool pageHasFocus() const { return desktop_.focusedWindow() == desktop_.windowsOfClass("Page").at(0); }
 
+  void dragOverThePage() { desktop_.drag(left - 8, top - 8, right, bottom); }
   void captureThePage() {
     pressShortcut();
     ASSERT_TRUE(waitForOverlays(1));
-    desktop_.drag(left - 8, top - 8, right, bottom);
+    dragOverThePage();
     ASSERT_TRUE(waitForOverlays(0));
   }
   bool waitForClipboard(const std::string& text) {

@@ -37,7 +37,6 @@ class FaultTest : public CaptureTest {
     pressShortcut();
     ASSERT_TRUE(waitUntil([this] { return overlays() == 1 && inputIsTaken(); }));
   }
-  void dragOverThePage() { desktop_.drag(left - 8, top - 8, right, bottom); }
   /// Whether a whole capture works. Those before must have ended.
   void expectACapture() {
     fillClipboard();

@@ -1,5 +1,6 @@
 // What the command line asks for: which mode, and the two without a user interface.
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "app/CommandLine.h"
@@ -121,16 +122,10 @@ TEST_F(SelfTestTest, StopsWhereAnImageCannotBeMade) {
 TEST_F(SelfTestTest, DrawsTheTextAndTheCodeThatItReads) {
   run();
   ASSERT_EQ(desktop.drawing().images.size(), 1U);
-  const testing::Drawing& drawn = desktop.drawing().images[0];
-  ASSERT_EQ(drawn.size(), 2U);
-  EXPECT_EQ(drawn[0].color, platform::Color::white());
-  ASSERT_EQ(drawn[0].path.roundedRects.size(), 1U);
-  EXPECT_EQ(drawn[0].path.roundedRects[0].rect, (platform::Rect{{0, 0}, {1000, 220}}));
-  EXPECT_EQ(drawn[1].text, "Lumiscan 24680 varnholt");
-  EXPECT_EQ(drawn[1].origin, (platform::Point{40, 110 - testing::lineHeight / 2}));
-  EXPECT_EQ(drawn[1].color, platform::Color::black());
-  EXPECT_EQ(drawn[1].font.size, 72);
-
+  EXPECT_THAT(
+      desktop.drawing().images[0].operations,
+      ::testing::ElementsAre("fill rgba(1, 1, 1, 1) 1000×220 at (0, 0) radius 0",
+                             "text rgba(0, 0, 0, 1) sans 72 bold at (40, 103): Lumiscan 24680 varnholt"));
   const auto& text = desktop.textRecognizer().requests.at(0);
   EXPECT_EQ(text.request.recognitionLanguages, std::vector<std::string>{"en-US"});
   EXPECT_EQ(text.image.width(), 1000);
