@@ -64,7 +64,7 @@ class LoginSessionTest : public ::testing::Test {
  protected:
   LoginSessionTest() {
     for (const auto name : {platform::screensDidWake, platform::sessionDidBecomeActive})
-      observations_.push_back(center().addObserver(std::string(name), [this, name] {
+      observations_.push_back(center().addObserver(name, [this, name] {
         posted_.emplace_back(name);
         EXPECT_TRUE(desktop_.dispatcher().isMainThread());
       }));

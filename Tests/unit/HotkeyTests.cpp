@@ -92,7 +92,7 @@ TEST_F(HotkeyTest, StoredTextIsReadAsTwoNumbersOrNone) {
 
 TEST_F(HotkeyTest, SettingABindingStoresRegistersAndAnnouncesIt) {
   int posts = 0;
-  const auto observation = desktop.notificationCenter().addObserver(std::string(settingsChanged), [&] {
+  const auto observation = desktop.notificationCenter().addObserver(settingsChanged, [&] {
     ++posts;
     EXPECT_THAT(registeredIDs(), ElementsAre(1, 3, 4, 5, 6)) << "registered before it is announced";
   });

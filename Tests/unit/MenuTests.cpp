@@ -177,7 +177,7 @@ TEST_F(MenuTest, OpeningTheStatusMenuRegistersTheHotkeysAgain) {
   EXPECT_EQ(desktop.statusBar().shown->menu, menu) << "not rebuilt";
 
   HotkeyManager::shared().unregisterAll();
-  delegate->settingsDidChange();
+  desktop.notificationCenter().post(settingsChanged);
   desktop.settle();
   menu->update();
   EXPECT_EQ(registered(), 0U) << "a menu that has been replaced";

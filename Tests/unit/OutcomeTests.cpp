@@ -144,8 +144,7 @@ TEST_F(OutcomeTest, WithoutAccessTheUserIsLedToTheSettings) {
 
 TEST_F(OutcomeTest, TheAdditiveClipboardIsSwitchedContinuedAndCleared) {
   int posts = 0;
-  const auto observation =
-      desktop.notificationCenter().addObserver(std::string(settingsChanged), [&] { ++posts; });
+  const auto observation = desktop.notificationCenter().addObserver(settingsChanged, [&] { ++posts; });
   delegate->toggleAdditive();
   EXPECT_THAT(results(),
               ElementsAre("store additiveEnabled", "show checkmark.circle.fill Additive clipboard on"));
