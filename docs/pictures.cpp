@@ -143,9 +143,7 @@ void photographMenu(const Camera& camera) {
       return false;
     };
     require(iconShows, "icon");
-    screen.moveMouse(screen.width() - side / 2, side / 2);
-    screen.buttonDown();
-    screen.buttonUp();
+    screen.click(screen.width() - side / 2, side / 2);
     require([&] { return windows() == 1 && !screen.canGrabKeyboard(); }, "menu");
     constexpr int itemsToHistory = 9;
     for (int i = 0; i < itemsToHistory; ++i) screen.pressKeys({KEY_DOWN});

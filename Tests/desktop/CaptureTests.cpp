@@ -56,10 +56,9 @@ class EveryModeTest : public CaptureTest, public ::testing::WithParamInterface<s
         file << (light ? "  " : "\033[40m  \033[0m");
       }
     file.close();
-    code_ = std::make_unique<Process>(
-        std::vector<std::string>{"xterm", "-class", "Code", "-fa", "DejaVu Sans Mono", "-fs", "6",
-                                 "-geometry", "70x40+500+330", "-bg", "white", "-fg", "black", "-xrm",
-                                 "*color0: black", "-e", "printf '\\033[?25l'; cat ~/code; exec sleep 600"});
+    code_ = Process::start({"xterm", "-class", "Code", "-fa", "DejaVu Sans Mono", "-fs", "6", "-geometry",
+                            "70x40+500+330", "-bg", "white", "-fg", "black", "-xrm", "*color0: black", "-e",
+                            "printf '\\033[?25l'; cat ~/code; exec sleep 600"});
     ASSERT_TRUE(waitUntil([this] {
       int dark = 0, light = 0;
       const auto pixels = desktop_.screenPixels();

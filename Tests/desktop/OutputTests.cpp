@@ -48,8 +48,7 @@ TEST_F(OutputTest, TheClipboardGivesTextsOfAnySizeToWhoeverAsks) {
   EXPECT_TRUE(second.standardOutput() == large);
 
   // One that breaks off in the middle is in nobody's way.
-  auto third =
-      std::make_unique<Process>(std::vector<std::string>{"xclip", "-selection", "clipboard", "-out"});
+  auto third = Process::start({"xclip", "-selection", "clipboard", "-out"});
   for (int i = 0; i < 3; ++i) processEvents();
   third = nullptr;
   ClipboardService::copy("Ä small text");

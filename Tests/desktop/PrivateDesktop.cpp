@@ -51,9 +51,9 @@ PrivateDesktop::PrivateDesktop(int width, int height) {
   for (const char* variable : {"HOME", "XDG_RUNTIME_DIR"}) setenv(variable, folder.c_str(), 1);
   setenv("XDG_CONFIG_HOME", (home() / "config").c_str(), 1);
 
-  server_ = std::make_unique<Process>(std::vector<std::string>{
-      "Xvfb", "-displayfd", "1", "-screen", "0", std::to_string(width) + "x" + std::to_string(height) + "x24",
-      "-noreset", "-nolisten", "tcp"});
+  server_ = Process::start({"Xvfb", "-displayfd", "1", "-screen", "0",
+                            std::to_string(width) + "x" + std::to_string(height) + "x24", "-noreset",
+                            "-nolisten", "tcp"});
   require(waitUntil([this] { return server_->standardOutput().ends_with('\n'); }), "no X server");
   std::string display = ":";
   display += server_->standardOutput();
@@ -68,7 +68,7 @@ PrivateDesktop::PrivateDesktop(int width, int height) {
   width_ = screen->width_in_pixels;
   height_ = screen->height_in_pixels;
 
-  windowManager_ = std::make_unique<Process>(std::vector<std::string>{"openbox", "--sm-disable"});
+  windowManager_ = Process::start({"openbox", "--sm-disable"});
   waitForWindowManager();
 }
 
@@ -80,8 +80,7 @@ void PrivateDesktop::writePreferences(const std::string& json) const {
 
 void PrivateDesktop::restartWindowManager() {
   const auto old = std::move(windowManager_);
-  windowManager_ =
-      std::make_unique<Process>(std::vector<std::string>{"openbox", "--sm-disable", "--replace"});
+  windowManager_ = Process::start({"openbox", "--sm-disable", "--replace"});
   require(old->waitForEnd().has_value(), "a window manager that stays");
   waitForWindowManager();
 }
@@ -102,8 +101,8 @@ void PrivateDesktop::waitForWindowManager() const {
 }
 
 void PrivateDesktop::startCompositor() {
-  compositor_ = std::make_unique<Process>(std::vector<std::string>{
-      "picom", "--backend", "xrender", "--config", "/dev/null", "--no-fading-openclose"});
+  compositor_ =
+      Process::start({"picom", "--backend", "xrender", "--config", "/dev/null", "--no-fading-openclose"});
   require(waitUntil([this] { return selectionOwner("_NET_WM_CM_S0") != XCB_WINDOW_NONE; }),
           "no compositing manager");
 }
@@ -218,6 +217,12 @@ void PrivateDesktop::pressKeys(const std::vector<std::uint8_t>& evdevCodes) {
 void PrivateDesktop::moveMouse(int x, int y) { fake(XCB_MOTION_NOTIFY, 0, x, y); }
 void PrivateDesktop::buttonDown() { fake(XCB_BUTTON_PRESS, XCB_BUTTON_INDEX_1); }
 void PrivateDesktop::buttonUp() { fake(XCB_BUTTON_RELEASE, XCB_BUTTON_INDEX_1); }
+
+void PrivateDesktop::click(int x, int y) {
+  moveMouse(x, y);
+  buttonDown();
+  buttonUp();
+}
 
 void PrivateDesktop::drag(int fromX, int fromY, int toX, int toY) {
   moveMouse(fromX, fromY);

@@ -67,6 +67,7 @@ class PrivateDesktop {
   void moveMouse(int x, int y);
   void buttonDown();
   void buttonUp();
+  void click(int x, int y);
   void drag(int fromX, int fromY, int toX, int toY);
 
   /// Covers the screen with a picture of which no two neighbours are alike, in a window that the window

@@ -30,9 +30,8 @@ inline std::unique_ptr<Process> startSpeechServer(const std::filesystem::path& f
                                                   const std::string& pidFile = "pid") {
   const std::filesystem::path socket = folder / "socket";
   std::filesystem::remove(socket);
-  auto server = std::make_unique<Process>(std::vector<std::string>{"speech-dispatcher", "-s", "-t", "0", "-c",
-                                                                   "unix_socket", "-S", socket, "-C", folder,
-                                                                   "-L", folder, "-P", folder / pidFile});
+  auto server = Process::start({"speech-dispatcher", "-s", "-t", "0", "-c", "unix_socket", "-S", socket, "-C",
+                                folder, "-L", folder, "-P", folder / pidFile});
   if (!waitUntil([&] { return std::filesystem::exists(socket); }))
     throw std::runtime_error("no speech server");
   return server;

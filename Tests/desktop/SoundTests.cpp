@@ -31,12 +31,11 @@ class SoundTest : public ::testing::Test {
                             "load-module module-native-protocol-unix auth-anonymous=1 socket="
                          << socket_.string() << "\nset-default-sink silent\n";
     fs::remove(socket_);
-    server_ = std::make_unique<Process>(std::vector<std::string>{
-        "pulseaudio", "-n", "-F", setup, "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no"});
+    server_ = Process::start(
+        {"pulseaudio", "-n", "-F", setup, "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no"});
     ASSERT_TRUE(waitUntil([this] { return fs::exists(socket_); }));
-    recorder_ = std::make_unique<Process>(std::vector<std::string>{"parec", "-d", "silent.monitor",
-                                                                   "--rate=44100", "--channels=1",
-                                                                   "--format=s16le", "--latency-msec=10"});
+    recorder_ = Process::start({"parec", "-d", "silent.monitor", "--rate=44100", "--channels=1",
+                                "--format=s16le", "--latency-msec=10"});
     ASSERT_TRUE(waitUntil([this] { return !recorder_->standardOutput().empty(); }));
   }
 

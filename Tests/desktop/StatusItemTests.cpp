@@ -66,7 +66,7 @@ class StatusItemTest : public ::testing::Test {
   static void processEvents() { QCoreApplication::processEvents(QEventLoop::AllEvents, 5); }
   static bool waitFor(const std::function<bool()>& condition) { return waitUntil(condition, processEvents); }
 
-  void startProgram() { program_ = std::make_unique<Process>(std::vector<std::string>{LUMISCAN_PROGRAM}); }
+  void startProgram() { program_ = Process::start({LUMISCAN_PROGRAM}); }
   bool isInPanel() {
     return waitFor([this] { return !panel_.item.isEmpty(); });
   }
@@ -202,8 +202,7 @@ TEST_F(StatusItemTest, APanelReadsAndChoosesOverTheBus) {
 TEST_F(StatusItemTest, StandsInWhateverTrayComesAndComesAgain) {
   constexpr int side = 24;  // Of the embedding tray at the top right.
   const auto startTray = [] {
-    return std::make_unique<Process>(std::vector<std::string>{"trayer", "--edge", "top", "--align", "right",
-                                                              "--height", std::to_string(side)});
+    return Process::start({"trayer", "--edge", "top", "--align", "right", "--height", std::to_string(side)});
   };
   const auto isEmbedded = [this] {
     int ink = 0;
@@ -214,9 +213,7 @@ TEST_F(StatusItemTest, StandsInWhateverTrayComesAndComesAgain) {
   };
   /// Opens the menu and chooses its first item, at 0, or its last, at 1.
   const auto chooseByMouse = [this](int place) {
-    screen_.moveMouse(screen_.width() - side / 2, side / 2);
-    screen_.buttonDown();
-    screen_.buttonUp();
+    screen_.click(screen_.width() - side / 2, side / 2);
     ASSERT_TRUE(waitFor([this] { return windows() == 1; }));
     const xcb_rectangle_t menu = screen_.geometryOf(screen_.windowsOfClass("Lumiscan")[0]);
     const int y = place == 0 ? menu.y + side / 2 : menu.y + menu.height - side / 2;
