@@ -33,8 +33,8 @@ class MenuTest : public LaunchedProgram {
     std::vector<std::string> lines;
     for (const auto& each : menu.items()) {
       std::string line = each->isSeparator ? "---" : each->title;
-      if (each->state == platform::ControlState::on) line = "✓ " + line;
-      if (!each->enabled) line = "(" + line + ")";
+      if (each->state == platform::ControlState::on) line.insert(0, "✓ ");
+      if (!each->enabled) line.insert(0, "(").append(")");
       if (each->submenu) line += " ▸";
       lines.push_back(line);
     }

@@ -31,7 +31,7 @@ class OutcomeTest : public LaunchedProgram {
 constexpr const char* storeHistory = "store captureHistory";
 constexpr const char* storeBuffer = "store additiveClipboardBuffer";
 
-struct Outcome {
+struct Outcome {  // NOLINT(clang-analyzer-optin.performance.Padding): it reads best in this order.
   const char* name;
   HotkeyAction action;
   std::vector<std::string> recognized;  ///< Lines, or payloads.

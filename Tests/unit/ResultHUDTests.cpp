@@ -12,7 +12,6 @@ namespace {
 using platform::Color;
 using platform::Rect;
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 using testing::line;
 
 class ResultHUDTest : public ::testing::Test {
