@@ -118,8 +118,7 @@ class Bench {
  public:
   explicit Bench(std::string program) : program_(std::move(program)) {
     lumiscan::showTextPage(desktop_);
-    bus_ = std::make_unique<Process>(
-        std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--print-address=1"});
+    bus_ = Process::start({"dbus-daemon", "--session", "--nofork", "--print-address=1"});
     require(waitUntil([this] { return bus_->standardOutput().ends_with('\n'); }), "no session bus");
     const QByteArray address = QByteArray::fromStdString(bus_->standardOutput()).trimmed();
     setenv("DBUS_SESSION_BUS_ADDRESS", address, 1);
@@ -135,7 +134,7 @@ class Bench {
     end();
     watcher_->icons = 0;
     const auto begin = Clock::now();
-    process_ = std::make_unique<Process>(std::vector<std::string>{program_});
+    process_ = Process::start({program_});
     Start times;
     const auto patience = std::chrono::seconds(10);
     while (!desktop_.shortcutIsTaken()) {

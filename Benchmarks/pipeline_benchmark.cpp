@@ -68,7 +68,7 @@ class Bench {
 
   void launch() {
     running_.reset();
-    running_ = std::make_unique<Process>(std::vector<std::string>{program_});
+    running_ = Process::start({program_});
     // Its shortcut works as soon as the overlay comes.
     require(waitUntil([this] { return pressed(); }), "the program shows no overlay");
     desktop_.pressKeys({KEY_ESC});
@@ -86,7 +86,7 @@ class Bench {
                                 std::to_string(r.x) + "+" + std::to_string(r.y) +
                                 " | tesseract - - 2>/dev/null | xclip -selection clipboard";
     std::unique_ptr<Process> shell;
-    return drag(r, [&] { shell = std::make_unique<Process>(std::vector<std::string>{"sh", "-c", command}); });
+    return drag(r, [&] { shell = Process::start({"sh", "-c", command}); });
   }
 
  private:

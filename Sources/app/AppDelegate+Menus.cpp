@@ -138,6 +138,11 @@ void AppDelegate::menuNeedsUpdate(Menu& menu) {
 
 void AppDelegate::clearHistory() { HistoryStore::shared().clear(); }
 
+void AppDelegate::openSettings() {
+  if (!settingsWindowController_) settingsWindowController_ = std::make_unique<SettingsWindowController>();
+  settingsWindowController_->show();
+}
+
 void AppDelegate::showAbout() {
   platform::Alert alert;
   alert.messageText = "Lumiscan 1.0";

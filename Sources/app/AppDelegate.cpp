@@ -22,7 +22,7 @@ void AppDelegate::applicationDidFinishLaunching() {
   };
   reregisterHotkeys();
   observations_.push_back(platform::NotificationCenter::defaultCenter().addObserver(
-      std::string(settingsChanged), [weakSelf = weak_from_this()] {
+      settingsChanged, [weakSelf = weak_from_this()] {
         if (const auto self = weakSelf.lock()) self->settingsDidChange();
       }));
   // A registration can get lost while the machine sleeps or another user is at it, and a refused one may be
@@ -30,7 +30,7 @@ void AppDelegate::applicationDidFinishLaunching() {
   reregisterTimer_ = platform::Timer::scheduledRepeating(reregisterInterval, reregisterHotkeys);
   auto& workspace = platform::NotificationCenter::workspaceCenter();
   for (const auto name : {platform::screensDidWake, platform::sessionDidBecomeActive})
-    observations_.push_back(workspace.addObserver(std::string(name), reregisterHotkeys));
+    observations_.push_back(workspace.addObserver(name, reregisterHotkeys));
 }
 
 void AppDelegate::settingsDidChange() {

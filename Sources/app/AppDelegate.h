@@ -20,8 +20,8 @@
 namespace lumiscan {
 
 /// The heart of the interactive mode: starts captures and turns their outcomes into results. Its source is
-/// divided by topic: launch and wiring, menus, requests, outcomes. Main thread only. Owned by a shared
-/// pointer, since what outlives a call holds it weakly.
+/// divided by topic: launch and wiring, menus, requests, outcomes, outputs. Main thread only. Owned by a
+/// shared pointer, since what outlives a call holds it weakly.
 class AppDelegate : public platform::ApplicationDelegate,
                     public platform::MenuDelegate,
                     public std::enable_shared_from_this<AppDelegate> {
@@ -49,16 +49,15 @@ class AppDelegate : public platform::ApplicationDelegate,
   void clearHistory();
   void showAbout();
   void quit();
-  /// Shows the settings window, which is kept from then on. (AppDelegate+Settings.cpp)
+  /// Shows the settings window, which is kept from then on.
   void openSettings();
-
-  /// What is to be done after each change of a setting: the status menu follows, once the event is over.
-  void settingsDidChange();
 
   const ScreenCaptureController& captureController() const { return *captureController_; }
 
  private:
   void perform(HotkeyAction action);
+  /// The status menu follows each change of a setting, once the event is over.
+  void settingsDidChange();
 
   void buildStatusItem();
   /// Puts a new status menu, as the settings are now, in the place of the old one.

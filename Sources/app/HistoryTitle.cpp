@@ -20,9 +20,9 @@ constexpr int mostCharacters = 48;
 
 /// "HH:mm" in the time zone of now.
 std::string timeOfDay(platform::Date date) {
-  constexpr double referenceDateSince1970 = 978307200;  // 2001-01-01 00:00:00 UTC.
-  constexpr double farAway = 1e15;                      // Seconds: beyond that a year doesn't fit into `tm`.
-  const double seconds = std::floor(date.timeIntervalSinceReferenceDate + referenceDateSince1970);
+  constexpr double farAway = 1e15;  // Seconds: beyond that a year doesn't fit into `tm`.
+  const double seconds =
+      std::floor(date.timeIntervalSinceReferenceDate + platform::Date::referenceDateSince1970);
   const auto time = static_cast<std::time_t>(std::clamp(seconds, -farAway, farAway));
   tzset();
   std::tm local{};

@@ -6,7 +6,7 @@ namespace lumiscan {
 
 /// The log of capture sessions.
 inline const platform::Logger& captureLog() {
-  static const platform::Logger logger("com.varnholt.Lumiscan", "capture");
+  static const platform::Logger logger("capture");
   return logger;
 }
 

@@ -59,7 +59,7 @@ class HotkeyManager {
 
   std::vector<platform::HotKeyRef> hotKeyRefs_;
   bool handlerInstalled_ = false;
-  platform::Logger logger_{"com.varnholt.Lumiscan", "hotkeys"};
+  platform::Logger logger_{"hotkeys"};
 };
 
 }  // namespace lumiscan

@@ -2,6 +2,9 @@
 
 namespace lumiscan::platform {
 
+/// The program's name to the desktop: that of its desktop entry, its icons and its log lines.
+inline constexpr const char* applicationID = "com.varnholt.Lumiscan";
+
 /// Whom the application tells of its life. Main thread only.
 class ApplicationDelegate {
  public:

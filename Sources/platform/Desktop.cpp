@@ -74,7 +74,7 @@ std::optional<Image> generateQRCode(std::string_view message, QRCorrectionLevel 
 }
 
 void Logger::write(LogLevel level, std::string_view message) const {
-  Desktop::current().logSink().write(level, subsystem_, category_, message);
+  Desktop::current().logSink().write(level, applicationID, category_, message);
 }
 
 }  // namespace lumiscan::platform

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace lumiscan::platform {
 
@@ -15,11 +16,12 @@ class LogSink {
                      std::string_view message) = 0;
 };
 
-/// Writes log lines of one subsystem and category to the installed desktop's log. Any thread.
+/// Writes log lines of one category to the installed desktop's log; their subsystem is the program's
+/// identifier
+/// (`applicationID`). Any thread.
 class Logger {
  public:
-  Logger(std::string subsystem, std::string category)
-      : subsystem_(std::move(subsystem)), category_(std::move(category)) {}
+  explicit Logger(std::string category) : category_(std::move(category)) {}
 
   /// The normal course of things.
   void info(std::string_view message) const { write(LogLevel::info, message); }
@@ -29,7 +31,6 @@ class Logger {
  private:
   void write(LogLevel level, std::string_view message) const;
 
-  std::string subsystem_;
   std::string category_;
 };
 

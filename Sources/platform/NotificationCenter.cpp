@@ -1,13 +1,14 @@
 #include "platform/NotificationCenter.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace lumiscan::platform {
 
 std::shared_ptr<NotificationCenter::Observation> NotificationCenter::addObserver(
-    std::string name, std::function<void()> handler) {
+    std::string_view name, std::function<void()> handler) {
   std::shared_ptr<Observation> observation(new Observation(std::move(handler)));
-  entries_.push_back({std::move(name), observation});
+  entries_.push_back({std::string(name), observation});
   return observation;
 }
 

@@ -31,7 +31,8 @@ class NotificationCenter {
   /// The desktop's centre, on which it tells of waking and of the user's session.
   static NotificationCenter& workspaceCenter();
 
-  [[nodiscard]] std::shared_ptr<Observation> addObserver(std::string name, std::function<void()> handler);
+  [[nodiscard]] std::shared_ptr<Observation> addObserver(std::string_view name,
+                                                         std::function<void()> handler);
   void post(std::string_view name);
 
  private:

@@ -46,9 +46,9 @@ SettingsView::SettingsView()
       additiveEnabled_(platform::UserDefaults::standard().boolForKey(Settings::additiveEnabledKey)),
       languages_(withoutDuplicates(Settings::recognitionLanguages())) {
   auto& center = platform::NotificationCenter::defaultCenter();
-  observations_.push_back(center.addObserver(std::string(settingsChanged), [this] { settingsDidChange(); }));
+  observations_.push_back(center.addObserver(settingsChanged, [this] { settingsDidChange(); }));
   // The history's row shows how many records there are.
-  observations_.push_back(center.addObserver(std::string(historyChanged), [this] { stateDidChange(); }));
+  observations_.push_back(center.addObserver(historyChanged, [this] { stateDidChange(); }));
 }
 
 platform::Form SettingsView::body() {

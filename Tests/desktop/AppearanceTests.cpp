@@ -2,18 +2,16 @@
 
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
 #include <atomic>
 
-#include "desktop/PrivateDesktop.h"
+#include "desktop/LinuxFixture.h"
+#include "desktop/Servers.h"
 #include "platform/Appearance.h"
-#include "platform/Application.h"
 #include "platform/linux/Appearance.h"
-#include "platform/linux/LinuxDesktop.h"
 
 namespace lumiscan::testing {
 namespace {
@@ -36,17 +34,11 @@ class Portal : public QDBusVirtualObject {
 };
 
 TEST(Appearance, FollowsThePortalAndElseThePalette) {
-  PrivateDesktop screen;
-  char name[] = "test";
-  char* argv[] = {name, nullptr};
-  int argc = 1;
-  desktop::LinuxDesktop desktop(argc, argv);
-  platform::Application::shared();
+  const LinuxFixture desktop;
   EXPECT_FALSE(platform::Appearance::current().isDark) << "no portal and a light palette";
 
-  Process bus({"dbus-daemon", "--session", "--nofork", "--print-address=1"});
-  ASSERT_TRUE(waitUntil([&bus] { return bus.standardOutput().ends_with('\n'); }));
-  const QString address = QString::fromStdString(bus.standardOutput()).trimmed();
+  const PrivateBus bus;
+  const QString address = QString::fromStdString(bus.address());
   QDBusConnection portalSide = QDBusConnection::connectToBus(address, "portal");
   Portal portal;
   ASSERT_TRUE(portalSide.registerVirtualObject(path, &portal));
@@ -54,7 +46,7 @@ TEST(Appearance, FollowsThePortalAndElseThePalette) {
 
   desktop::ColorScheme scheme(QDBusConnection::connectToBus(address, "program"));
   const auto becomes = [&scheme](bool dark) {
-    return waitUntil([&] { return scheme.isDark() == dark; }, [] { QCoreApplication::processEvents(); });
+    return LinuxFixture::waitFor([&] { return scheme.isDark() == dark; });
   };
   int changes = 0;
   scheme.changed = [&changes] { ++changes; };

@@ -36,9 +36,9 @@ class CaptureTest : public ::testing::Test {
   void SetUp() override {
     std::ofstream(desktop_.home() / "page") << joined(pageLines, "\n") << "\n";
     // A terminal that takes keys without showing them, and has no cursor to blink.
-    page_ = std::make_unique<Process>(std::vector<std::string>{
-        "xterm", "-class", "Page", "-fa", "DejaVu Sans Mono", "-fs", "14", "-geometry", "60x8+90+70", "-bg",
-        "white", "-fg", "black", "-e", "stty -echo; printf '\\033[?25l'; cat ~/page; exec sleep 600"});
+    page_ = Process::start({"xterm", "-class", "Page", "-fa", "DejaVu Sans Mono", "-fs", "14", "-geometry",
+                            "60x8+90+70", "-bg", "white", "-fg", "black", "-e",
+                            "stty -echo; printf '\\033[?25l'; cat ~/page; exec sleep 600"});
     ASSERT_TRUE(waitUntil([this] { return pageHasInk(); }));
     ASSERT_TRUE(waitUntil([this] { return desktop_.focusedWindow() == desktop_.windowsOfClass("Page")[0]; }));
     startProgram();
@@ -48,7 +48,7 @@ class CaptureTest : public ::testing::Test {
   void startProgram(const std::vector<std::string>& prefix = {}) {
     std::vector<std::string> command = prefix;
     command.push_back(LUMISCAN_PROGRAM);
-    program_ = std::make_unique<Process>(command);
+    program_ = Process::start(command);
     ASSERT_TRUE(waitUntil([this] { return desktop_.shortcutIsTaken(); }));
   }
 
@@ -73,10 +73,11 @@ class CaptureTest : public ::testing::Test {
   bool inputIsTaken() const { return !desktop_.canGrabPointer() && !desktop_.canGrabKeyboard(); }
   bool pageHasFocus() const { return desktop_.focusedWindow() == desktop_.windowsOfClass("Page").at(0); }
 
+  void dragOverThePage() { desktop_.drag(left - 8, top - 8, right, bottom); }
   void captureThePage() {
     pressShortcut();
     ASSERT_TRUE(waitForOverlays(1));
-    desktop_.drag(left - 8, top - 8, right, bottom);
+    dragOverThePage();
     ASSERT_TRUE(waitForOverlays(0));
   }
   bool waitForClipboard(const std::string& text) {

@@ -7,9 +7,9 @@
 
 #include <csignal>
 #include <fstream>
-#include <sstream>
 
 #include "desktop/CaptureFixture.h"
+#include "desktop/Servers.h"
 #include "platform/linux/drawing/QRCode.h"
 
 namespace lumiscan::testing {
@@ -21,91 +21,12 @@ TEST_F(CaptureTest, ADragBecomesTextOnThePasteboard) {
   EXPECT_TRUE(waitUntil([this] { return pageHasFocus(); }));
 
   // Again, with the user's other choice of line breaks made while the program runs.
-  const auto folder = desktop_.home() / "config" / "lumiscan";
-  std::filesystem::create_directories(folder);
-  std::ofstream(folder / "preferences.json") << R"({"keepLineBreaksByDefault": false})";
-  captureThePage();
+  desktop_.writePreferences(R"({"keepLineBreaksByDefault": false})");
+  pressShortcut();
+  ASSERT_TRUE(waitUntil([this] { return overlays() == 1 && inputIsTaken(); }));
+  EXPECT_TRUE(pageHasFocus()) << "the page's looks must not change";
+  dragOverThePage();
   EXPECT_TRUE(waitForClipboard(joined(pageLines, " "))) << PrivateDesktop::clipboard().value_or("no text");
-}
-
-TEST_F(CaptureTest, TheShortcutWorksWhateverTheLocks) {
-  desktop_.pressKeys({KEY_CAPSLOCK});
-  pressShortcut();
-  ASSERT_TRUE(waitForOverlays(1));
-  desktop_.pressKeys({KEY_ESC});
-  ASSERT_TRUE(waitForOverlays(0));
-  desktop_.pressKeys({KEY_NUMLOCK});
-  pressShortcut();
-  EXPECT_TRUE(waitForOverlays(1));
-}
-
-TEST_F(CaptureTest, EscapeAndAClickGiveTheDesktopBackAsItWas) {
-  const auto before = desktop_.screenPixels();
-  struct Ending {
-    const char* name;
-    std::function<void()> end;
-  };
-  const Ending endings[] = {
-      {"Escape, with no click before it", [this] { desktop_.pressKeys({KEY_ESC}); }},
-      {"a click",
-       [this] {
-         desktop_.buttonDown();
-         desktop_.buttonUp();
-       }},
-  };
-  for (const Ending& ending : endings) {
-    SCOPED_TRACE(ending.name);
-    pressShortcut();
-    ASSERT_TRUE(waitUntil([this] { return overlays() == 1 && inputIsTaken(); }));
-    EXPECT_TRUE(pageHasFocus()) << "the page's looks must not change";
-    ending.end();
-    ASSERT_TRUE(waitForOverlays(0));
-    EXPECT_TRUE(waitUntil([this] { return desktop_.canGrabPointer() && desktop_.canGrabKeyboard(); }));
-    EXPECT_TRUE(pageHasFocus());
-    EXPECT_TRUE(waitUntil([&] { return desktop_.screenPixels() == before; }));
-    EXPECT_EQ(PrivateDesktop::clipboard(), std::nullopt);
-  }
-}
-
-TEST_F(CaptureTest, TheOverlayShowsTheDesktopWithACrosshairAndNothingElse) {
-  desktop_.moveMouse(600, 500);
-  const auto before = desktop_.screenPixels();
-  pressShortcut();
-  ASSERT_TRUE(waitForOverlays(1));
-  const auto pixelAt = [this](const std::vector<std::uint32_t>& pixels, int x, int y) {
-    return pixels[desktop_.indexOf(x, y)];
-  };
-  // An arm of the crosshair, white where the ground is black.
-  ASSERT_TRUE(
-      waitUntil([&] { return pixelAt(desktop_.screenPixels(), 595, 500) != pixelAt(before, 595, 500); }));
-
-  desktop_.moveMouse(900, 400);
-  const auto crosshairIsAlone = [&] {
-    const auto now = desktop_.screenPixels();
-    int differences = 0;
-    for (int y = 0; y < desktop_.height(); ++y) {
-      for (int x = 0; x < desktop_.width(); ++x) {
-        if (pixelAt(now, x, y) == pixelAt(before, x, y)) continue;
-        if (std::abs(x - 900) > 10 || std::abs(y - 400) > 10) return false;
-        ++differences;
-      }
-    }
-    return differences > 20;
-  };
-  EXPECT_TRUE(waitUntil(crosshairIsAlone));
-}
-
-TEST_F(CaptureTest, PressingTheShortcutAgainStartsAfresh) {
-  pressShortcut();
-  ASSERT_TRUE(waitForOverlays(1));
-  const auto first = desktop_.windowsOfClass("Lumiscan");
-  pressShortcut();
-  ASSERT_TRUE(waitUntil([&] {
-    const auto now = desktop_.windowsOfClass("Lumiscan");
-    return now.size() == 1 && now != first;
-  }));
-  desktop_.drag(left - 8, top - 8, right, bottom);
-  EXPECT_TRUE(waitForClipboard(joined(pageLines, "\n")));
 }
 
 /// Captures in every mode, with the program started in one way or another.
@@ -116,16 +37,13 @@ class EveryModeTest : public CaptureTest, public ::testing::WithParamInterface<s
   static constexpr const char* code = "24680 lines in a code";
 
   /// A speech server that makes no sound.
-  void startSpeechServer() {
+  void startSilentSpeechServer() {
     const auto folder = desktop_.home() / "speech";
     std::filesystem::create_directories(folder / "modules");
     std::ofstream(folder / "speechd.conf") << "AudioOutputMethod \"alsa\"\nAudioALSADevice \"null\"\n"
                                               "AddModule \"dummy\" \"sd_dummy\" \"\"\nDefaultModule dummy\n";
     setenv("SPEECHD_ADDRESS", ("unix_socket:" + (folder / "socket").string()).c_str(), 1);
-    speechServer_ = std::make_unique<Process>(
-        std::vector<std::string>{"speech-dispatcher", "-s", "-t", "0", "-c", "unix_socket", "-S",
-                                 folder / "socket", "-C", folder, "-L", folder, "-P", folder / "pid"});
-    ASSERT_TRUE(waitUntil([&] { return std::filesystem::exists(folder / "socket"); }));
+    speechServer_ = startSpeechServer(folder);
   }
 
   /// Shows the code in a terminal, two blanks a module.
@@ -138,10 +56,9 @@ class EveryModeTest : public CaptureTest, public ::testing::WithParamInterface<s
         file << (light ? "  " : "\033[40m  \033[0m");
       }
     file.close();
-    code_ = std::make_unique<Process>(
-        std::vector<std::string>{"xterm", "-class", "Code", "-fa", "DejaVu Sans Mono", "-fs", "6",
-                                 "-geometry", "70x40+500+330", "-bg", "white", "-fg", "black", "-xrm",
-                                 "*color0: black", "-e", "printf '\\033[?25l'; cat ~/code; exec sleep 600"});
+    code_ = Process::start({"xterm", "-class", "Code", "-fa", "DejaVu Sans Mono", "-fs", "6", "-geometry",
+                            "70x40+500+330", "-bg", "white", "-fg", "black", "-xrm", "*color0: black", "-e",
+                            "printf '\\033[?25l'; cat ~/code; exec sleep 600"});
     ASSERT_TRUE(waitUntil([this] {
       int dark = 0, light = 0;
       const auto pixels = desktop_.screenPixels();
@@ -151,11 +68,6 @@ class EveryModeTest : public CaptureTest, public ::testing::WithParamInterface<s
     }));
   }
 
-  static std::string contentOf(const std::filesystem::path& file) {
-    std::ostringstream text;
-    text << std::ifstream(file).rdbuf();
-    return text.str();
-  }
   /// Where the secret is found, but for the file that is shown and the preferences.
   std::vector<std::string> placesOfTheSecret() const {
     namespace fs = std::filesystem;
@@ -194,11 +106,9 @@ TEST_P(EveryModeTest, CapturesWithoutANetworkAndLeavesTheTextOnlyWhereItBelongs)
   attempt.push_back("true");
   if (Process(attempt).waitForEnd() != 0) GTEST_SKIP() << "this kernel allows no namespace without a network";
   program_ = nullptr;
-  startSpeechServer();
+  startSilentSpeechServer();
   showCode();
-  const auto folder = desktop_.home() / "config" / "lumiscan";
-  std::filesystem::create_directories(folder);
-  std::ofstream(folder / "preferences.json") << R"({"additiveEnabled": true})";
+  desktop_.writePreferences(R"({"additiveEnabled": true})");
   startProgram(GetParam());
 
   const std::string page = joined(pageLines, "\n");
@@ -220,7 +130,7 @@ TEST_P(EveryModeTest, CapturesWithoutANetworkAndLeavesTheTextOnlyWhereItBelongs)
       if (mode.clipboard == code)
         desktop_.drag(495, 325, 1279, 799);
       else
-        desktop_.drag(left - 8, top - 8, right, bottom);
+        dragOverThePage();
     }
     ASSERT_TRUE(waitForClipboard(mode.clipboard)) << PrivateDesktop::clipboard().value_or("no text");
     ASSERT_TRUE(waitUntil([this] { return desktop_.windowsOfClass("LumiscanPanel").size() == 1; }));

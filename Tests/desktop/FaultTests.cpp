@@ -10,6 +10,7 @@
 #include <string>
 
 #include "desktop/CaptureFixture.h"
+#include "desktop/Servers.h"
 
 namespace lumiscan::testing {
 namespace {
@@ -36,7 +37,6 @@ class FaultTest : public CaptureTest {
     pressShortcut();
     ASSERT_TRUE(waitUntil([this] { return overlays() == 1 && inputIsTaken(); }));
   }
-  void dragOverThePage() { desktop_.drag(left - 8, top - 8, right, bottom); }
   /// Whether a whole capture works. Those before must have ended.
   void expectACapture() {
     fillClipboard();
@@ -44,12 +44,7 @@ class FaultTest : public CaptureTest {
     EXPECT_TRUE(waitForClipboard(text_)) << PrivateDesktop::clipboard().value_or("no text");
     EXPECT_EQ(program_->exitStatus(), std::nullopt);
   }
-  long logged(const std::string& line) const {
-    const std::string log = program_->standardError();
-    long count = 0;
-    for (auto at = log.find(line); at != std::string::npos; at = log.find(line, at + 1)) ++count;
-    return count;
-  }
+  long logged(const std::string& line) const { return program_->countInError(line); }
 };
 
 TEST_F(FaultTest, WindowAndCompositingManagersMayComeAndGo) {
@@ -162,11 +157,8 @@ TEST_F(FaultTest, AFullDiskCostsOnlyWhatIsStored) {
 
 TEST_F(FaultTest, AHangingSessionBusHoldsNothingUp) {
   program_ = nullptr;
-  Process bus({"dbus-daemon", "--session", "--nofork", "--print-address=1"});
-  ASSERT_TRUE(waitUntil([&bus] { return bus.standardOutput().ends_with('\n'); }));
-  std::string address = bus.standardOutput();
-  address.pop_back();
-  setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
+  const PrivateBus bus;
+  setenv("DBUS_SESSION_BUS_ADDRESS", bus.address().c_str(), 1);
   bus.signal(SIGSTOP);
   startProgram();
   EXPECT_EQ(logged("the session bus doesn't answer"), 1);

@@ -8,6 +8,7 @@
 #include <QCursor>
 #include <QGuiApplication>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,6 +17,7 @@
 #include "desktop/PrivateDesktop.h"
 #include "platform/Application.h"
 #include "platform/Cursor.h"
+#include "platform/Image.h"
 #include "platform/linux/Dispatch.h"
 #include "platform/linux/LinuxDesktop.h"
 #include "platform/linux/x11/KeyCodes.h"
@@ -48,15 +50,17 @@ class MarkerKey : public QAbstractNativeEventFilter {
   }
 };
 
-/// The real desktop on a private screen, in this process.
+/// The real desktop on a private screen, in this process. Also the base of test fixtures.
 class LinuxFixture {
  public:
   LinuxFixture() { start(); }
 
-  void processEvents() {
+  static void processEvents() {
     QCoreApplication::sendPostedEvents();
     QCoreApplication::processEvents();
   }
+  /// Waits as `waitUntil` does, handling events meanwhile.
+  static bool waitFor(const std::function<bool()>& condition) { return waitUntil(condition, processEvents); }
   void passTime(double seconds) {
     using std::chrono::steady_clock;
     const auto end = steady_clock::now() + std::chrono::duration<double>(seconds);
@@ -67,13 +71,12 @@ class LinuxFixture {
     EXPECT_TRUE(dispatcher.waitForTasks(std::chrono::seconds(10)));
     processEvents();
   }
+  void end() { desktop_ = nullptr; }
   void restart() {
-    desktop_ = nullptr;
+    end();
     start();
   }
-  std::optional<std::string> pasteboardText() {
-    return PrivateDesktop::clipboard([this] { processEvents(); });
-  }
+  std::optional<std::string> pasteboardText() { return PrivateDesktop::clipboard(processEvents); }
   std::optional<platform::CursorShape> pushedCursor() {
     const QCursor* cursor = QGuiApplication::overrideCursor();
     if (!cursor) return std::nullopt;
@@ -94,17 +97,28 @@ class LinuxFixture {
   void handleWhatTheServerSent() {
     MarkerKey marker;
     private_.pressKeys({MarkerKey::evdevCode});
-    EXPECT_TRUE(waitUntil([&marker] { return marker.seen; }, [this] { processEvents(); }));
+    EXPECT_TRUE(waitFor([&marker] { return marker.seen; }));
     processEvents();
   }
   PrivateDesktop& screen() { return private_; }
+  const PrivateDesktop& screen() const { return private_; }
+  /// How many pixels of an image are others than those of `pixels`, the whole screen's, from `left` and `top`
+  /// on.
+  int differences(const platform::Image& image, const std::vector<std::uint32_t>& pixels, int left = 0,
+                  int top = 0) const {
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y) {
+      const auto* row = reinterpret_cast<const std::uint32_t*>(image.row(y));
+      for (int x = 0; x < image.width(); ++x)
+        count += (row[x] & 0xFFFFFF) != pixels[private_.indexOf(left + x, top + y)];
+    }
+    return count;
+  }
   void takeHotKey(std::uint32_t keyCode, std::uint32_t modifiers) {
     const auto request = xcb_grab_key_checked(
         private_.x(), 1, private_.root(), *desktop::x11::ModifierMap::read(private_.x()).mask(modifiers),
         *desktop::x11::keycode(keyCode), XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
-    xcb_generic_error_t* error = xcb_request_check(private_.x(), request);
-    EXPECT_EQ(error, nullptr);
-    std::free(error);
+    EXPECT_EQ(owned(xcb_request_check(private_.x(), request)), nullptr);
   }
 
  private:

@@ -3,39 +3,26 @@
 #include "platform/linux/LoginItem.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <fstream>
-#include <sstream>
+#include "support/TemporaryFolder.h"
 
-namespace lumiscan::desktop {
+namespace lumiscan::testing {
 namespace {
 
 namespace fs = std::filesystem;
+using desktop::AutostartEntry;
 using platform::LoginItemStatus;
 
-class LoginItemTest : public testing::Test {
- public:
-  LoginItemTest() {
-    std::string pattern = (fs::temp_directory_path() / "lumiscan-test-XXXXXX").string();
-    folder_ = mkdtemp(pattern.data());
-  }
-  ~LoginItemTest() override { fs::remove_all(folder_); }
-
+class LoginItemTest : public ::testing::Test {
  protected:
   AutostartEntry entryFor(const fs::path& program) const { return {file(), program}; }
-  fs::path file() const { return folder_ / "autostart" / "ours.desktop"; }
-  std::string content() const {
-    std::ostringstream text;
-    text << std::ifstream(file()).rdbuf();
-    return text.str();
-  }
+  fs::path file() const { return folder_.path() / "autostart" / "ours.desktop"; }
   LoginItemStatus statusOf(const std::string& entry) const {
     std::ofstream(file()) << entry;
     return entryFor("/usr/bin/lumiscan").status();
   }
 
-  fs::path folder_;
+  const TemporaryFolder folder_;
 };
 
 TEST_F(LoginItemTest, StartsTheProgramWhateverItsPath) {
@@ -53,7 +40,8 @@ TEST_F(LoginItemTest, StartsTheProgramWhateverItsPath) {
     EXPECT_EQ(entry.status(), LoginItemStatus::notRegistered);
     EXPECT_TRUE(entry.registerItem());
     EXPECT_EQ(entry.status(), LoginItemStatus::enabled);
-    EXPECT_NE(content().find(std::string(each.command) + "\n"), std::string::npos) << content();
+    const std::string content = contentOf(file());
+    EXPECT_NE(content.find(std::string(each.command) + "\n"), std::string::npos) << content;
     EXPECT_TRUE(entry.unregisterItem());
     EXPECT_TRUE(fs::is_empty(file().parent_path()));
   }
@@ -84,4 +72,4 @@ TEST_F(LoginItemTest, WhatStartsAnotherProgramIsReplacedButNotRemoved) {
 }
 
 }  // namespace
-}  // namespace lumiscan::desktop
+}  // namespace lumiscan::testing

@@ -12,7 +12,7 @@
 #include <csignal>
 #include <cstdlib>
 
-#include "desktop/Process.h"
+#include "desktop/Servers.h"
 #include "platform/linux/LoginSession.h"
 #include "support/SimulatedDesktop.h"
 
@@ -64,18 +64,16 @@ class LoginSessionTest : public ::testing::Test {
  protected:
   LoginSessionTest() {
     for (const auto name : {platform::screensDidWake, platform::sessionDidBecomeActive})
-      observations_.push_back(center().addObserver(std::string(name), [this, name] {
+      observations_.push_back(center().addObserver(name, [this, name] {
         posted_.emplace_back(name);
         EXPECT_TRUE(desktop_.dispatcher().isMainThread());
       }));
   }
 
   /// Starts a bus, which the program takes for the system's from now on.
-  static std::unique_ptr<Process> startBus() {
-    auto bus = std::make_unique<Process>(
-        std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--print-address=1"});
-    EXPECT_TRUE(waitUntil([&bus] { return bus->standardOutput().ends_with('\n'); }));
-    setenv("DBUS_SYSTEM_BUS_ADDRESS", QByteArray::fromStdString(bus->standardOutput()).trimmed(), 1);
+  static std::unique_ptr<PrivateBus> startBus() {
+    auto bus = std::make_unique<PrivateBus>();
+    setenv("DBUS_SYSTEM_BUS_ADDRESS", bus->address().c_str(), 1);
     return bus;
   }
   platform::NotificationCenter& center() { return desktop_.workspaceNotificationCenter(); }

@@ -12,11 +12,6 @@ namespace lumiscan::testing {
 
 namespace {
 
-template <typename T>
-std::unique_ptr<T, decltype(&std::free)> owned(T* reply) {
-  return {reply, &std::free};
-}
-
 std::string stringProperty(xcb_connection_t* x, xcb_window_t window, xcb_atom_t property) {
   constexpr std::uint32_t mostWords = 1U << 20;
   const auto request = xcb_get_property(x, 0, window, property, XCB_ATOM_ANY, 0, mostWords);
@@ -24,11 +19,6 @@ std::string stringProperty(xcb_connection_t* x, xcb_window_t window, xcb_atom_t 
   if (!reply) return {};
   return {static_cast<const char*>(xcb_get_property_value(reply.get())),
           static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
-}
-
-xcb_atom_t atom(xcb_connection_t* x, const std::string& name) {
-  const auto request = xcb_intern_atom(x, 0, static_cast<std::uint16_t>(name.size()), name.data());
-  return owned(xcb_intern_atom_reply(x, request, nullptr))->atom;
 }
 
 bool isMapped(xcb_connection_t* x, xcb_window_t window) {
@@ -53,19 +43,17 @@ std::uint8_t keycode(std::uint8_t evdevCode) { return static_cast<std::uint8_t>(
 }  // namespace
 
 PrivateDesktop::PrivateDesktop(int width, int height) {
-  std::string folder = std::filesystem::temp_directory_path() / "lumiscan-test-XXXXXX";
-  require(mkdtemp(folder.data()), "no temporary folder");
-  home_ = folder;
+  const std::string folder = home().string();
   unsetenv("WAYLAND_DISPLAY");
   setenv("NO_AT_BRIDGE", "1", 1);  // Whose bus outlives the programs that start it.
   setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
   setenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + folder + "/no-bus").c_str(), 1);
   for (const char* variable : {"HOME", "XDG_RUNTIME_DIR"}) setenv(variable, folder.c_str(), 1);
-  setenv("XDG_CONFIG_HOME", (home_ / "config").c_str(), 1);
+  setenv("XDG_CONFIG_HOME", (home() / "config").c_str(), 1);
 
-  server_ = std::make_unique<Process>(std::vector<std::string>{
-      "Xvfb", "-displayfd", "1", "-screen", "0", std::to_string(width) + "x" + std::to_string(height) + "x24",
-      "-noreset", "-nolisten", "tcp"});
+  server_ = Process::start({"Xvfb", "-displayfd", "1", "-screen", "0",
+                            std::to_string(width) + "x" + std::to_string(height) + "x24", "-noreset",
+                            "-nolisten", "tcp"});
   require(waitUntil([this] { return server_->standardOutput().ends_with('\n'); }), "no X server");
   std::string display = ":";
   display += server_->standardOutput();
@@ -80,20 +68,25 @@ PrivateDesktop::PrivateDesktop(int width, int height) {
   width_ = screen->width_in_pixels;
   height_ = screen->height_in_pixels;
 
-  windowManager_ = std::make_unique<Process>(std::vector<std::string>{"openbox", "--sm-disable"});
+  windowManager_ = Process::start({"openbox", "--sm-disable"});
   waitForWindowManager();
+}
+
+void PrivateDesktop::writePreferences(const std::string& json) const {
+  const auto folder = home() / "config" / "lumiscan";
+  std::filesystem::create_directories(folder);
+  std::ofstream(folder / "preferences.json") << json;
 }
 
 void PrivateDesktop::restartWindowManager() {
   const auto old = std::move(windowManager_);
-  windowManager_ =
-      std::make_unique<Process>(std::vector<std::string>{"openbox", "--sm-disable", "--replace"});
+  windowManager_ = Process::start({"openbox", "--sm-disable", "--replace"});
   require(old->waitForEnd().has_value(), "a window manager that stays");
   waitForWindowManager();
 }
 
 void PrivateDesktop::waitForWindowManager() const {
-  const xcb_atom_t check = atom(connection_, "_NET_SUPPORTING_WM_CHECK");
+  const xcb_atom_t check = atom("_NET_SUPPORTING_WM_CHECK");
   require(waitUntil([&] { return !stringProperty(connection_, root_, check).empty(); }), "no window manager");
   // It says that it is there before it is ready, and leaves alone windows that come meanwhile.
   const xcb_window_t probe = xcb_generate_id(connection_);
@@ -108,14 +101,9 @@ void PrivateDesktop::waitForWindowManager() const {
 }
 
 void PrivateDesktop::startCompositor() {
-  compositor_ = std::make_unique<Process>(std::vector<std::string>{
-      "picom", "--backend", "xrender", "--config", "/dev/null", "--no-fading-openclose"});
-  const xcb_atom_t selection = atom(connection_, "_NET_WM_CM_S0");
-  require(waitUntil([&] {
-            const auto request = xcb_get_selection_owner(connection_, selection);
-            return owned(xcb_get_selection_owner_reply(connection_, request, nullptr))->owner !=
-                   XCB_WINDOW_NONE;
-          }),
+  compositor_ =
+      Process::start({"picom", "--backend", "xrender", "--config", "/dev/null", "--no-fading-openclose"});
+  require(waitUntil([this] { return selectionOwner("_NET_WM_CM_S0") != XCB_WINDOW_NONE; }),
           "no compositing manager");
 }
 
@@ -196,8 +184,16 @@ PrivateDesktop::~PrivateDesktop() {
   compositor_.reset();
   windowManager_.reset();
   server_.reset();
-  std::error_code ignored;
-  std::filesystem::remove_all(home_, ignored);
+}
+
+xcb_atom_t PrivateDesktop::atom(const std::string& name) const {
+  const auto request = xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.data());
+  return owned(xcb_intern_atom_reply(connection_, request, nullptr))->atom;
+}
+
+xcb_window_t PrivateDesktop::selectionOwner(const std::string& selection) const {
+  const auto request = xcb_get_selection_owner(connection_, atom(selection));
+  return owned(xcb_get_selection_owner_reply(connection_, request, nullptr))->owner;
 }
 
 void PrivateDesktop::fake(std::uint8_t type, std::uint8_t detail, int x, int y) {
@@ -221,6 +217,12 @@ void PrivateDesktop::pressKeys(const std::vector<std::uint8_t>& evdevCodes) {
 void PrivateDesktop::moveMouse(int x, int y) { fake(XCB_MOTION_NOTIFY, 0, x, y); }
 void PrivateDesktop::buttonDown() { fake(XCB_BUTTON_PRESS, XCB_BUTTON_INDEX_1); }
 void PrivateDesktop::buttonUp() { fake(XCB_BUTTON_RELEASE, XCB_BUTTON_INDEX_1); }
+
+void PrivateDesktop::click(int x, int y) {
+  moveMouse(x, y);
+  buttonDown();
+  buttonUp();
+}
 
 void PrivateDesktop::drag(int fromX, int fromY, int toX, int toY) {
   moveMouse(fromX, fromY);
@@ -269,6 +271,10 @@ std::uint32_t PrivateDesktop::cursorSerial() const {
 
 xcb_window_t PrivateDesktop::focusedWindow() const {
   return owned(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr))->focus;
+}
+
+xcb_window_t PrivateDesktop::windowUnderMouse() const {
+  return owned(xcb_query_pointer_reply(connection_, xcb_query_pointer(connection_, root_), nullptr))->child;
 }
 
 bool PrivateDesktop::canGrabPointer() const {

@@ -3,6 +3,7 @@
 #include <xcb/xcb.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -11,8 +12,15 @@
 #include <vector>
 
 #include "desktop/Process.h"
+#include "support/TemporaryFolder.h"
 
 namespace lumiscan::testing {
+
+/// What a call of the X library returned, freed with this object.
+template <typename T>
+std::unique_ptr<T, decltype(&std::free)> owned(T* reply) {
+  return {reply, &std::free};
+}
 
 /// A private X server with a window manager, and a home folder of its own: this process's environment points
 /// at them, so that whatever it starts lives there. Everything ends and vanishes with this object.
@@ -44,8 +52,13 @@ class PrivateDesktop {
 
   xcb_connection_t* x() const { return connection_; }
   xcb_window_t root() const { return root_; }
+  xcb_atom_t atom(const std::string& name) const;
+  /// Who holds a selection, the clipboard for example; `XCB_WINDOW_NONE` when nobody does.
+  xcb_window_t selectionOwner(const std::string& selection) const;
   const Process& server() const { return *server_; }
-  const std::filesystem::path& home() const { return home_; }
+  const std::filesystem::path& home() const { return home_.path(); }
+  /// Replaces the program's preferences.
+  void writePreferences(const std::string& json) const;
 
   // What a user does, made by the server itself as if it came from the devices. Keys are kernel key codes.
   void pressKeys(const std::vector<std::uint8_t>& evdevCodes);  ///< All held together, then released.
@@ -54,6 +67,7 @@ class PrivateDesktop {
   void moveMouse(int x, int y);
   void buttonDown();
   void buttonUp();
+  void click(int x, int y);
   void drag(int fromX, int fromY, int toX, int toY);
 
   /// Covers the screen with a picture of which no two neighbours are alike, in a window that the window
@@ -71,6 +85,8 @@ class PrivateDesktop {
   /// The mapped top-level windows of a class, bottom to top.
   std::vector<xcb_window_t> windowsOfClass(const std::string& name) const;
   xcb_window_t focusedWindow() const;
+  /// The top-level window that gets the mouse.
+  xcb_window_t windowUnderMouse() const;
   /// Whether nobody holds the mouse or the keyboard.
   bool canGrabPointer() const;
   bool canGrabKeyboard() const;
@@ -104,7 +120,7 @@ class PrivateDesktop {
   void sync() const;
   std::vector<std::uint32_t> pixels(int x, int y, int width, int height) const;
 
-  std::filesystem::path home_;
+  TemporaryFolder home_;
   std::unique_ptr<Process> server_;
   std::unique_ptr<Process> windowManager_;
   std::unique_ptr<Process> compositor_;

@@ -79,4 +79,11 @@ void Process::signal(int number) const { kill(pid_, number); }
 std::string Process::standardOutput() const { return contentOf(output_); }
 std::string Process::standardError() const { return contentOf(error_); }
 
+long Process::countInError(const std::string& text) const {
+  const std::string error = standardError();
+  long count = 0;
+  for (auto at = error.find(text); at != std::string::npos; at = error.find(text, at + 1)) ++count;
+  return count;
+}
+
 }  // namespace lumiscan::testing

@@ -4,8 +4,10 @@
 
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace lumiscan::testing {
@@ -19,6 +21,9 @@ class Process {
  public:
   /// Starts a program that is found in PATH.
   explicit Process(std::vector<std::string> arguments);
+  static std::unique_ptr<Process> start(std::vector<std::string> arguments) {
+    return std::make_unique<Process>(std::move(arguments));
+  }
   ~Process();
   Process(const Process&) = delete;
   Process& operator=(const Process&) = delete;
@@ -33,6 +38,8 @@ class Process {
   /// What it has written so far.
   std::string standardOutput() const;
   std::string standardError() const;
+  /// How often a text is in the standard error.
+  long countInError(const std::string& text) const;
 
  private:
   pid_t pid_ = -1;

@@ -7,11 +7,10 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 
 #include "desktop/Process.h"
 #include "platform/linux/Sound.h"
+#include "support/TemporaryFolder.h"
 
 namespace lumiscan::testing {
 namespace {
@@ -21,27 +20,22 @@ namespace fs = std::filesystem;
 class SoundTest : public ::testing::Test {
  public:
   SoundTest() {
-    std::string name = fs::temp_directory_path() / "lumiscan-test-XXXXXX";
-    folder_ = mkdtemp(name.data());
-    for (const char* variable : {"HOME", "XDG_RUNTIME_DIR"}) setenv(variable, folder_.c_str(), 1);
-    setenv("PULSE_SERVER", ("unix:" + (folder_ / "socket").string()).c_str(), 1);
+    for (const char* variable : {"HOME", "XDG_RUNTIME_DIR"}) setenv(variable, folder_.path().c_str(), 1);
+    setenv("PULSE_SERVER", ("unix:" + socket_.string()).c_str(), 1);
   }
-  ~SoundTest() override { fs::remove_all(folder_); }
 
  protected:
   void startServer() {
-    std::ofstream(folder_ / "setup.pa")
-        << "load-module module-null-sink sink_name=silent rate=44100 channels=1\n"
-           "load-module module-native-protocol-unix auth-anonymous=1 socket="
-        << (folder_ / "socket").string() << "\nset-default-sink silent\n";
-    fs::remove(folder_ / "socket");
-    server_ = std::make_unique<Process>(std::vector<std::string>{"pulseaudio", "-n", "-F",
-                                                                 folder_ / "setup.pa", "--daemonize=no",
-                                                                 "--exit-idle-time=-1", "--use-pid-file=no"});
-    ASSERT_TRUE(waitUntil([this] { return fs::exists(folder_ / "socket"); }));
-    recorder_ = std::make_unique<Process>(std::vector<std::string>{"parec", "-d", "silent.monitor",
-                                                                   "--rate=44100", "--channels=1",
-                                                                   "--format=s16le", "--latency-msec=10"});
+    const fs::path setup = folder_.path() / "setup.pa";
+    std::ofstream(setup) << "load-module module-null-sink sink_name=silent rate=44100 channels=1\n"
+                            "load-module module-native-protocol-unix auth-anonymous=1 socket="
+                         << socket_.string() << "\nset-default-sink silent\n";
+    fs::remove(socket_);
+    server_ = Process::start(
+        {"pulseaudio", "-n", "-F", setup, "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no"});
+    ASSERT_TRUE(waitUntil([this] { return fs::exists(socket_); }));
+    recorder_ = Process::start({"parec", "-d", "silent.monitor", "--rate=44100", "--channels=1",
+                                "--format=s16le", "--latency-msec=10"});
     ASSERT_TRUE(waitUntil([this] { return !recorder_->standardOutput().empty(); }));
   }
 
@@ -58,7 +52,8 @@ class SoundTest : public ::testing::Test {
     return waitUntil([&] { return loudSamples() > before + 2000; });
   }
 
-  fs::path folder_;
+  const TemporaryFolder folder_;
+  const fs::path socket_ = folder_.path() / "socket";
   std::unique_ptr<Process> server_;
   std::unique_ptr<Process> recorder_;
 };

@@ -5,13 +5,12 @@
 
 #include <csignal>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
-#include <sstream>
 
-#include "desktop/Process.h"
+#include "desktop/Servers.h"
 #include "platform/linux/SpeechLanguages.h"
 #include "platform/linux/SpeechSynthesizer.h"
+#include "support/TemporaryFolder.h"
 
 namespace lumiscan::testing {
 namespace {
@@ -23,11 +22,8 @@ using std::chrono::steady_clock;
 class SpeechTest : public ::testing::Test {
  public:
   SpeechTest() {
-    std::string name = fs::temp_directory_path() / "lumiscan-test-XXXXXX";
-    folder_ = mkdtemp(name.data());
     setenv("SPEECHD_ADDRESS", ("unix_socket:" + (folder_ / "socket").string()).c_str(), 1);
-    setenv("HOME", folder_.c_str(), 1);
-    setenv("XDG_RUNTIME_DIR", folder_.c_str(), 1);
+    for (const char* variable : {"HOME", "XDG_RUNTIME_DIR"}) setenv(variable, folder_.c_str(), 1);
     fs::create_directories(folder_ / "modules");
     configure("noted");
     std::ofstream(folder_ / "modules" / "espeak-ng.conf") << "";
@@ -48,7 +44,6 @@ AddVoice "cmn" "MALE1" "cmn"
     speech_ = nullptr;
     server_ = nullptr;
     for (const auto& [process, utterance] : spoken()) kill(process, SIGKILL);
-    fs::remove_all(folder_);
   }
 
  protected:
@@ -62,13 +57,7 @@ AddModule "espeak-ng" "sd_espeak-ng" "espeak-ng.conf"
 DefaultLanguage "en"
 DefaultModule )" << module << "\n";
   }
-  void startServer(const std::string& pidFile = "pid") {
-    fs::remove(folder_ / "socket");
-    server_ = std::make_unique<Process>(
-        std::vector<std::string>{"speech-dispatcher", "-s", "-t", "0", "-c", "unix_socket", "-S",
-                                 folder_ / "socket", "-C", folder_, "-L", folder_, "-P", folder_ / pidFile});
-    ASSERT_TRUE(waitUntil([this] { return fs::exists(folder_ / "socket"); }));
-  }
+  void startServer(const std::string& pidFile = "pid") { server_ = startSpeechServer(folder_, pidFile); }
 
   /// What was synthesised: the process that plays it, and "VOICE: TEXT".
   std::vector<std::pair<pid_t, std::string>> spoken() const {
@@ -98,7 +87,8 @@ DefaultModule )" << module << "\n";
     expectAtOnce([&] { speech_->speak({text, language}); });
   }
 
-  fs::path folder_;
+  const TemporaryFolder home_;
+  const fs::path folder_ = home_.path();
   std::unique_ptr<Process> server_;
   std::unique_ptr<desktop::SpeechDispatcherSynthesizer> speech_ =
       std::make_unique<desktop::SpeechDispatcherSynthesizer>(milliseconds(500));

@@ -13,6 +13,7 @@
 #include <fstream>
 
 #include "desktop/PrivateDesktop.h"
+#include "desktop/Servers.h"
 #include "platform/linux/statusnotifier/Types.h"
 
 namespace lumiscan::testing {
@@ -57,28 +58,19 @@ class StatusItemTest : public ::testing::Test {
  protected:
   StatusItemTest() {
     desktop::statusnotifier::registerTypes();
-    setenv("DBUS_SESSION_BUS_ADDRESS", address_.c_str(), 1);
+    setenv("DBUS_SESSION_BUS_ADDRESS", busDaemon_.address().c_str(), 1);
     setenv("TZ", "UTC", 1);
   }
   void TearDown() override { QDBusConnection::disconnectFromBus("panel"); }
 
-  static std::string addressOf(const Process& bus) {
-    if (!waitUntil([&bus] { return bus.standardOutput().ends_with('\n'); })) return {};
-    return QString::fromStdString(bus.standardOutput()).trimmed().toStdString();
-  }
   static void processEvents() { QCoreApplication::processEvents(QEventLoop::AllEvents, 5); }
   static bool waitFor(const std::function<bool()>& condition) { return waitUntil(condition, processEvents); }
 
-  void startProgram() { program_ = std::make_unique<Process>(std::vector<std::string>{LUMISCAN_PROGRAM}); }
+  void startProgram() { program_ = Process::start({LUMISCAN_PROGRAM}); }
   bool isInPanel() {
     return waitFor([this] { return !panel_.item.isEmpty(); });
   }
-  long logged(const std::string& line) const {
-    const std::string log = program_->standardError();
-    long count = 0;
-    for (auto at = log.find(line); at != std::string::npos; at = log.find(line, at + 1)) ++count;
-    return count;
-  }
+  long logged(const std::string& line) const { return program_->countInError(line); }
 
   QDBusMessage call(const QString& path, const QString& interface, const QString& member,
                     const QVariantList& arguments) {
@@ -121,24 +113,20 @@ class StatusItemTest : public ::testing::Test {
   std::size_t windows() const { return screen_.windowsOfClass("Lumiscan").size(); }
 
   PrivateDesktop screen_;
-  Process busDaemon_{{"dbus-daemon", "--session", "--nofork", "--print-address=1"}};
-  std::string address_ = addressOf(busDaemon_);
+  PrivateBus busDaemon_;
   char name_[5] = "test";
   char* argv_[2] = {name_, nullptr};
   int argc_ = 1;
   QCoreApplication application_{argc_, argv_};
-  QDBusConnection bus_ = QDBusConnection::connectToBus(QString::fromStdString(address_), "panel");
+  QDBusConnection bus_ = QDBusConnection::connectToBus(QString::fromStdString(busDaemon_.address()), "panel");
   Panel panel_{bus_};
   std::unique_ptr<Process> program_;
 };
 
 TEST_F(StatusItemTest, APanelReadsAndChoosesOverTheBus) {
-  const auto folder = screen_.home() / "config" / "lumiscan";
-  std::filesystem::create_directories(folder);
   const QByteArray history = R"([{"id":"0F9A3B5C-1D2E-4F60-8A7B-9C0D1E2F3A4B","date":60,"mode":"barcode",)"
                              R"("text":"snake_case & <b>\r_\nmore"}])";
-  std::ofstream(folder / "preferences.json")
-      << R"({"captureHistory": {"data": ")" << history.toBase64().toStdString() << R"("}})";
+  screen_.writePreferences(R"({"captureHistory": {"data": ")" + history.toBase64().toStdString() + R"("}})");
   panel_.start();
   startProgram();
   ASSERT_TRUE(isInPanel());
@@ -156,28 +144,15 @@ TEST_F(StatusItemTest, APanelReadsAndChoosesOverTheBus) {
     EXPECT_TRUE(pixmap.bytes.contains('\xFF') && pixmap.bytes.contains('\x00'));
   }
 
-  const auto expected = [](const std::string& additive) {
-    return std::vector<std::string>{"Capture Text\t⇧⌘2",
-                                    "Capture Text (join lines)",
-                                    "Capture & Speak\t⌃⌥⌘S",
-                                    "Capture QR / Barcode\t⌃⌥⌘B",
-                                    "Capture Last Selection\t⌃⌥⌘R",
-                                    "Stop Speaking",
-                                    "---",
-                                    additive,
-                                    "Clear Additive Clipboard",
-                                    "---",
-                                    "Recent Captures ▸",
-                                    "Clear History",
-                                    "---",
-                                    "Settings…",
-                                    "About Lumiscan",
-                                    "---",
-                                    "Quit Lumiscan"};
-  };
-  EXPECT_EQ(lines(layout()), expected("Additive Clipboard"));
+  ASSERT_EQ(layout().children.size(), 17U);
+  const auto line = [this](std::size_t place) { return lines(layout()).at(place); };
+  EXPECT_EQ(line(0), "Capture Text\t⇧⌘2");
+  EXPECT_EQ(line(2), "Capture & Speak\t⌃⌥⌘S");
+  EXPECT_EQ(line(6), "---");
+  EXPECT_EQ(line(7), "Additive Clipboard");
+  EXPECT_EQ(line(10), "Recent Captures ▸");
   click(idOf(layout(), "Additive Clipboard"));
-  EXPECT_TRUE(waitFor([&] { return lines(layout()) == expected("✓ Additive Clipboard"); }));
+  EXPECT_TRUE(waitFor([&] { return line(7) == "✓ Additive Clipboard"; }));
 
   const long registrations = logged("hotkeys registered");
   EXPECT_FALSE(aboutToShow(0)) << "nothing to read anew";
@@ -206,13 +181,13 @@ TEST_F(StatusItemTest, APanelReadsAndChoosesOverTheBus) {
   }));
   for (int i = 0; i < 3; ++i) screen_.pressKeys({KEY_TAB});
   screen_.pressKeys({KEY_SPACE});
-  EXPECT_TRUE(waitFor([&] { return lines(layout()) == expected("Additive Clipboard"); }))
+  EXPECT_TRUE(waitFor([&] { return line(7) == "Additive Clipboard"; }))
       << "the menu follows the fourth switch";
 
   click(idOf(layout(), "About Lumiscan"));
   ASSERT_TRUE(waitFor([this] { return windows() == 2 && screen_.focusedWindow() > XCB_INPUT_FOCUS_PARENT; }));
   click(idOf(layout(), "About Lumiscan"));
-  EXPECT_EQ(lines(layout()).size(), 17U) << "a box in front holds nothing up";
+  EXPECT_EQ(layout().children.size(), 17U) << "a box in front holds nothing up";
   EXPECT_EQ(windows(), 2U);
   EXPECT_TRUE(waitFor([this] {
     screen_.pressKeys({KEY_ENTER});
@@ -227,8 +202,7 @@ TEST_F(StatusItemTest, APanelReadsAndChoosesOverTheBus) {
 TEST_F(StatusItemTest, StandsInWhateverTrayComesAndComesAgain) {
   constexpr int side = 24;  // Of the embedding tray at the top right.
   const auto startTray = [] {
-    return std::make_unique<Process>(std::vector<std::string>{"trayer", "--edge", "top", "--align", "right",
-                                                              "--height", std::to_string(side)});
+    return Process::start({"trayer", "--edge", "top", "--align", "right", "--height", std::to_string(side)});
   };
   const auto isEmbedded = [this] {
     int ink = 0;
@@ -239,9 +213,7 @@ TEST_F(StatusItemTest, StandsInWhateverTrayComesAndComesAgain) {
   };
   /// Opens the menu and chooses its first item, at 0, or its last, at 1.
   const auto chooseByMouse = [this](int place) {
-    screen_.moveMouse(screen_.width() - side / 2, side / 2);
-    screen_.buttonDown();
-    screen_.buttonUp();
+    screen_.click(screen_.width() - side / 2, side / 2);
     ASSERT_TRUE(waitFor([this] { return windows() == 1; }));
     const xcb_rectangle_t menu = screen_.geometryOf(screen_.windowsOfClass("Lumiscan")[0]);
     const int y = place == 0 ? menu.y + side / 2 : menu.y + menu.height - side / 2;

@@ -1,26 +1,32 @@
 #pragma once
 
 #include <algorithm>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "platform/Graphics.h"
+#include "support/Printing.h"
 
 namespace lumiscan::testing {
 
 /// What was drawn, in order.
-struct DrawingOperation {
-  enum class Kind { stroke, fill, text, symbol };
-  Kind kind = Kind::stroke;
-  platform::BezierPath path;  ///< Of strokes and fills.
-  platform::Color color;      ///< Of a text, its foreground colour.
-  std::string text;           ///< Of a symbol, its name.
-  platform::Point origin;     ///< Of a text's box, or of its baseline when it was drawn as a line.
-  platform::Font font;
-  platform::Rect rect;  ///< Of a symbol.
+struct Drawing {
+  /// A line an operation: "stroke COLOUR WIDTH SHAPES", "fill COLOUR SHAPES", "text COLOUR FONT at POINT:
+  /// TEXT" or "symbol COLOUR RECTANGLE: NAME".
+  std::vector<std::string> operations;
+  std::string content;  ///< The symbols and the texts alone: "SYMBOL TEXT / TEXT".
 };
-using Drawing = std::vector<DrawingOperation>;
+
+/// One line, its parts parted by spaces.
+template <typename... Parts>
+std::string line(const Parts&... parts) {
+  std::ostringstream stream;
+  std::string_view gap;
+  ((stream << gap << parts, gap = " "), ...);
+  return stream.str();
+}
 
 /// Text metrics in place of a font's: every character is as wide as the next.
 inline constexpr double characterWidth = 7;
@@ -38,29 +44,30 @@ template <typename Base>
 class Recording : public Base {
  public:
   void stroke(const platform::BezierPath& path, platform::Color color) override {
-    drawing.push_back({DrawingOperation::Kind::stroke, path, color, {}, {}, {}, {}});
+    drawing.operations.push_back(line("stroke", color, path.lineWidth, path));
   }
   void fill(const platform::BezierPath& path, platform::Color color) override {
-    drawing.push_back({DrawingOperation::Kind::fill, path, color, {}, {}, {}, {}});
+    drawing.operations.push_back(line("fill", color, path));
   }
   platform::Size sizeOf(std::string_view text, const platform::TextAttributes&) override {
     return simulatedTextSize(text);
   }
   void draw(std::string_view text, platform::Point origin,
             const platform::TextAttributes& attributes) override {
-    drawing.push_back({DrawingOperation::Kind::text,
-                       {},
-                       attributes.foregroundColor,
-                       std::string(text),
-                       origin,
-                       attributes.font,
-                       {}});
+    drawing.operations.push_back(line("text", attributes.foregroundColor, attributes.font, "at", origin) +
+                                 ": " + std::string(text));
+    drawing.content += (hasText_ ? " / " : "") + std::string(text);
+    hasText_ = true;
   }
   void drawSymbol(std::string_view name, const platform::Rect& rect, platform::Color color) override {
-    drawing.push_back({DrawingOperation::Kind::symbol, {}, color, std::string(name), {}, {}, rect});
+    drawing.operations.push_back(line("symbol", color, rect) + ": " + std::string(name));
+    drawing.content += std::string(name) + ' ';
   }
 
   Drawing drawing;
+
+ private:
+  bool hasText_ = false;
 };
 
 using RecordingGraphicsContext = Recording<platform::GraphicsContext>;

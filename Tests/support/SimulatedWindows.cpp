@@ -28,7 +28,7 @@ class SimulatedWindowPeer : public platform::WindowPeer {
         std::ranges::find_if(windows_.peers_, [this](auto* peer) { return peer->level <= level; });
     windows_.peers_.insert(below, this);
     if (level == platform::windowLevelFloating)
-      windows_.effects_.add("show " + SimulatedWindows::content(window));
+      windows_.effects_.add("show " + SimulatedWindows::render(window).content);
   }
   void orderOut() override { leave(); }
   void animateAlpha(double, double seconds, const std::function<void()>& completion) override {
@@ -126,17 +126,6 @@ Drawing SimulatedWindows::render(Window& window) {
   RecordingGraphicsContext context;
   window.draw(context, {{0, 0}, window.frame().size});
   return context.drawing;
-}
-
-std::string SimulatedWindows::content(Window& window) {
-  std::string content;
-  int texts = 0;
-  for (const DrawingOperation& operation : render(window)) {
-    if (operation.kind == DrawingOperation::Kind::symbol) content += operation.text + ' ';
-    if (operation.kind == DrawingOperation::Kind::text)
-      content += (texts++ > 0 ? " / " : "") + operation.text;
-  }
-  return content;
 }
 
 std::vector<Rect> SimulatedWindows::takeInvalidated(const Window& window) {

@@ -44,8 +44,6 @@ class SimulatedWindows {
 
   /// Draws the whole window.
   static Drawing render(platform::Window& window);
-  /// What a window says: its symbols and texts, in the order in which they are drawn.
-  static std::string content(platform::Window& window);
   /// What was invalidated in the window since it was last asked, in window coordinates.
   std::vector<platform::Rect> takeInvalidated(const platform::Window& window);
 

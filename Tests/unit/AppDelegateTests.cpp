@@ -12,32 +12,28 @@ using ::testing::IsEmpty;
 
 using AppDelegateTest = LaunchedProgram;
 
-TEST_F(AppDelegateTest, HotkeyAndDragPutTheTextOnThePasteboard) {
+TEST_F(AppDelegateTest, RecognizesAndDecodesOffTheMainThreadInTheUsersLanguages) {
   desktop.userDefaults().setObject("recognitionLanguages", std::vector<std::string>{"de-DE", "en-US"});
-  desktop.textRecognizer().recognizes({"first line", "second line"});
+  desktop.textRecognizer().recognizes({"text"});
   press(HotkeyAction::captureText);
-  EXPECT_EQ(overlays().size(), 1U);
   EXPECT_THAT(desktop.textRecognizer().prepared, ElementsAre(ElementsAre("de-DE", "en-US")))
       << "the recogniser gets ready during the drag";
   desktop.windows().dragMouse({100, 200}, {400, 350});
   EXPECT_EQ(desktop.pasteboard().text, "before");
   desktop.settle();
-  EXPECT_EQ(desktop.pasteboard().text, "first line\nsecond line");
+  EXPECT_EQ(desktop.pasteboard().text, "text");
   EXPECT_EQ(desktop.pasteboard().changeCount, 1);
+  capture(HotkeyAction::captureBarcode);
 
   ASSERT_EQ(desktop.textRecognizer().requests.size(), 1U);
-  const auto& request = desktop.textRecognizer().requests[0];
-  EXPECT_EQ(describe(request.image), "100,550 300×150");
-  EXPECT_THAT(request.request.recognitionLanguages, ElementsAre("de-DE", "en-US"));
-  EXPECT_FALSE(request.onMainThread);
-  EXPECT_THAT(desktop.barcodeDetector().requests, IsEmpty());
-
-  capture(HotkeyAction::captureBarcode);
+  const auto& text = desktop.textRecognizer().requests[0];
+  EXPECT_EQ(describe(text.image), "100,550 300×150");
+  EXPECT_THAT(text.request.recognitionLanguages, ElementsAre("de-DE", "en-US"));
+  EXPECT_FALSE(text.onMainThread);
+  EXPECT_EQ(desktop.textRecognizer().prepared.size(), 1U);
   ASSERT_EQ(desktop.barcodeDetector().requests.size(), 1U);
   EXPECT_EQ(describe(desktop.barcodeDetector().requests[0].image), "100,550 300×150");
   EXPECT_FALSE(desktop.barcodeDetector().requests[0].onMainThread);
-  EXPECT_EQ(desktop.textRecognizer().requests.size(), 1U);
-  EXPECT_EQ(desktop.textRecognizer().prepared.size(), 1U);
 }
 
 TEST_F(AppDelegateTest, RequestsOpenASessionWithAHintOrRepeatTheLastSelection) {
@@ -66,45 +62,6 @@ TEST_F(AppDelegateTest, RequestsOpenASessionWithAHintOrRepeatTheLastSelection) {
                                                     "show checkmark.circle.fill Copied / text"))
       << "a repeat opens no session and shows no hint";
   EXPECT_EQ(describe(desktop.textRecognizer().requests.back().image), "100,550 300×150");
-}
-
-TEST_F(AppDelegateTest, WithoutAccessTheUserIsLedToTheSettings) {
-  desktop.displays().accessGranted = false;
-  press(HotkeyAction::captureText);
-  EXPECT_EQ(desktop.displays().accessRequests, 1);
-  EXPECT_THAT(desktop.workspace().opened,
-              ElementsAre("x-apple.systempreferences:com.apple.preference.security?Privacy_ScreenCapture"));
-
-  // Access granted meanwhile is seen at once; what fails all the same leads to the settings without asking.
-  desktop.displays().accessGranted = true;
-  capture(HotkeyAction::captureText);
-  EXPECT_EQ(desktop.workspace().opened.size(), 1U);
-  desktop.displays().detach(1);
-  press(HotkeyAction::captureLastSelection);
-  EXPECT_EQ(desktop.displays().accessRequests, 1);
-  EXPECT_EQ(desktop.workspace().opened.size(), 2U);
-}
-
-TEST_F(AppDelegateTest, OpensOneSettingsWindow) {
-  delegate->openSettings();
-  const auto windows = desktop.windows().visible();
-  ASSERT_EQ(windows.size(), 1U);
-  windows[0]->orderOut();
-  delegate->openSettings();
-  EXPECT_EQ(desktop.windows().keyWindow(), windows[0]);
-}
-
-TEST_F(AppDelegateTest, OverlappingCapturesFinishEachWithItsOwnResult) {
-  desktop.textRecognizer().recognizes({"text"});
-  desktop.barcodeDetector().finds({"payload"});
-  press(HotkeyAction::captureText);
-  desktop.windows().dragMouse({100, 200}, {400, 350});
-  desktop.hotKeys().press(11, 6400);
-  desktop.runMainQueue();
-  desktop.windows().dragMouse({0, 0}, {50, 50});
-  desktop.settle();
-  EXPECT_EQ(desktop.pasteboard().changeCount, 2);
-  EXPECT_EQ(desktop.pasteboard().text, "payload");
 }
 
 TEST_F(AppDelegateTest, NothingHappensOnceTheDelegateIsGone) {

@@ -141,7 +141,10 @@ TEST_F(CaptureSessionTest, FailuresOfTheSnapshotAndOfTheCropAreToldApart) {
 TEST_F(CaptureSessionTest, CancelsByKeyClickOrTooSmallARectangle) {
   const std::vector<std::function<void()>> cancels = {
       [this] { desktop.windows().keyDown(platform::keyCodeEscape); },
-      [this] { desktop.windows().keyDown(platform::keyCodePeriod, platform::modifierCommand); },
+      [this] {
+        desktop.windows().keyDown(platform::keyCodePeriod,
+                                  platform::modifierCommand | platform::modifierCapsLock);
+      },
       [this] { controller->selectionWindows()[0]->sendCancel(); },
       [this] {
         desktop.windows().dragMouse({100, 200}, {100, 200});
@@ -156,7 +159,8 @@ TEST_F(CaptureSessionTest, CancelsByKeyClickOrTooSmallARectangle) {
   for (const auto& cancel : cancels) {
     ends.clear();
     begin();
-    desktop.windows().keyDown(36);
+    desktop.windows().keyDown(platform::keyCodePeriod);
+    desktop.windows().keyDown(0, platform::modifierCommand);
     EXPECT_THAT(ends, IsEmpty()) << "other keys don't end the session";
     cancel();
     EXPECT_THAT(ends, ElementsAre("session: cancelled"));

@@ -33,8 +33,8 @@ class MenuTest : public LaunchedProgram {
     std::vector<std::string> lines;
     for (const auto& each : menu.items()) {
       std::string line = each->isSeparator ? "---" : each->title;
-      if (each->state == platform::ControlState::on) line = "✓ " + line;
-      if (!each->enabled) line = "(" + line + ")";
+      if (each->state == platform::ControlState::on) line.insert(0, "✓ ");
+      if (!each->enabled) line.insert(0, "(").append(")");
       if (each->submenu) line += " ▸";
       lines.push_back(line);
     }
@@ -125,6 +125,13 @@ TEST_F(MenuTest, EachItemDoesWhatItSays) {
   EXPECT_THAT(results(), ElementsAre("store captureHistory"));
   EXPECT_THAT(HistoryStore::shared().items(), IsEmpty());
 
+  choose("Settings…");
+  platform::Window* const settings = desktop.windows().keyWindow();
+  ASSERT_TRUE(settings);
+  settings->orderOut();
+  choose("Settings…");
+  EXPECT_EQ(desktop.windows().keyWindow(), settings) << "one window for good";
+
   const int activations = desktop.application().activations;
   choose("About Lumiscan");
   ASSERT_EQ(desktop.alerts().shown.size(), 1U);
@@ -170,7 +177,7 @@ TEST_F(MenuTest, OpeningTheStatusMenuRegistersTheHotkeysAgain) {
   EXPECT_EQ(desktop.statusBar().shown->menu, menu) << "not rebuilt";
 
   HotkeyManager::shared().unregisterAll();
-  delegate->settingsDidChange();
+  desktop.notificationCenter().post(settingsChanged);
   desktop.settle();
   menu->update();
   EXPECT_EQ(registered(), 0U) << "a menu that has been replaced";

@@ -31,93 +31,54 @@ class OutcomeTest : public LaunchedProgram {
 constexpr const char* storeHistory = "store captureHistory";
 constexpr const char* storeBuffer = "store additiveClipboardBuffer";
 
+struct Outcome {  // NOLINT(clang-analyzer-optin.performance.Padding): it reads best in this order.
+  const char* name;
+  HotkeyAction action;
+  std::vector<std::string> recognized;  ///< Lines, or payloads.
+  std::string text;                     ///< What is copied and recorded.
+  std::string message;                  ///< As the panel shows it.
+  bool additive = false;
+  bool keepLineBreaks = true;
+};
+
+/// What the user and the next start of the program can tell, in its order.
+Effects effectsOf(const Outcome& each) {
+  if (each.recognized.empty()) return {"play Basso", "show exclamationmark.triangle.fill " + each.message};
+  Effects effects;
+  const bool appends = each.message.starts_with("Added");
+  if (appends) effects.emplace_back(storeBuffer);
+  effects.push_back((appends ? "pasteboard old\n" : "pasteboard ") + each.text);
+  effects.insert(effects.end(), {storeHistory, "play Tink", "show checkmark.circle.fill " + each.message});
+  if (each.action == HotkeyAction::captureAndSpeak) effects.push_back("speak de-DE " + each.text);
+  return effects;
+}
+
 TEST_F(OutcomeTest, EachOutcomeHasItsEffectsInTheirOrder) {
-  struct Case {  // NOLINT(clang-analyzer-optin.performance.Padding): a case reads best in this order.
-    const char* name;
-    HotkeyAction action;
-    std::vector<std::string> recognized;  ///< Lines, or payloads.
-    Effects effects;
-    const char* record = nullptr;
-    bool additive = false;
-    bool keepLineBreaks = true;
-  };
   using enum HotkeyAction;
-  const Case cases[] = {
-      {"text",
-       captureText,
-       {"one", " two"},
-       {"pasteboard one\n two", storeHistory, "play Tink", "show checkmark.circle.fill Copied / one  two"},
-       "text one\n two"},
-      {"joined by the setting",
-       captureText,
-       {"one", " two"},
-       {"pasteboard one two", storeHistory, "play Tink", "show checkmark.circle.fill Copied / one two"},
-       "text one two",
-       false,
-       false},
-      {"joined by the request",
-       captureTextNoBreaks,
-       {"one", " two"},
-       {"pasteboard one two", storeHistory, "play Tink", "show checkmark.circle.fill Copied / one two"},
-       "text one two"},
-      {"blanks",
-       captureText,
-       {"  "},
-       {"pasteboard   ", storeHistory, "play Tink", "show checkmark.circle.fill Copied /   "},
-       "text   "},
-      {"blanks, joined",
-       captureTextNoBreaks,
-       {"  "},
-       {"pasteboard ", storeHistory, "play Tink", "show checkmark.circle.fill Copied"},
-       "text "},
-      {"invalid text",
-       captureText,
-       {"a\xFFz"},
-       {"pasteboard a\uFFFDz", storeHistory, "play Tink", "show checkmark.circle.fill Copied / a\uFFFDz"},
-       "text a\uFFFDz"},
-      {"no text", captureText, {}, {"play Basso", "show exclamationmark.triangle.fill No text recognized"}},
-      {"added to the buffer",
-       captureText,
-       {"one"},
-       {storeBuffer, "pasteboard old\none", storeHistory, "play Tink",
-        "show checkmark.circle.fill Added to additive clipboard / one"},
-       "text one",
-       true},
-      {"speech",
-       captureAndSpeak,
-       {"one"},
-       {"pasteboard one", storeHistory, "play Tink", "show checkmark.circle.fill Copied / one",
-        "speak de-DE one"},
-       "textToSpeech one"},
-      {"speech, added to the buffer",
-       captureAndSpeak,
-       {"one"},
-       {storeBuffer, "pasteboard old\none", storeHistory, "play Tink",
-        "show checkmark.circle.fill Added to additive clipboard / one", "speak de-DE one"},
-       "textToSpeech one",
-       true},
-      {"speech without text",
-       captureAndSpeak,
-       {},
-       {"play Basso", "show exclamationmark.triangle.fill No text recognized"}},
-      {"one code",
-       captureBarcode,
-       {"A"},
-       {"pasteboard A", storeHistory, "play Tink", "show checkmark.circle.fill Code copied / A"},
-       "barcode A"},
-      {"three codes, not added to the buffer",
+  const std::string added = "Added to additive clipboard / one";
+  const Outcome outcomes[] = {
+      {"text", captureText, {"one", " two"}, "one\n two", "Copied / one  two"},
+      {"joined by the setting", captureText, {"one", " two"}, "one two", "Copied / one two", false, false},
+      {"joined by the request", captureTextNoBreaks, {"one", " two"}, "one two", "Copied / one two"},
+      {"blanks", captureText, {"  "}, "  ", "Copied /   "},
+      {"blanks, joined", captureTextNoBreaks, {"  "}, "", "Copied"},
+      {"invalid text", captureText, {"a\xFFz"}, "a\uFFFDz", "Copied / a\uFFFDz"},
+      {"no text", captureText, {}, "", "No text recognized"},
+      {"added to the buffer", captureText, {"one"}, "one", added, true},
+      {"speech", captureAndSpeak, {"one"}, "one", "Copied / one"},
+      {"speech, added to the buffer", captureAndSpeak, {"one"}, "one", added, true},
+      {"speech without text", captureAndSpeak, {}, "", "No text recognized"},
+      {"one code", captureBarcode, {"A"}, "A", "Code copied / A"},
+      {"codes go past the buffer",
        captureBarcode,
        {"A", "", "C\r\n"},
-       {"pasteboard A\n\nC\r\n", storeHistory, "play Tink", "show checkmark.circle.fill Copied 3 codes / A"},
-       "barcode A\n\nC\r\n",
+       "A\n\nC\r\n",
+       "Copied 3 codes / A",
        true},
-      {"no code",
-       captureBarcode,
-       {},
-       {"play Basso", "show exclamationmark.triangle.fill No QR or barcode found"}},
+      {"no code", captureBarcode, {}, "", "No QR or barcode found"},
   };
   desktop.userDefaults().setObject("recognitionLanguages", std::vector<std::string>{"de-DE", "en-US"});
-  for (const Case& each : cases) {
+  for (const Outcome& each : outcomes) {
     for (const bool sound : {true, false}) {
       SCOPED_TRACE(each.name);
       desktop.textRecognizer().recognizes(each.recognized);
@@ -131,11 +92,13 @@ TEST_F(OutcomeTest, EachOutcomeHasItsEffectsInTheirOrder) {
       desktop.effects().take();
 
       capture(each.action);
-      Effects expected = each.effects;
+      Effects expected = effectsOf(each);
       if (!sound) std::erase_if(expected, [](const auto& effect) { return effect.starts_with("play "); });
       EXPECT_EQ(results(), expected);
-      EXPECT_THAT(history(),
-                  each.record ? std::vector<std::string>{each.record} : std::vector<std::string>{});
+      const std::string mode = each.action == captureBarcode    ? "barcode "
+                               : each.action == captureAndSpeak ? "textToSpeech "
+                                                                : "text ";
+      EXPECT_EQ(history(), each.recognized.empty() ? Effects{} : Effects{mode + each.text});
     }
   }
 }
@@ -156,19 +119,32 @@ TEST_F(OutcomeTest, FailuresAndMissingAccessEndInTheirMessages) {
   desktop.userDefaults().removeObject("lastSelection");
   press(HotkeyAction::captureLastSelection);
   EXPECT_THAT(results(), ElementsAre("show exclamationmark.triangle.fill No previous selection yet"));
+}
+
+TEST_F(OutcomeTest, WithoutAccessTheUserIsLedToTheSettings) {
   desktop.displays().accessGranted = false;
-  desktop.textRecognizer().prepared.clear();
   press(HotkeyAction::captureText);
   EXPECT_THAT(desktop.textRecognizer().prepared, IsEmpty()) << "a refused request loads no recogniser";
   EXPECT_THAT(results(), ElementsAre("play Basso",
                                      "show exclamationmark.triangle.fill Screen Recording access required / "
                                      "Enable Lumiscan in System Settings › Privacy & Security"));
+  EXPECT_EQ(desktop.displays().accessRequests, 1);
+  EXPECT_THAT(desktop.workspace().opened,
+              ElementsAre("x-apple.systempreferences:com.apple.preference.security?Privacy_ScreenCapture"));
+
+  // Access granted meanwhile is seen at once; what fails all the same leads to the settings without asking.
+  desktop.displays().accessGranted = true;
+  capture(HotkeyAction::captureText);
+  EXPECT_EQ(desktop.workspace().opened.size(), 1U);
+  desktop.displays().detach(1);
+  press(HotkeyAction::captureLastSelection);
+  EXPECT_EQ(desktop.displays().accessRequests, 1);
+  EXPECT_EQ(desktop.workspace().opened.size(), 2U);
 }
 
 TEST_F(OutcomeTest, TheAdditiveClipboardIsSwitchedContinuedAndCleared) {
   int posts = 0;
-  const auto observation =
-      desktop.notificationCenter().addObserver(std::string(settingsChanged), [&] { ++posts; });
+  const auto observation = desktop.notificationCenter().addObserver(settingsChanged, [&] { ++posts; });
   delegate->toggleAdditive();
   EXPECT_THAT(results(),
               ElementsAre("store additiveEnabled", "show checkmark.circle.fill Additive clipboard on"));

@@ -9,7 +9,6 @@ namespace lumiscan {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 TEST(OCRService, JoinsTheBestReadingsOfTheLinesAndHandsErrorsOn) {
   struct Case {
@@ -24,30 +23,21 @@ TEST(OCRService, JoinsTheBestReadingsOfTheLinesAndHandsErrorsOn) {
       {{{{""}}, {{"second"}}}, "\nsecond"},
   };
   testing::SimulatedDesktop desktop;
+  const auto image = testing::coordinateImage(8, 8);
   for (const Case& each : cases) {
     desktop.textRecognizer().result = each.observations;
-    const auto text = OCRService::recognizeText(testing::coordinateImage(8, 8), {"en-US"});
+    const auto text = OCRService::recognizeText(image, {"en-US"});
     ASSERT_TRUE(text.ok());
     EXPECT_EQ(text.value(), each.text);
   }
+  const auto& request = desktop.textRecognizer().requests.back();
+  EXPECT_EQ(request.request.recognitionLevel, platform::RecognitionLevel::accurate);
+  EXPECT_TRUE(request.request.usesLanguageCorrection);
+  EXPECT_EQ(request.image.row(0), image.row(0)) << "the image is handed over as it is";
   desktop.textRecognizer().result = platform::Error{"no engine"};
-  const auto text = OCRService::recognizeText(testing::coordinateImage(8, 8), {"en-US"});
+  const auto text = OCRService::recognizeText(image, {"en-US"});
   ASSERT_FALSE(text.ok());
   EXPECT_EQ(text.error().text, "no engine");
-}
-
-TEST(OCRService, AsksForTheAccurateLevelAndTheLanguagesInOrder) {
-  testing::SimulatedDesktop desktop;
-  const auto image = testing::coordinateImage(8, 8);
-  OCRService::recognizeText(image, {"de-DE", "en-US"});
-  OCRService::recognizeText(image, {});
-  const auto& requests = desktop.textRecognizer().requests;
-  ASSERT_EQ(requests.size(), 2U);
-  EXPECT_EQ(requests[0].request.recognitionLevel, platform::RecognitionLevel::accurate);
-  EXPECT_TRUE(requests[0].request.usesLanguageCorrection);
-  EXPECT_THAT(requests[0].request.recognitionLanguages, ElementsAre("de-DE", "en-US"));
-  EXPECT_THAT(requests[1].request.recognitionLanguages, IsEmpty());
-  EXPECT_EQ(requests[0].image.row(0), image.row(0)) << "the image is handed over as it is";
 }
 
 TEST(OCRService, CollapsesLinesIntoOne) {

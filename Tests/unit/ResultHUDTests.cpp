@@ -9,16 +9,15 @@
 namespace lumiscan {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-using Kind = testing::DrawingOperation::Kind;
 using platform::Color;
 using platform::Rect;
+using ::testing::ElementsAre;
+using testing::line;
 
 class ResultHUDTest : public ::testing::Test {
  protected:
   platform::Window* panel() { return desktop.windows().topmost(); }
-  std::string shown() { return panel() ? testing::SimulatedWindows::content(*panel()) : "nothing"; }
+  std::string shown() { return panel() ? testing::SimulatedWindows::render(*panel()).content : "nothing"; }
 
   testing::SimulatedDesktop desktop;
   std::shared_ptr<ResultHUD> hud = std::make_shared<ResultHUD>();
@@ -42,7 +41,7 @@ TEST_F(ResultHUDTest, ThePanelFloatsUnfocusedWhereTheMouseIs) {
       {{10, 10}, fifty, std::nullopt, {{544, 852}, {352, 36}}},
       {{10, 10}, fifty + fifty, std::nullopt, {{517, 840}, {406, 48}}},
       {{1440, 0}, "Copied", std::nullopt, {{1820, 652}, {240, 36}}},
-      {{-5000, 0}, "Copied", std::nullopt, {{600, 852}, {240, 36}}},
+      {{1500, 700}, "Copied", std::nullopt, {{600, 852}, {240, 36}}},
   };
   for (const Case& each : cases) {
     desktop.windows().mouseLocation = each.mouse;
@@ -107,24 +106,17 @@ TEST_F(ResultHUDTest, TheContentIsLaidOutFromTheLeadingEdge) {
   for (const bool dark : {false, true}) {
     desktop.look.isDark = dark;
     hud->show("Title", "pre\nview", dark);
-    const auto drawing = testing::SimulatedWindows::render(*panel());
-    ASSERT_EQ(drawing.size(), 5U);
-    EXPECT_EQ(drawing[0].kind, Kind::fill);
-    EXPECT_EQ(drawing[0].path.roundedRects[0].radius, 12);
-    EXPECT_TRUE(drawing[0].path.roundedRects[0].continuous);
-    EXPECT_EQ(drawing[0].color, desktop.look.panelMaterial());
-    EXPECT_EQ(drawing[1].rect, (Rect{{14, 28}, {16, 16}}));
-    EXPECT_EQ(drawing[1].color, dark ? (Color{0.95, 0.5, 0.25, 1}) : desktop.look.systemGreen());
-    EXPECT_EQ(drawing[2].origin, (platform::Point{38, 29}));
-    EXPECT_EQ(drawing[2].font.size, 13);
-    EXPECT_EQ(drawing[2].font.weight, platform::FontWeight::semibold);
-    EXPECT_EQ(drawing[3].text, "pre view");
-    EXPECT_EQ(drawing[3].origin, (platform::Point{14, 10}));
-    EXPECT_EQ(drawing[3].font.size, 12);
-    EXPECT_EQ(drawing[3].color, desktop.look.secondaryLabelColor());
-    EXPECT_EQ(drawing[4].kind, Kind::stroke);
-    EXPECT_EQ(drawing[4].path.roundedRects[0].rect, (Rect{{0.5, 0.5}, {239, 53}}));
-    EXPECT_EQ(drawing[4].color, desktop.look.labelColor().withAlpha(0.08));
+    const auto& look = desktop.look;
+    const Color symbol = dark ? Color{0.95, 0.5, 0.25} : look.systemGreen();
+    EXPECT_THAT(
+        testing::SimulatedWindows::render(*panel()).operations,
+        ElementsAre(line("fill", look.panelMaterial(), "240×54 at (0, 0) radius 12 continuous"),
+                    line("symbol", symbol, "16×16 at (14, 28):",
+                         dark ? "exclamationmark.triangle.fill" : "checkmark.circle.fill"),
+                    line("text", look.labelColor(), "system 13 semibold at (38, 29): Title"),
+                    line("text", look.secondaryLabelColor(), "system 12 regular at (14, 10): pre view"),
+                    line("stroke", look.labelColor().withAlpha(0.08),
+                         "1 239×53 at (0.5, 0.5) radius 11.5 continuous")));
   }
 }
 

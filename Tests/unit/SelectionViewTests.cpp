@@ -11,10 +11,12 @@ namespace {
 using platform::Color;
 using platform::Point;
 using platform::Rect;
-using ::testing::Contains;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using Kind = testing::DrawingOperation::Kind;
+using testing::line;
+
+constexpr Color black = Color::black(), white = Color::white();
 
 class RecordingDelegate : public SelectionWindowDelegate {
  public:
@@ -34,30 +36,21 @@ class SelectionViewTest : public ::testing::Test {
 
   /// A point of the overlay in the global screen space.
   static Point global(Point point) { return {point.x - 1920, point.y - 180}; }
-  testing::Drawing render() { return desktop.windows().render(*window); }
-  testing::Drawing renderDrag(Point from, Point to) {
+  std::vector<std::string> render() { return testing::SimulatedWindows::render(*window).operations; }
+  std::vector<std::string> renderDrag(Point from, Point to) {
     desktop.windows().mouseDown(global(from));
     desktop.windows().mouseDrag(global(to));
     return render();
   }
-  static void expectCrosshair(const testing::Drawing& drawing, Point p) {
-    ASSERT_EQ(drawing.size(), 3U);
-    const std::vector<std::pair<Point, Point>> arms = {{{p.x - 8, p.y}, {p.x - 2.5, p.y}},
-                                                       {{p.x + 2.5, p.y}, {p.x + 8, p.y}},
-                                                       {{p.x, p.y - 8}, {p.x, p.y - 2.5}},
-                                                       {{p.x, p.y + 2.5}, {p.x, p.y + 8}}};
-    for (const std::size_t i : {0U, 1U}) {
-      EXPECT_EQ(drawing[i].kind, Kind::stroke);
-      EXPECT_EQ(drawing[i].color, i == 0 ? Color::black().withAlpha(0.5) : Color::white());
-      EXPECT_EQ(drawing[i].path.lineWidth, i == 0 ? 2 : 1);
-      EXPECT_EQ(drawing[i].path.lineCap, platform::LineCap::round);
-      ASSERT_EQ(drawing[i].path.segments.size(), arms.size());
-      for (const auto& segment : drawing[i].path.segments)
-        EXPECT_THAT(arms, Contains(std::pair(segment.from, segment.to)));
-    }
-    EXPECT_EQ(drawing[2].kind, Kind::fill);
-    EXPECT_EQ(drawing[2].color, Color::white());
-    EXPECT_THAT(drawing[2].path.ovals, ElementsAre(Rect{{p.x - 1, p.y - 1}, {2, 2}}));
+  static std::vector<std::string> crosshairAt(Point p) {
+    std::ostringstream arms;
+    arms << "round";
+    for (const auto& [from, to] : {std::pair(-8.0, -2.5), {2.5, 8.0}})
+      arms << ' ' << Point{p.x + from, p.y} << '-' << Point{p.x + to, p.y};
+    for (const auto& [from, to] : {std::pair(-8.0, -2.5), {2.5, 8.0}})
+      arms << ' ' << Point{p.x, p.y + from} << '-' << Point{p.x, p.y + to};
+    return {line("stroke", black.withAlpha(0.5), 2, arms.str()), line("stroke", white, 1, arms.str()),
+            line("fill", white, "oval", Rect{{p.x - 1, p.y - 1}, {2, 2}})};
   }
 
   testing::SimulatedDesktop desktop;
@@ -68,7 +61,7 @@ class SelectionViewTest : public ::testing::Test {
 
 TEST_F(SelectionViewTest, FirstDrawingShowsTheCrosshairAtTheMouse) {
   desktop.windows().mouseLocation = global({500, 400});
-  expectCrosshair(render(), {500, 400});
+  EXPECT_EQ(render(), crosshairAt({500, 400}));
 }
 
 TEST_F(SelectionViewTest, CrosshairFollowsTheMouseAndIsDrawnAgainWhereItWas) {
@@ -77,51 +70,30 @@ TEST_F(SelectionViewTest, CrosshairFollowsTheMouseAndIsDrawnAgainWhereItWas) {
   desktop.windows().mouseMove(global({300, 200}));
   EXPECT_THAT(desktop.windows().takeInvalidated(*window),
               ElementsAre(Rect{{86, 86}, {28, 28}}, Rect{{286, 186}, {28, 28}}));
-  expectCrosshair(render(), {300, 200});
+  EXPECT_EQ(render(), crosshairAt({300, 200}));
 }
 
 TEST_F(SelectionViewTest, DragShowsTheOutlineAndTheSizeInPoints) {
   desktop.windows().takeInvalidated(*window);
-  const auto drawing = renderDrag({100, 200}, {400.75, 350.75});
+  EXPECT_THAT(renderDrag({100, 200}, {400.75, 350.75}),
+              ElementsAre(line("stroke", black.withAlpha(0.55), "3 304.75×154.75 at (98, 198) radius 0"),
+                          line("stroke", white, "1.5 302.25×152.25 at (99.25, 199.25) radius 0"),
+                          line("fill", black.withAlpha(0.7), "75×20 at (94, 173) radius 5"),
+                          line("text", white, "digits 11 medium at (100, 176): 300 × 150")));
   EXPECT_THAT(desktop.windows().takeInvalidated(*window),
               ElementsAre(window->contentView()->bounds(), window->contentView()->bounds()));
-  const Rect rect{{100, 200}, {300.75, 150.75}};
-  ASSERT_EQ(drawing.size(), 4U);
-  for (const std::size_t i : {0U, 1U}) {
-    const double growth = i == 0 ? 2 : 0.75;
-    EXPECT_EQ(drawing[i].kind, Kind::stroke);
-    EXPECT_EQ(drawing[i].color, i == 0 ? Color::black().withAlpha(0.55) : Color::white());
-    EXPECT_EQ(drawing[i].path.lineWidth, i == 0 ? 3 : 1.5);
-    ASSERT_EQ(drawing[i].path.roundedRects.size(), 1U);
-    EXPECT_EQ(drawing[i].path.roundedRects[0].rect, insetBy(rect, -growth, -growth));
-    EXPECT_EQ(drawing[i].path.roundedRects[0].radius, 0);
-  }
-  const double textWidth = 9 * testing::characterWidth;
-  const Point textOrigin{100, 200 - testing::lineHeight - 10};
-  EXPECT_EQ(drawing[2].kind, Kind::fill);
-  EXPECT_EQ(drawing[2].color, Color::black().withAlpha(0.7));
-  ASSERT_EQ(drawing[2].path.roundedRects.size(), 1U);
-  EXPECT_EQ(drawing[2].path.roundedRects[0].rect,
-            (Rect{{textOrigin.x - 6, textOrigin.y - 3}, {textWidth + 12, testing::lineHeight + 6}}));
-  EXPECT_EQ(drawing[2].path.roundedRects[0].radius, 5);
-  EXPECT_EQ(drawing[3].text, "300 × 150");
-  EXPECT_EQ(drawing[3].origin, textOrigin);
-  EXPECT_EQ(drawing[3].color, Color::white());
-  EXPECT_EQ(drawing[3].font.size, 11);
-  EXPECT_EQ(drawing[3].font.weight, platform::FontWeight::medium);
-  EXPECT_EQ(drawing[3].font.design, platform::Font::Design::systemMonospacedDigits);
 }
 
 TEST_F(SelectionViewTest, BadgeMovesAboveNearTheBottomOfTheScreen) {
   const double lowestBelow = testing::lineHeight + 14;
-  EXPECT_EQ(renderDrag({50, lowestBelow}, {150, 100}).back().origin, (Point{50, 4}));
-  EXPECT_EQ(renderDrag({50, lowestBelow - 0.5}, {150, 100}).back().origin, (Point{50, 108}));
+  EXPECT_THAT(renderDrag({50, lowestBelow}, {150, 100}).back(), HasSubstr(" at (50, 4): "));
+  EXPECT_THAT(renderDrag({50, lowestBelow - 0.5}, {150, 100}).back(), HasSubstr(" at (50, 108): "));
 }
 
 TEST_F(SelectionViewTest, SliverShowsTheCrosshairInstead) {
   desktop.windows().mouseMove(global({20, 30}));
-  expectCrosshair(renderDrag({100, 200}, {101, 250}), {20, 30});
-  expectCrosshair(renderDrag({100, 200}, {150, 201}), {20, 30});
+  EXPECT_EQ(renderDrag({100, 200}, {101, 250}), crosshairAt({20, 30}));
+  EXPECT_EQ(renderDrag({100, 200}, {150, 201}), crosshairAt({20, 30}));
   EXPECT_EQ(renderDrag({100, 200}, {101.5, 201.5}).size(), 4U);
 }
 

@@ -1,70 +1,268 @@
+// The settings, in the store and in their window.
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "hotkeys/HotkeyManager.h"
+#include "output/HistoryStore.h"
 #include "settings/Settings.h"
+#include "settings/SettingsWindowController.h"
 #include "support/SimulatedDesktop.h"
+#include "support/SimulatedForm.h"
 
 namespace lumiscan {
 namespace {
 
+using platform::modifierCapsLock;
+using platform::modifierCommand;
+using platform::modifierControl;
+using platform::modifierOption;
+using platform::modifierShift;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
 
-class SettingsTest : public ::testing::Test {
- protected:
+TEST(Settings, BooleansDefaultToTrueUnlessABooleanOrANumberIsStored) {
   testing::SimulatedDesktop desktop;
-  int posts = 0;
-  const std::shared_ptr<void> observation =
-      desktop.notificationCenter().addObserver(std::string(settingsChanged), [this] { ++posts; });
-};
-
-TEST_F(SettingsTest, BooleansDefaultToTrueUnlessABooleanOrANumberIsStored) {
-  struct Setting {
-    std::string_view key;
-    bool (*get)();
-  };
-  struct Case {
-    platform::DefaultsValue stored;
-    bool value;
-  };
-  const std::vector<Case> cases = {
-      {false, false},
-      {true, true},
-      {0.0, false},
-      {2.0, true},
-      {std::string("false"), true},
-      {std::vector<std::string>{}, true},
-      {platform::Data{}, true},
-  };
-  for (const Setting& setting :
-       {Setting{"playSound", Settings::playSound}, Setting{"showHUD", Settings::showHUD},
-        Setting{"keepLineBreaksByDefault", Settings::keepLineBreaksByDefault}}) {
-    EXPECT_TRUE(setting.get()) << setting.key;
-    for (const Case& each : cases) {
-      desktop.userDefaults().setObject(setting.key, each.stored);
-      EXPECT_EQ(setting.get(), each.value) << setting.key << " holding type " << each.stored.index();
+  const std::pair<platform::DefaultsValue, bool> cases[] = {{false, false},
+                                                            {true, true},
+                                                            {0.0, false},
+                                                            {2.0, true},
+                                                            {std::string("false"), true},
+                                                            {std::vector<std::string>{}, true},
+                                                            {platform::Data{}, true}};
+  for (const auto& [key, get] : {std::pair{"playSound", &Settings::playSound},
+                                 {"showHUD", &Settings::showHUD},
+                                 {"keepLineBreaksByDefault", &Settings::keepLineBreaksByDefault}}) {
+    EXPECT_TRUE(get()) << key;
+    for (const auto& [stored, value] : cases) {
+      desktop.userDefaults().setObject(key, stored);
+      EXPECT_EQ(get(), value) << key << " holding type " << stored.index();
     }
   }
 }
 
-TEST_F(SettingsTest, LanguagesAreKeptInOrderAndNeverEmpty) {
-  EXPECT_THAT(Settings::recognitionLanguages(), ElementsAre("en-US"));
-  Settings::setRecognitionLanguages({"de-DE", "en-US", "de-DE"});
-  EXPECT_THAT(Settings::recognitionLanguages(), ElementsAre("de-DE", "en-US", "de-DE"));
-  Settings::setRecognitionLanguages({});
-  EXPECT_EQ(desktop.userDefaults().stringArrayForKey("recognitionLanguages"), std::vector<std::string>{});
-  EXPECT_THAT(Settings::recognitionLanguages(), ElementsAre("en-US"));
+class SettingsWindowTest : public ::testing::Test {
+ protected:
+  /// Opens the window; what is to be in force when the form is made comes before.
+  testing::SimulatedForm& open() {
+    controller.show();
+    if (!form)
+      form = std::make_unique<testing::SimulatedForm>(
+          desktop, dynamic_cast<platform::HostingView&>(*controller.window()->contentView()));
+    desktop.effects().take();
+    posts = 0;
+    return *form;
+  }
+  std::vector<std::string> languages() {
+    return desktop.userDefaults().stringArrayForKey("recognitionLanguages").value();
+  }
+  std::optional<std::string> storedShortcut(const std::string& action) {
+    return desktop.userDefaults().stringForKey("hotkey." + action);
+  }
+
+  testing::SimulatedDesktop desktop;
+  int posts = 0;
+  bool linesWereKept = true;
+  const std::shared_ptr<void> observation =
+      desktop.notificationCenter().addObserver("varnholt.lumiscan.settingsChanged", [this] {
+        ++posts;
+        linesWereKept = Settings::keepLineBreaksByDefault();
+      });
+  SettingsWindowController controller;
+  std::unique_ptr<testing::SimulatedForm> form;
+};
+
+TEST_F(SettingsWindowTest, IsOneWindowThatComesBackAsItWas) {
+  EXPECT_EQ(controller.window(), nullptr);
+  open();
+  platform::Window* const window = controller.window();
+  EXPECT_EQ(desktop.windows().keyWindow(), window);
+  EXPECT_EQ(desktop.application().activations, 1);
+  EXPECT_EQ(window->attributes().title, "Lumiscan Settings");
+  EXPECT_EQ(window->attributes().styleMask, 1U | 2U | 4U);
+  EXPECT_EQ(window->frame(), (platform::Rect{{460, 170}, {520, 560}})) << "the middle of the screen";
+  form->flip("Play sound after capture");
+  window->orderOut();
+  desktop.displays().attach(2, {{1440, 0}, {800, 600}});
+  desktop.windows().mouseMove({1500, 100});
+  open();
+  EXPECT_EQ(controller.window(), window);
+  EXPECT_EQ(desktop.windows().visible(), std::vector{window});
+  EXPECT_EQ(window->frame().origin, (platform::Point{460, 170}));
+  EXPECT_FALSE(form->toggle("Play sound after capture").isOn);
+}
+
+TEST_F(SettingsWindowTest, KeepsItsTitleOnASmallScreen) {
+  desktop.displays().attach(2, {{1440, 100}, {800, 400}});
+  desktop.windows().mouseMove({1500, 200});
+  open();
+  EXPECT_EQ(controller.window()->frame(), (platform::Rect{{1580, -60}, {520, 560}}));
+}
+
+TEST_F(SettingsWindowTest, ShowsTheSettingsInFourSections) {
+  open();
+  EXPECT_THAT(form->section("General"),
+              ElementsAre("[ ] Launch at login", "[x] Play sound after capture",
+                          "[x] Show capture confirmation", "[ ] Additive clipboard (append captures)",
+                          "Line breaks: Keep line breaks | Join lines into a paragraph"));
+  EXPECT_THAT(
+      form->section("Recognition languages"),
+      ElementsAre("[x] English (US)", "[ ] English (UK)", "[ ] French", "[ ] Italian", "[ ] German",
+                  "[ ] Spanish", "[ ] Portuguese (Brazil)", "[ ] Chinese (Simplified)",
+                  "[ ] Chinese (Traditional)", "[ ] Japanese", "[ ] Korean", "[ ] Russian", "[ ] Ukrainian",
+                  "Recognition support depends on the macOS version. Selecting more than three "
+                  "languages slows recognition down."));
+  EXPECT_THAT(
+      form->section("Global shortcuts"),
+      ElementsAre("Click a field, then press the combination you want. Press Esc to clear.",
+                  "Capture Text / [⇧⌘2]", "Capture Text (join lines) / [—]", "Capture & Speak / [⌃⌥⌘S]",
+                  "Capture QR / Barcode / [⌃⌥⌘B]", "Capture Last Selection / [⌃⌥⌘R]", "Stop Speaking / [—]",
+                  "Toggle Additive Clipboard / [—]", "Clear Additive Clipboard / [—]"));
+  EXPECT_THAT(form->section("History"), ElementsAre("0 recent captures kept / [Clear History]"));
+  EXPECT_EQ(form->field("Capture Text").attributes().placeholderString, "Record shortcut…");
+  EXPECT_EQ(posts, 0) << "showing is no change";
+}
+
+TEST_F(SettingsWindowTest, SwitchesWriteAndAnnounceEachChangeOnce) {
+  struct Case {
+    const char* label;
+    const char* key;
+    bool changed;
+  };
+  open();
+  for (const Case& each : {Case{"Play sound after capture", "playSound", false},
+                           Case{"Show capture confirmation", "showHUD", false},
+                           Case{"Additive clipboard (append captures)", "additiveEnabled", true}}) {
+    SCOPED_TRACE(each.label);
+    for (const bool value : {each.changed, !each.changed}) {
+      posts = 0;
+      const int fields = form->fieldsMade();
+      form->flip(each.label);
+      EXPECT_EQ(desktop.userDefaults().object(each.key), platform::DefaultsValue(value));
+      EXPECT_EQ(form->toggle(each.label).isOn, value);
+      EXPECT_EQ(posts, 1);
+      EXPECT_EQ(form->fieldsMade() - fields, 8) << "every shortcut's field is made anew";
+    }
+  }
+  posts = 0;
+  form->choose("Line breaks", 1);
+  EXPECT_FALSE(linesWereKept) << "stored before it is announced";
+  form->choose("Line breaks", 1);
+  EXPECT_EQ(posts, 1) << "choosing what is chosen is no change";
+  EXPECT_EQ(form->section("General").back(), "Line breaks: Join lines into a paragraph | Keep line breaks");
+}
+
+TEST_F(SettingsWindowTest, LanguagesKeepTheirOrder) {
+  Settings::setRecognitionLanguages({"de-DE", "xx", "en-US", "de-DE"});
+  EXPECT_THAT(Settings::recognitionLanguages(), ElementsAre("de-DE", "xx", "en-US", "de-DE"));
+  open();
+  form->flip("Ukrainian");
+  form->flip("French");
+  EXPECT_THAT(languages(), ElementsAre("de-DE", "xx", "en-US", "uk-UA", "fr-FR"));
+  EXPECT_EQ(posts, 2);
+  form->flip("German");
+  form->flip("German");
+  EXPECT_THAT(languages(), ElementsAre("xx", "en-US", "uk-UA", "fr-FR", "de-DE"));
+  for (const char* label : {"English (US)", "Ukrainian", "French", "German"}) form->flip(label);
+  EXPECT_THAT(languages(), ElementsAre("xx"));
+}
+
+TEST_F(SettingsWindowTest, NoLanguageAtAllIsStoredAsSuch) {
   desktop.userDefaults().setObject("recognitionLanguages", std::string("de-DE"));
+  open().flip("English (US)");
+  EXPECT_THAT(languages(), IsEmpty());
+  EXPECT_FALSE(form->toggle("English (US)").isOn);
   EXPECT_THAT(Settings::recognitionLanguages(), ElementsAre("en-US"));
 }
 
-TEST_F(SettingsTest, WritesAreStoredAndThenAnnouncedOnce) {
-  std::optional<bool> seen;
-  const auto reader = desktop.notificationCenter().addObserver(
-      "varnholt.lumiscan.settingsChanged", [&] { seen = Settings::keepLineBreaksByDefault(); });
-  Settings::setBool(Settings::keepLineBreaksByDefaultKey, false);
-  EXPECT_EQ(seen, false);
-  EXPECT_EQ(posts, 1);
-  Settings::setRecognitionLanguages({"fr-FR"});
+TEST_F(SettingsWindowTest, LanguagesWithoutDataNameTheirPackage) {
+  desktop.textRecognizer().missingPackages = {{"ja-JP", "tesseract-ocr-jpn"}};
+  open();
+  EXPECT_THAT(form->toggle("Japanese").help, HasSubstr("tesseract-ocr-jpn"));
+  EXPECT_EQ(form->toggle("Korean").help, "");
+}
+
+TEST_F(SettingsWindowTest, LaunchAtLoginIsTheDesktopsAffair) {
+  desktop.loginItem().current = platform::LoginItemStatus::requiresApproval;
+  open();
+  EXPECT_FALSE(form->toggle("Launch at login").isOn);
+  form->flip("Launch at login");
+  EXPECT_TRUE(form->toggle("Launch at login").isOn);
+  EXPECT_EQ(desktop.loginItem().current, platform::LoginItemStatus::enabled);
+  EXPECT_EQ(posts, 0);
+  EXPECT_THAT(desktop.effects().take(), IsEmpty()) << "nothing is stored";
+
+  // What can't be done turns the switch back, and the opposite is asked for.
+  desktop.loginItem().refuses = true;
+  desktop.loginItem().asked.clear();
+  form->flip("Launch at login");
+  EXPECT_TRUE(form->toggle("Launch at login").isOn);
+  EXPECT_THAT(desktop.loginItem().asked, ElementsAre("unregister", "register"));
+}
+
+TEST_F(SettingsWindowTest, TheHistoryIsCountedAndCleared) {
+  for (int i = 0; i < 3; ++i)
+    HistoryStore::shared().add({platform::UUID::random(), platform::Date::now(), CaptureMode::text, "text"});
+  open();
+  EXPECT_THAT(form->section("History"), ElementsAre("3 recent captures kept / [Clear History]"));
+  HistoryStore::shared().add({platform::UUID::random(), platform::Date::now(), CaptureMode::text, "more"});
+  desktop.settle();
+  EXPECT_THAT(form->section("History"), ElementsAre("4 recent captures kept / [Clear History]"));
+  const int fields = form->fieldsMade();
+  form->press("Clear History");
+  EXPECT_THAT(form->section("History"), ElementsAre("0 recent captures kept / [Clear History]"));
+  EXPECT_THAT(HistoryStore().items(), IsEmpty()) << "as stored";
+  EXPECT_EQ(form->fieldsMade() - fields, 8);
+  EXPECT_EQ(posts, 0);
+}
+
+TEST_F(SettingsWindowTest, FieldsRecordAcceptableCombinations) {
+  struct Case {
+    std::uint16_t keyCode;
+    platform::ModifierFlags modifiers;
+    const char* stored;
+    const char* shown;
+  };
+  open();
+  HotkeyManager::shared().reregisterAll();
+  for (const Case& each :
+       {Case{23, modifierCommand | modifierShift | modifierCapsLock, "23,768", "⇧⌘5"},
+        Case{122, modifierOption, "122,2048", "⌥F1"}, Case{96, modifierOption, "96,2048", "⌥Key 96"},
+        Case{1, modifierControl | 0x104, "1,4096", "⌃S"},
+        Case{0, modifierControl | modifierOption | modifierCommand, "0,6400", "—"}}) {
+    posts = 0;
+    form->pressKey("Stop Speaking", each.keyCode, each.modifiers);
+    EXPECT_EQ(storedShortcut("stopSpeaking"), each.stored);
+    EXPECT_EQ(form->fieldText("Stop Speaking"), each.shown);
+    EXPECT_EQ(desktop.hotKeys().press(each.keyCode, HotkeyManager::carbonModifiers(each.modifiers)),
+              each.keyCode != 0)
+        << "registered at once";
+    EXPECT_EQ(posts, 1);
+  }
+}
+
+TEST_F(SettingsWindowTest, FieldsRefuseOtherKeysWithABeep) {
+  open();
+  for (const platform::KeyEvent& key :
+       {platform::KeyEvent{0, 0, false}, platform::KeyEvent{0, modifierShift | modifierCapsLock, false},
+        platform::KeyEvent{platform::keyCodeNone, modifierCommand, false}}) {
+    form->pressKey("Stop Speaking", key.keyCode, key.modifierFlags);
+    EXPECT_THAT(desktop.effects().take(), ElementsAre("beep"));
+  }
+  EXPECT_EQ(posts, 0);
+  EXPECT_EQ(form->fieldText("Stop Speaking"), "—");
+}
+
+TEST_F(SettingsWindowTest, EscapeClearsAShortcut) {
+  for (const HotkeyAction action : {HotkeyAction::stopSpeaking, HotkeyAction::captureBarcode})
+    HotkeyManager::shared().setHotkey(HotkeyBinding{20, 256}, action);
+  open();
+  form->pressKey("Capture QR / Barcode", platform::keyCodeEscape, 0);
+  EXPECT_EQ(storedShortcut("captureBarcode"), std::nullopt);
+  EXPECT_EQ(form->fieldText("Capture QR / Barcode"), "⌃⌥⌘B") << "the default is back";
+  form->pressKey("Stop Speaking", platform::keyCodeEscape, modifierCommand);
+  EXPECT_EQ(form->fieldText("Stop Speaking"), "—");
   EXPECT_EQ(posts, 2);
 }
 

@@ -27,7 +27,7 @@ bool eventLoopRuns = false;
 /// at work, and wait for answers that can't come.
 void endAtOnceFromWithinEventLoop() {
   if (!eventLoopRuns) return;
-  platform::Logger("com.varnholt.Lumiscan", "application").error("the connection to the X display is lost");
+  platform::Logger("application").error("the connection to the X display is lost");
   std::_Exit(EXIT_FAILURE);
 }
 
@@ -43,7 +43,7 @@ int& prepared(int& argc) {
 
 QtApplication::QtApplication(int& argc, char** argv) : application_(prepared(argc), argv) {
   QApplication::setApplicationName("Lumiscan");
-  QGuiApplication::setDesktopFileName("com.varnholt.Lumiscan");
+  QGuiApplication::setDesktopFileName(platform::applicationID);
   QApplication::setQuitOnLastWindowClosed(false);
   catchSignals();
   // After the toolkit's own, so that it runs before them; once a process.

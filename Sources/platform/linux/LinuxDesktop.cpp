@@ -148,10 +148,7 @@ struct LinuxDesktop::Parts {
           [this](std::function<void()> work) {
             dispatcher.detach(platform::TaskPriority::userInitiated, std::move(work));
           },
-      .logError =
-          [](const std::string& line) {
-            platform::Logger("com.varnholt.Lumiscan", "recognition").error(line);
-          },
+      .logError = [](const std::string& line) { platform::Logger("recognition").error(line); },
   }};
   std::atomic<unsigned> recognizerUses = 0;
   ZXingDetector barcodeDetector;
@@ -216,9 +213,8 @@ bool LinuxDesktop::claimInstance() {
 platform::Application& LinuxDesktop::application() { return parts_->needInteractive().application; }
 platform::Dispatcher& LinuxDesktop::dispatcher() { return parts_->dispatcher; }
 platform::Date LinuxDesktop::currentDate() {
-  constexpr double referenceDateSince1970 = 978307200;  // 2001-01-01 00:00:00 UTC.
   const std::chrono::duration<double> since1970 = std::chrono::system_clock::now().time_since_epoch();
-  return {since1970.count() - referenceDateSince1970};
+  return {since1970.count() - platform::Date::referenceDateSince1970};
 }
 platform::UserDefaults& LinuxDesktop::userDefaults() { return parts_->userDefaults; }
 platform::LogSink& LinuxDesktop::logSink() { return parts_->log; }

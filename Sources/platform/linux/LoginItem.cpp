@@ -8,6 +8,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/Application.h"
 #include "platform/linux/ConfigFolder.h"
 
 namespace lumiscan::desktop {
@@ -114,7 +115,7 @@ AutostartEntry::AutostartEntry(fs::path file, fs::path program)
 
 AutostartEntry AutostartEntry::ofThisProgram() {
   std::error_code error;
-  return {configFolder() / "autostart" / "com.varnholt.Lumiscan.desktop",
+  return {configFolder() / "autostart" / (std::string(platform::applicationID) + ".desktop"),
           fs::read_symlink("/proc/self/exe", error)};
 }
 

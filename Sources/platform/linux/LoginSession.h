@@ -40,7 +40,7 @@ class LoginSession {
   void logNothingToFollow(const char* reason);
 
   platform::NotificationCenter& center_;
-  platform::Logger logger_{"com.varnholt.Lumiscan", "workspace"};
+  platform::Logger logger_{"workspace"};
   std::unique_ptr<sd_bus, CloseBus> bus_;
   std::unique_ptr<QSocketNotifier> readable_;
   std::unique_ptr<QSocketNotifier> writable_;

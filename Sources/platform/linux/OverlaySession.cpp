@@ -80,8 +80,7 @@ void OverlaySession::takeInput() {
     grabRetry_.start(betweenGrabAttempts);
     return;
   }
-  platform::Logger("com.varnholt.Lumiscan", "overlay")
-      .error("another program holds the mouse or the keyboard");
+  platform::Logger("overlay").error("another program holds the mouse or the keyboard");
   keyOverlay_->cancel();
 }
 

@@ -42,8 +42,7 @@ bool sessionBusHangs() {
 
 void avoidHangingSessionBus() {
   if (!sessionBusHangs()) return;
-  platform::Logger("com.varnholt.Lumiscan", "application")
-      .error("the session bus doesn't answer; going without it");
+  platform::Logger("application").error("the session bus doesn't answer; going without it");
   setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
 }
 

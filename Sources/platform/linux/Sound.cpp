@@ -11,6 +11,8 @@
 #include <string>
 #include <utility>
 
+#include "platform/Application.h"
+
 /// Makes the sounds in this library known; the macro must stand outside of namespaces.
 static void useSoundResources() { Q_INIT_RESOURCE(sounds); }
 
@@ -52,7 +54,7 @@ struct CanberraSounds::Player {
       return;
     }
     ca_context_change_props(context, CA_PROP_APPLICATION_NAME, "Lumiscan", CA_PROP_APPLICATION_ID,
-                            "com.varnholt.Lumiscan", nullptr);
+                            platform::applicationID, nullptr);
     if (ca_context_open(context) != CA_SUCCESS) disconnect();
   }
   void disconnect() {

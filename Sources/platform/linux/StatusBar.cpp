@@ -75,7 +75,7 @@ class TrayItem : public platform::StatusItem {
     else if (window_.hasTray())
       window_.dock(qGuiApp->devicePixelRatio());
     else if (!std::exchange(missingTold_, true))
-      platform::Logger("com.varnholt.Lumiscan", "statusItem")
+      platform::Logger("statusItem")
           .info("no tray on this desktop: the status item appears when there is one");
   }
 

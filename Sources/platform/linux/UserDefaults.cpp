@@ -26,7 +26,7 @@ using platform::Data;
 using platform::DefaultsValue;
 
 const platform::Logger& log() {
-  static const platform::Logger logger("com.varnholt.Lumiscan", "preferences");
+  static const platform::Logger logger("preferences");
   return logger;
 }
 

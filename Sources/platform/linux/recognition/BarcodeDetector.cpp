@@ -5,8 +5,8 @@
 #include <string>
 #include <utility>
 
+#include "platform/UTF8.h"
 #include "platform/linux/recognition/CodeSearch.h"
-#include "platform/linux/recognition/Utf8.h"
 
 namespace lumiscan::desktop {
 
@@ -50,7 +50,8 @@ std::optional<std::string> textOf(const ZXing::Result& result) {
     case ZXing::ContentType::GS1:
     case ZXing::ContentType::ISO15434:
       // The library guesses the encoding of unmarked bytes, and takes short UTF-8 for something else.
-      if (const std::string text(bytes.begin(), bytes.end()); !result.hasECI() && repairedUtf8(text) == text)
+      if (const std::string text(bytes.begin(), bytes.end());
+          !result.hasECI() && platform::validUTF8(text) == text)
         return text;
       return result.text();
     case ZXing::ContentType::Binary:

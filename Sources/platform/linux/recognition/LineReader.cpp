@@ -4,6 +4,7 @@
 #include <numeric>
 #include <utility>
 
+#include "platform/UTF8.h"
 #include "platform/linux/recognition/Baselines.h"
 #include "platform/linux/recognition/Cells.h"
 #include "platform/linux/recognition/Columns.h"
@@ -18,7 +19,6 @@
 #include "platform/linux/recognition/ShapeCorrections.h"
 #include "platform/linux/recognition/Spacing.h"
 #include "platform/linux/recognition/TextLayout.h"
-#include "platform/linux/recognition/Utf8.h"
 #include "platform/linux/recognition/Voting.h"
 
 namespace lumiscan::desktop {
@@ -138,7 +138,7 @@ std::vector<LineDraft> draftsOf(EngineCrew& crew, const std::vector<std::vector<
 std::string join(const std::vector<Symbol>& symbols) {
   std::string text;
   for (const Symbol& symbol : symbols) text += (symbol.spaceBefore ? " " : "") + symbol.text;
-  return repairedUtf8(text);
+  return platform::validUTF8(text);
 }
 
 }  // namespace

@@ -4,13 +4,6 @@
 
 namespace lumiscan::desktop {
 
-std::string repairedUtf8(std::string_view text) {
-  std::string repaired;
-  icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())))
-      .toUTF8String(repaired);
-  return repaired;
-}
-
 char32_t onlyCodePoint(std::string_view text) {
   constexpr char32_t none = 0xFFFD;
   const auto decoded =

@@ -11,6 +11,7 @@
 #include <chrono>
 #include <utility>
 
+#include "platform/Application.h"
 #include "platform/linux/StatusIcon.h"
 
 namespace lumiscan::desktop::statusnotifier {
@@ -21,7 +22,7 @@ const QString watcher = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString watcherPath = QStringLiteral("/StatusNotifierWatcher");
 const QString itemPath = QStringLiteral("/StatusNotifierItem");
 /// The icon that an installation brings, which panels tint themselves.
-const QString installedIcon = QStringLiteral("com.varnholt.Lumiscan-symbolic");
+const QString installedIcon = QStringLiteral("%1-symbolic").arg(platform::applicationID);
 
 /// What panels have room for, in pixels: most take the nearest and scale it.
 constexpr int iconSides[] = {16, 18, 20, 22, 24, 28, 32, 36, 40, 44, 48};

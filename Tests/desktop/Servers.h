@@ -1,0 +1,40 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include "desktop/Process.h"
+
+// Servers of a test's own, which end with their objects.
+
+namespace lumiscan::testing {
+
+/// A message bus.
+class PrivateBus : public Process {
+ public:
+  PrivateBus() : Process({"dbus-daemon", "--session", "--nofork", "--print-address=1"}) {
+    if (!waitUntil([this] { return standardOutput().ends_with('\n'); })) throw std::runtime_error("no bus");
+    address_ = standardOutput();
+    address_.pop_back();
+  }
+  const std::string& address() const { return address_; }
+
+ private:
+  std::string address_;
+};
+
+/// A speech server with the configuration and the socket in `folder`; it runs when this returns.
+inline std::unique_ptr<Process> startSpeechServer(const std::filesystem::path& folder,
+                                                  const std::string& pidFile = "pid") {
+  const std::filesystem::path socket = folder / "socket";
+  std::filesystem::remove(socket);
+  auto server = Process::start({"speech-dispatcher", "-s", "-t", "0", "-c", "unix_socket", "-S", socket, "-C",
+                                folder, "-L", folder, "-P", folder / pidFile});
+  if (!waitUntil([&] { return std::filesystem::exists(socket); }))
+    throw std::runtime_error("no speech server");
+  return server;
+}
+
+}  // namespace lumiscan::testing
