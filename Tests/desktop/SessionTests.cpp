@@ -358,11 +358,10 @@ TEST_P(SessionTest, SoakLeavesNothingBehind) {
   expectTheDesktopIsTheUsers();
   EXPECT_EQ(private_.windows(), windows);
   EXPECT_EQ(private_.cursorSerial(), cursor);
-  // A repeat may still be at it, and each of the two threads for tasks, which come and go, has a file of its
-  // own.
-  EXPECT_TRUE(waitFor([&] { return footprint().second <= before.second + 2; })) << "open files:\n"
-                                                                                << openFiles() << "before:\n"
-                                                                                << filesBefore;
+  // A repeat may still be at it.
+  EXPECT_TRUE(waitFor([&] { return footprint().second <= before.second; })) << "open files:\n"
+                                                                            << openFiles() << "before:\n"
+                                                                            << filesBefore;
 #ifndef __SANITIZE_ADDRESS__  // Which keeps what was freed.
   // What was frozen for the last session goes a moment after it.
   EXPECT_TRUE(waitFor([&] { return footprint().first - before.first < 2048; }))

@@ -30,6 +30,7 @@
 #include "platform/linux/Pasteboard.h"
 #include "platform/linux/Sound.h"
 #include "platform/linux/SpeechSynthesizer.h"
+#include "platform/linux/StandingThreads.h"
 #include "platform/linux/StatusBar.h"
 #include "platform/linux/ToolkitConnection.h"
 #include "platform/linux/Typesetter.h"
@@ -53,6 +54,8 @@ constexpr std::chrono::milliseconds tasksPatience(500);
 // After the recogniser's last use.
 constexpr double recognizerSettlesSeconds = 20;
 constexpr double recognizerKeptSeconds = 600;
+/// For tasks, drawing, sound, speech and the toolkit's connections, and some more.
+constexpr int threadsAtStart = 10;
 
 /// Lets memory that is freed be given back: pictures have pages of their own, and threads that come and go
 /// share what the others have left.
@@ -174,8 +177,10 @@ struct LinuxDesktop::Parts {
 
   Interactive& needInteractive() {
     assert(dispatcher.isMainThread());
-    if (!interactive)
+    if (!interactive) {
       interactive = std::make_unique<Interactive>(argc, argv, displays, workspaceNotificationCenter);
+      dispatcher.startTaskThreads();
+    }
     return *interactive;
   }
 };
@@ -202,6 +207,8 @@ LinuxDesktop::~LinuxDesktop() {
 }
 
 std::optional<std::string> LinuxDesktop::interactiveModeProblem() {
+  if (!threadsCanStart(threadsAtStart))
+    return "no thread can be started: processes or memory are limited too much";
   if (parts_->displays.preflightScreenCaptureAccess()) return std::nullopt;
   const char* name = std::getenv("DISPLAY");
   if (!name || !*name) return "no X display: DISPLAY is not set";

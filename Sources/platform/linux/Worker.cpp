@@ -5,6 +5,7 @@
 #include <deque>
 #include <mutex>
 #include <optional>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -34,7 +35,12 @@ Worker::Worker() : state_(std::make_shared<State>()) {
   sigset_t before;
   sigfillset(&all);
   pthread_sigmask(SIG_SETMASK, &all, &before);
-  std::thread(run, state_).detach();
+  try {
+    std::thread(run, state_).detach();
+  } catch (const std::system_error&) {
+    // Like one that hangs since the machine started: the next use makes another worker.
+    state_->runningSince = Clock::time_point();
+  }
   pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
