@@ -10,6 +10,7 @@
 #include <sstream>
 
 #include "desktop/CaptureFixture.h"
+#include "desktop/SilentSpeechServer.h"
 #include "platform/linux/drawing/QRCode.h"
 
 namespace lumiscan::testing {
@@ -116,18 +117,6 @@ class EveryModeTest : public CaptureTest, public ::testing::WithParamInterface<s
   static constexpr const char* code = "24680 lines in a code";
 
   /// A speech server that makes no sound.
-  void startSpeechServer() {
-    const auto folder = desktop_.home() / "speech";
-    std::filesystem::create_directories(folder / "modules");
-    std::ofstream(folder / "speechd.conf") << "AudioOutputMethod \"alsa\"\nAudioALSADevice \"null\"\n"
-                                              "AddModule \"dummy\" \"sd_dummy\" \"\"\nDefaultModule dummy\n";
-    setenv("SPEECHD_ADDRESS", ("unix_socket:" + (folder / "socket").string()).c_str(), 1);
-    speechServer_ = std::make_unique<Process>(
-        std::vector<std::string>{"speech-dispatcher", "-s", "-t", "0", "-c", "unix_socket", "-S",
-                                 folder / "socket", "-C", folder, "-L", folder, "-P", folder / "pid"});
-    ASSERT_TRUE(waitUntil([&] { return std::filesystem::exists(folder / "socket"); }));
-  }
-
   /// Shows the code in a terminal, two blanks a module.
   void showCode() {
     const auto modules = desktop::makeQRCode(code, platform::QRCorrectionLevel::medium);
@@ -185,7 +174,7 @@ class EveryModeTest : public CaptureTest, public ::testing::WithParamInterface<s
   }
 
   const std::filesystem::file_time_type start_ = std::filesystem::file_time_type::clock::now();
-  std::unique_ptr<Process> speechServer_;
+  std::optional<SilentSpeechServer> speechServer_;
   std::unique_ptr<Process> code_;
 };
 
@@ -194,7 +183,7 @@ TEST_P(EveryModeTest, CapturesWithoutANetworkAndLeavesTheTextOnlyWhereItBelongs)
   attempt.push_back("true");
   if (Process(attempt).waitForEnd() != 0) GTEST_SKIP() << "this kernel allows no namespace without a network";
   program_ = nullptr;
-  startSpeechServer();
+  speechServer_.emplace(desktop_);
   showCode();
   const auto folder = desktop_.home() / "config" / "lumiscan";
   std::filesystem::create_directories(folder);
