@@ -9,7 +9,7 @@
 #include <fstream>
 
 #include "desktop/CaptureFixture.h"
-#include "desktop/Servers.h"
+#include "desktop/SilentSpeechServer.h"
 #include "platform/linux/drawing/QRCode.h"
 
 namespace lumiscan::testing {
@@ -35,16 +35,6 @@ class EveryModeTest : public CaptureTest, public ::testing::WithParamInterface<s
   /// Found in the text and in the code that are captured.
   static constexpr const char* secret = "24680 lines";
   static constexpr const char* code = "24680 lines in a code";
-
-  /// A speech server that makes no sound.
-  void startSilentSpeechServer() {
-    const auto folder = desktop_.home() / "speech";
-    std::filesystem::create_directories(folder / "modules");
-    std::ofstream(folder / "speechd.conf") << "AudioOutputMethod \"alsa\"\nAudioALSADevice \"null\"\n"
-                                              "AddModule \"dummy\" \"sd_dummy\" \"\"\nDefaultModule dummy\n";
-    setenv("SPEECHD_ADDRESS", ("unix_socket:" + (folder / "socket").string()).c_str(), 1);
-    speechServer_ = startSpeechServer(folder);
-  }
 
   /// Shows the code in a terminal, two blanks a module.
   void showCode() {
@@ -97,7 +87,7 @@ class EveryModeTest : public CaptureTest, public ::testing::WithParamInterface<s
   }
 
   const std::filesystem::file_time_type start_ = std::filesystem::file_time_type::clock::now();
-  std::unique_ptr<Process> speechServer_;
+  std::optional<SilentSpeechServer> speechServer_;
   std::unique_ptr<Process> code_;
 };
 
@@ -106,7 +96,7 @@ TEST_P(EveryModeTest, CapturesWithoutANetworkAndLeavesTheTextOnlyWhereItBelongs)
   attempt.push_back("true");
   if (Process(attempt).waitForEnd() != 0) GTEST_SKIP() << "this kernel allows no namespace without a network";
   program_ = nullptr;
-  startSilentSpeechServer();
+  speechServer_.emplace(desktop_);
   showCode();
   desktop_.writePreferences(R"({"additiveEnabled": true})");
   startProgram(GetParam());

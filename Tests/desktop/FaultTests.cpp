@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 #include <linux/input-event-codes.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <csignal>
@@ -152,6 +154,23 @@ TEST_F(FaultTest, AFullDiskCostsOnlyWhatIsStored) {
   startProgram({"sh", "-c", "prlimit --fsize=0 \"$0\" 2>&1 | cat >&2"});
   expectACapture();
   EXPECT_TRUE(waitUntil([this] { return logged("preferences can't be written") > 0; }));
+  expectACapture();
+}
+
+TEST_F(FaultTest, ACaptureForWhichThereAreNoThreadsIsTheOnlyOneLost) {
+  beginSession();
+  // No address space for another thread's stack.
+  std::size_t pages = 0;
+  std::ifstream("/proc/" + std::to_string(program_->id()) + "/statm") >> pages;
+  rlimit before{};
+  prlimit(program_->id(), RLIMIT_AS, nullptr, &before);
+  const rlimit little{pages * static_cast<std::size_t>(getpagesize()) + (6 << 20), before.rlim_max};
+  prlimit(program_->id(), RLIMIT_AS, &little, nullptr);
+  dragOverThePage();
+  ASSERT_TRUE(waitForOverlays(0));
+  EXPECT_TRUE(waitUntil([this] { return !desktop_.windowsOfClass("LumiscanPanel").empty(); }))
+      << "a message says that nothing was read";
+  prlimit(program_->id(), RLIMIT_AS, &before, nullptr);
   expectACapture();
 }
 

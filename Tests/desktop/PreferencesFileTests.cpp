@@ -131,6 +131,8 @@ TEST_F(PreferencesFile, LeavesAloneWhatCannotBeRead) {
   desktop::FileUserDefaults defaults(file_);
   EXPECT_EQ(defaults.object("history"), DefaultsValue(std::string("kept")));
   write(R"({"history": "newer"})");
+  // A sanitizer needs a descriptor, too, to learn the types of what logs: now.
+  platform::Logger("test").info("before");
   // Modes don't keep root from reading, but nobody can open a file without a descriptor.
   rlimit before{};
   getrlimit(RLIMIT_NOFILE, &before);

@@ -36,6 +36,15 @@ TEST(Program, SaysWhetherItMayCaptureTheScreen) {
   EXPECT_EQ(program.standardOutput(), "Screen recording granted: false\n");
 }
 
+TEST(Program, EndsWithOneClearLineWhereNoThreadCanBeStarted) {
+  const PrivateDesktop desktop;
+  // Stacks of more than the address space.
+  Process program({"prlimit", "--stack=150000000000000:", LUMISCAN_PROGRAM});
+  EXPECT_EQ(program.waitForEnd(), 1);
+  EXPECT_EQ(program.standardError(),
+            "lumiscan: no thread can be started: processes or memory are limited too much\n");
+}
+
 TEST(Program, EndsWithOneClearLineWhereThereIsNoDisplay) {
   struct Case {
     const char* display;

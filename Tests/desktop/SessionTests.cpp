@@ -331,9 +331,8 @@ TEST_P(SessionTest, SoakLeavesNothingBehind) {
   expectTheDesktopIsTheUsers();
   EXPECT_EQ(screen().windows(), windows);
   EXPECT_EQ(screen().cursorSerial(), cursor);
-  // A repeat may still be at it, and each of the two threads for tasks, which come and go, has a file of its
-  // own.
-  EXPECT_TRUE(waitFor([&] { return footprint().second <= before.second + 2; }))
+  // A repeat may still be at it.
+  EXPECT_TRUE(waitFor([&] { return footprint().second <= before.second; }))
       << footprint().second << " open files, " << before.second << " before";
 #ifndef __SANITIZE_ADDRESS__  // Which keeps what was freed.
   // What was frozen for the last session goes a moment after it.

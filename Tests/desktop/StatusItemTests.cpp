@@ -5,16 +5,14 @@
 #include <linux/input-event-codes.h>
 
 #include <QCoreApplication>
-#include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVariant>
-#include <QDBusVirtualObject>
 #include <csignal>
 #include <fstream>
 
 #include "desktop/PrivateDesktop.h"
 #include "desktop/Servers.h"
-#include "platform/linux/statusnotifier/Types.h"
+#include "desktop/TrayPanel.h"
 
 namespace lumiscan::testing {
 namespace {
@@ -23,70 +21,29 @@ using desktop::statusnotifier::MenuItemProperties;
 using desktop::statusnotifier::MenuLayout;
 using desktop::statusnotifier::Pixmap;
 
-const QString watcher = "org.kde.StatusNotifierWatcher";
 const QString propertiesInterface = "org.freedesktop.DBus.Properties";
-const QString menuInterface = "com.canonical.dbusmenu";
-
-/// A panel: collects status items and says that it shows them.
-class Panel : public QDBusVirtualObject {
- public:
-  explicit Panel(QDBusConnection bus) : bus_(std::move(bus)) {
-    bus_.registerVirtualObject("/StatusNotifierWatcher", this);
-  }
-  QString introspect(const QString&) const override { return {}; }
-  bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
-    if (message.member() == "RegisterStatusNotifierItem") {
-      item = message.arguments().at(0).toString();
-      return connection.send(message.createReply());
-    }
-    EXPECT_EQ(message.arguments(), (QVariantList{watcher, "IsStatusNotifierHostRegistered"}));
-    return connection.send(message.createReply(QVariant::fromValue(QDBusVariant(true))));
-  }
-  void start() { ASSERT_TRUE(bus_.registerService(watcher)); }
-  void stop() {
-    ASSERT_TRUE(bus_.unregisterService(watcher));
-    item.clear();
-  }
-
-  QString item;  ///< The service of the item that came last; empty before.
-
- private:
-  QDBusConnection bus_;
-};
 
 class StatusItemTest : public ::testing::Test {
  protected:
   StatusItemTest() {
-    desktop::statusnotifier::registerTypes();
     setenv("DBUS_SESSION_BUS_ADDRESS", busDaemon_.address().c_str(), 1);
     setenv("TZ", "UTC", 1);
   }
-  void TearDown() override { QDBusConnection::disconnectFromBus("panel"); }
 
   static void processEvents() { QCoreApplication::processEvents(QEventLoop::AllEvents, 5); }
   static bool waitFor(const std::function<bool()>& condition) { return waitUntil(condition, processEvents); }
 
   void startProgram() { program_ = Process::start({LUMISCAN_PROGRAM}); }
   bool isInPanel() {
-    return waitFor([this] { return !panel_.item.isEmpty(); });
+    return waitFor([this] { return !panel_.item().isEmpty(); });
   }
   long logged(const std::string& line) const { return program_->countInError(line); }
 
   QDBusMessage call(const QString& path, const QString& interface, const QString& member,
                     const QVariantList& arguments) {
-    QDBusMessage message = QDBusMessage::createMethodCall(panel_.item, path, interface, member);
-    message.setArguments(arguments);
-    QDBusMessage reply = bus_.call(message);
+    QDBusMessage reply = panel_.call(path, interface, member, arguments);
     EXPECT_EQ(reply.type(), QDBusMessage::ReplyMessage) << reply.errorMessage().toStdString();
     return reply;
-  }
-  QDBusMessage callMenu(const QString& member, const QVariantList& arguments) {
-    return call("/MenuBar", menuInterface, member, arguments);
-  }
-  MenuLayout layout(int id = 0) {
-    const QDBusMessage reply = callMenu("GetLayout", {id, -1, QStringList()});
-    EXPECT_EQ(reply.signature(), "u(ia{sv}av)");
-    return qdbus_cast<MenuLayout>(reply.arguments().at(1));
   }
   /// A line an item: what marks it, and its label.
   static std::vector<std::string> lines(const MenuLayout& menu) {
@@ -102,14 +59,11 @@ class StatusItemTest : public ::testing::Test {
     }
     return lines;
   }
-  int idOf(const MenuLayout& menu, const QString& label) {
-    for (const MenuLayout& item : menu.children)
-      if (item.properties["label"] == label) return item.id;
-    ADD_FAILURE() << "no item " << label.toStdString();
-    return -1;
+  void click(const QString& label) {
+    const auto id = idOf(panel_.layout(), label);
+    ASSERT_TRUE(id) << label.toStdString();
+    panel_.click(*id);
   }
-  void click(int id) { callMenu("Event", {id, "clicked", QVariant::fromValue(QDBusVariant(0)), 0U}); }
-  bool aboutToShow(int id) { return callMenu("AboutToShow", {id}).arguments().at(0).toBool(); }
   std::size_t windows() const { return screen_.windowsOfClass("Lumiscan").size(); }
 
   PrivateDesktop screen_;
@@ -118,8 +72,7 @@ class StatusItemTest : public ::testing::Test {
   char* argv_[2] = {name_, nullptr};
   int argc_ = 1;
   QCoreApplication application_{argc_, argv_};
-  QDBusConnection bus_ = QDBusConnection::connectToBus(QString::fromStdString(busDaemon_.address()), "panel");
-  Panel panel_{bus_};
+  TrayPanel panel_{busDaemon_.address()};
   std::unique_ptr<Process> program_;
 };
 
@@ -127,7 +80,7 @@ TEST_F(StatusItemTest, APanelReadsAndChoosesOverTheBus) {
   const QByteArray history = R"([{"id":"0F9A3B5C-1D2E-4F60-8A7B-9C0D1E2F3A4B","date":60,"mode":"barcode",)"
                              R"("text":"snake_case & <b>\r_\nmore"}])";
   screen_.writePreferences(R"({"captureHistory": {"data": ")" + history.toBase64().toStdString() + R"("}})");
-  panel_.start();
+  ASSERT_TRUE(panel_.start());
   startProgram();
   ASSERT_TRUE(isInPanel());
 
@@ -144,37 +97,38 @@ TEST_F(StatusItemTest, APanelReadsAndChoosesOverTheBus) {
     EXPECT_TRUE(pixmap.bytes.contains('\xFF') && pixmap.bytes.contains('\x00'));
   }
 
-  ASSERT_EQ(layout().children.size(), 17U);
-  const auto line = [this](std::size_t place) { return lines(layout()).at(place); };
+  ASSERT_EQ(panel_.layout().children.size(), 17U);
+  const auto line = [this](std::size_t place) { return lines(panel_.layout()).at(place); };
   EXPECT_EQ(line(0), "Capture Text\t⇧⌘2");
   EXPECT_EQ(line(2), "Capture & Speak\t⌃⌥⌘S");
   EXPECT_EQ(line(6), "---");
   EXPECT_EQ(line(7), "Additive Clipboard");
   EXPECT_EQ(line(10), "Recent Captures ▸");
-  click(idOf(layout(), "Additive Clipboard"));
+  click("Additive Clipboard");
   EXPECT_TRUE(waitFor([&] { return line(7) == "✓ Additive Clipboard"; }));
 
   const long registrations = logged("hotkeys registered");
-  EXPECT_FALSE(aboutToShow(0)) << "nothing to read anew";
+  EXPECT_FALSE(panel_.aboutToShow(0)) << "nothing to read anew";
   EXPECT_EQ(logged("hotkeys registered"), registrations + 1);
 
-  const int historyID = idOf(layout(), "Recent Captures");
+  const int historyID = idOf(panel_.layout(), "Recent Captures").value();
   const QString label = "00:01  [code] snake__case & <b> __";
-  EXPECT_TRUE(aboutToShow(historyID));
-  const int entry = idOf(layout(historyID), label);
-  const auto group = callMenu("GetGroupProperties", {QVariant::fromValue(QList<int>{entry}), QStringList()});
+  EXPECT_TRUE(panel_.aboutToShow(historyID));
+  const int entry = idOf(panel_.layout(historyID), label).value();
+  const auto group =
+      panel_.callMenu("GetGroupProperties", {QVariant::fromValue(QList<int>{entry}), QStringList()});
   EXPECT_EQ(qdbus_cast<QList<MenuItemProperties>>(group.arguments().at(0)).at(0).properties,
             (QVariantMap{{"label", label}}))
       << "the whole text stays where it is";
-  click(entry);
+  panel_.click(entry);
   EXPECT_TRUE(waitFor([] { return PrivateDesktop::clipboard() == "snake_case & <b>\r_\nmore"; }));
-  click(idOf(layout(), "Clear History"));
+  click("Clear History");
   EXPECT_TRUE(waitFor([&] {
-    aboutToShow(historyID);
-    return lines(layout(historyID)) == std::vector<std::string>{"(No captures yet)"};
+    panel_.aboutToShow(historyID);
+    return lines(panel_.layout(historyID)) == std::vector<std::string>{"(No captures yet)"};
   }));
 
-  click(idOf(layout(), "Settings…"));
+  click("Settings…");
   ASSERT_TRUE(waitFor([this] {
     const auto shown = screen_.windowsOfClass("Lumiscan");
     return shown.size() == 1 && screen_.focusedWindow() == shown.front();
@@ -184,18 +138,18 @@ TEST_F(StatusItemTest, APanelReadsAndChoosesOverTheBus) {
   EXPECT_TRUE(waitFor([&] { return line(7) == "Additive Clipboard"; }))
       << "the menu follows the fourth switch";
 
-  click(idOf(layout(), "About Lumiscan"));
+  click("About Lumiscan");
   ASSERT_TRUE(waitFor([this] { return windows() == 2 && screen_.focusedWindow() > XCB_INPUT_FOCUS_PARENT; }));
-  click(idOf(layout(), "About Lumiscan"));
-  EXPECT_EQ(layout().children.size(), 17U) << "a box in front holds nothing up";
+  click("About Lumiscan");
+  EXPECT_EQ(panel_.layout().children.size(), 17U) << "a box in front holds nothing up";
   EXPECT_EQ(windows(), 2U);
   EXPECT_TRUE(waitFor([this] {
     screen_.pressKeys({KEY_ENTER});
     return windows() == 1;
   }));
-  click(idOf(layout(), "About Lumiscan"));
+  click("About Lumiscan");
   ASSERT_TRUE(waitFor([this] { return windows() == 2; }));
-  click(idOf(layout(), "Quit Lumiscan"));
+  click("Quit Lumiscan");
   EXPECT_EQ(program_->waitForEnd(processEvents), 0) << "the box keeps nobody";
 }
 
@@ -232,24 +186,24 @@ TEST_F(StatusItemTest, StandsInWhateverTrayComesAndComesAgain) {
 
   startProgram();
   ASSERT_TRUE(waitFor([this] { return logged("no tray on this desktop") == 1; }));
-  panel_.start();
+  ASSERT_TRUE(panel_.start());
   ASSERT_TRUE(isInPanel());
-  panel_.stop();
-  panel_.start();
+  ASSERT_TRUE(panel_.stop());
+  ASSERT_TRUE(panel_.start());
   ASSERT_TRUE(isInPanel()) << "found again";
-  panel_.stop();
+  ASSERT_TRUE(panel_.stop());
 
   auto tray = startTray();
   ASSERT_TRUE(waitFor(isEmbedded));
-  panel_.start();
+  ASSERT_TRUE(panel_.start());
   EXPECT_TRUE(waitFor([&] { return !isEmbedded(); })) << "one place is enough";
-  panel_.stop();
+  ASSERT_TRUE(panel_.stop());
   ASSERT_TRUE(waitFor(isEmbedded));
   tray = nullptr;
   ASSERT_TRUE(waitFor([&] { return !isEmbedded(); }));
   tray = startTray();
   ASSERT_TRUE(waitFor(isEmbedded)) << "found again";
-  panel_.start();
+  ASSERT_TRUE(panel_.start());
   ASSERT_TRUE(waitFor([&] { return !isEmbedded(); }));
   busDaemon_.signal(SIGKILL);
   ASSERT_TRUE(waitFor(isEmbedded)) << "no panel without a bus";

@@ -3,11 +3,13 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <QThreadPool>
 #include <csignal>
 #include <cstdlib>
 
 #include "platform/Logger.h"
 #include "platform/linux/SessionBus.h"
+#include "platform/linux/StandingThreads.h"
 
 namespace lumiscan::desktop {
 
@@ -22,6 +24,13 @@ void signalCame(int) {
 }
 
 bool eventLoopRuns = false;
+
+/// The toolkit draws what is large on threads of its global pool, and waits for them. One is enough: waking
+/// several costs more than they save.
+void startDrawingThread() {
+  QThreadPool::globalInstance()->setMaxThreadCount(1);
+  startAllThreads(*QThreadPool::globalInstance());
+}
 
 /// The toolkit leaves by `exit` when the X server has gone. Destructors would then run under threads that are
 /// at work, and wait for answers that can't come.
@@ -45,6 +54,7 @@ QtApplication::QtApplication(int& argc, char** argv) : application_(prepared(arg
   QApplication::setApplicationName("Lumiscan");
   QGuiApplication::setDesktopFileName(platform::applicationID);
   QApplication::setQuitOnLastWindowClosed(false);
+  startDrawingThread();
   catchSignals();
   // After the toolkit's own, so that it runs before them; once a process.
   [[maybe_unused]] static const int registered = std::atexit(endAtOnceFromWithinEventLoop);

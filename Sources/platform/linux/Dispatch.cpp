@@ -4,12 +4,16 @@
 #include <QTimer>
 #include <algorithm>
 
+#include "platform/linux/StandingThreads.h"
+
 namespace lumiscan::desktop {
 
 QtDispatcher::QtDispatcher() {
   // Two at least, so that a short task never waits for a long recognition.
   pool_.setMaxThreadCount(std::max(2, QThread::idealThreadCount()));
 }
+
+void QtDispatcher::startTaskThreads() { startAllThreads(pool_); }
 
 void QtDispatcher::async(std::function<void()> work) {
   QMetaObject::invokeMethod(&mainContext_, std::move(work), Qt::QueuedConnection);

@@ -20,6 +20,8 @@ class QtDispatcher : public platform::Dispatcher {
   void detach(platform::TaskPriority priority, std::function<void()> work) override;
   bool isMainThread() const override;
 
+  /// Once, before the first task: tasks then never need a thread that can't be started.
+  void startTaskThreads();
   /// Tasks that haven't started never will.
   void dropWaitingTasks() { pool_.clear(); }
   /// Waits for the tasks; whether all ended within `patience`.

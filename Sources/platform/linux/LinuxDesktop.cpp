@@ -4,7 +4,7 @@
 
 #include <QGuiApplication>
 #include <QScreen>
-#include <atomic>
+#include <QTimer>
 #include <cassert>
 #include <chrono>
 #include <cstdlib>
@@ -30,6 +30,7 @@
 #include "platform/linux/Pasteboard.h"
 #include "platform/linux/Sound.h"
 #include "platform/linux/SpeechSynthesizer.h"
+#include "platform/linux/StandingThreads.h"
 #include "platform/linux/StatusBar.h"
 #include "platform/linux/ToolkitConnection.h"
 #include "platform/linux/Typesetter.h"
@@ -51,8 +52,10 @@ namespace {
 /// How long the end of the program waits for tasks that still run.
 constexpr std::chrono::milliseconds tasksPatience(500);
 // After the recogniser's last use.
-constexpr double recognizerSettlesSeconds = 20;
-constexpr double recognizerKeptSeconds = 600;
+constexpr std::chrono::seconds recognizerSettles(20);
+constexpr std::chrono::seconds recognizerKept(600);
+/// For tasks, drawing, sound, speech and the toolkit's connections, and some more.
+constexpr int threadsAtStart = 10;
 
 /// Lets memory that is freed be given back: pictures have pages of their own, and threads that come and go
 /// share what the others have left.
@@ -128,6 +131,7 @@ struct Interactive {
   PanelStage panels;
   OverlaySession overlays;
   QObject screenFollower;
+  QTimer recognizerSettles, recognizerGoes;  ///< Since the recogniser's last use.
 };
 
 struct LinuxDesktop::Parts {
@@ -150,7 +154,6 @@ struct LinuxDesktop::Parts {
           },
       .logError = [](const std::string& line) { platform::Logger("recognition").error(line); },
   }};
-  std::atomic<unsigned> recognizerUses = 0;
   ZXingDetector barcodeDetector;
   SpeechDispatcherSynthesizer speechSynthesizer;
   std::unique_ptr<x11::InstanceClaim> instanceClaim;
@@ -160,19 +163,33 @@ struct LinuxDesktop::Parts {
   /// which has no event loop, ends before that.
   void recognizerUsed() {
     if (!interactive) return;
-    const auto onceIdleFor = [this, use = ++recognizerUses](double seconds, std::function<void()> work) {
-      dispatcher.asyncAfter(seconds, [this, use, work = std::move(work)] {
-        if (use == recognizerUses) dispatcher.detach(platform::TaskPriority::utility, work);
+    dispatcher.async([this] {
+      interactive->recognizerSettles.start();
+      interactive->recognizerGoes.start();
+    });
+  }
+
+  void giveRecognizerBackWhenUnused() {
+    const auto onceUnusedFor = [this](QTimer& timer, std::chrono::seconds time, std::function<void()> work) {
+      timer.setSingleShot(true);
+      timer.setInterval(time);
+      QObject::connect(&timer, &QTimer::timeout, &timer, [this, work = std::move(work)] {
+        dispatcher.detach(platform::TaskPriority::utility, work);
       });
     };
-    onceIdleFor(recognizerSettlesSeconds, [this] { textRecognizer.settle(); });
-    onceIdleFor(recognizerKeptSeconds, [this] { textRecognizer.releaseUnused(recognizerKeptSeconds / 2); });
+    onceUnusedFor(interactive->recognizerSettles, recognizerSettles, [this] { textRecognizer.settle(); });
+    onceUnusedFor(interactive->recognizerGoes, recognizerKept, [this] {
+      textRecognizer.releaseUnused(std::chrono::duration<double>(recognizerKept).count() / 2);
+    });
   }
 
   Interactive& needInteractive() {
     assert(dispatcher.isMainThread());
-    if (!interactive)
+    if (!interactive) {
       interactive = std::make_unique<Interactive>(argc, argv, displays, workspaceNotificationCenter);
+      dispatcher.startTaskThreads();
+      giveRecognizerBackWhenUnused();
+    }
     return *interactive;
   }
 };
@@ -199,6 +216,8 @@ LinuxDesktop::~LinuxDesktop() {
 }
 
 std::optional<std::string> LinuxDesktop::interactiveModeProblem() {
+  if (!threadsCanStart(threadsAtStart))
+    return "no thread can be started: processes or memory are limited too much";
   if (parts_->displays.preflightScreenCaptureAccess()) return std::nullopt;
   const char* name = std::getenv("DISPLAY");
   if (!name || !*name) return "no X display: DISPLAY is not set";

@@ -112,6 +112,7 @@ void CanberraSounds::leavePlayer() {
 
 void CanberraSounds::use(std::function<void(Player&)> what) {
   if (worker_->hangs(serverPatience)) {
+    if (!Worker::mayBeReplaced()) return;
     leavePlayer();
     player_ = std::make_shared<Player>();
     worker_ = std::make_unique<Worker>();

@@ -34,7 +34,10 @@ void SpeechDispatcherSynthesizer::stopSpeaking() {
 }
 
 void SpeechDispatcherSynthesizer::speak(const platform::SpeechUtterance& utterance) {
-  if (!worker_ || worker_->hangs(serverPatience_)) startAfresh();
+  if (!worker_ || worker_->hangs(serverPatience_)) {
+    if (!Worker::mayBeReplaced()) return;
+    startAfresh();
+  }
   worker_->post(
       [session = session_, ticket = session_->announce(), utterance] { session->speak(ticket, utterance); });
 }

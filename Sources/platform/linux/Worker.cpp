@@ -1,10 +1,12 @@
 #include "platform/linux/Worker.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <csignal>
 #include <deque>
 #include <mutex>
 #include <optional>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -17,6 +19,9 @@ using Clock = std::chrono::steady_clock;
 /// How long the end waits for works that were posted.
 constexpr std::chrono::milliseconds endPatience(200);
 
+constexpr int mostLeftBehind = 4;
+std::atomic<int> leftBehind = 0;
+
 }  // namespace
 
 struct Worker::State {
@@ -26,6 +31,7 @@ struct Worker::State {
   std::optional<Clock::time_point> runningSince;
   bool ending = false;
   bool ended = false;
+  bool isLeftBehind = false;
 };
 
 Worker::Worker() : state_(std::make_shared<State>()) {
@@ -34,7 +40,13 @@ Worker::Worker() : state_(std::make_shared<State>()) {
   sigset_t before;
   sigfillset(&all);
   pthread_sigmask(SIG_SETMASK, &all, &before);
-  std::thread(run, state_).detach();
+  try {
+    std::thread(run, state_).detach();
+  } catch (const std::system_error&) {
+    // Like one that hangs since the machine started: the next use makes another worker.
+    state_->runningSince = Clock::time_point();
+    state_->ended = true;
+  }
   pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
@@ -45,7 +57,11 @@ Worker::~Worker() {
   const bool hangs = state_->runningSince && Clock::now() - *state_->runningSince > endPatience;
   if (!hangs && state_->changed.wait_for(lock, endPatience, [this] { return state_->ended; })) return;
   state_->works.clear();
+  state_->isLeftBehind = !state_->ended;
+  if (state_->isLeftBehind) ++leftBehind;
 }
+
+bool Worker::mayBeReplaced() { return leftBehind < mostLeftBehind; }
 
 void Worker::post(std::function<void()> work) {
   const std::lock_guard lock(state_->mutex);
@@ -73,6 +89,7 @@ void Worker::run(const std::shared_ptr<State>& state) {
     state->runningSince.reset();
   }
   state->ended = true;
+  if (state->isLeftBehind) --leftBehind;
   state->changed.notify_all();
 }
 

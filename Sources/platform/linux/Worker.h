@@ -21,6 +21,9 @@ class Worker {
   /// Whether one work has been running for longer than `patience`.
   bool hangs(std::chrono::milliseconds patience) const;
 
+  /// Whether one that hangs may be left for a new one: a few threads at the most hang at a time.
+  static bool mayBeReplaced();
+
  private:
   struct State;
   static void run(const std::shared_ptr<State>& state);
