@@ -16,9 +16,8 @@ class LogSink {
                      std::string_view message) = 0;
 };
 
-/// Writes log lines of one category to the installed desktop's log; their subsystem is the program's
-/// identifier
-/// (`applicationID`). Any thread.
+/// Writes log lines of one category to the installed desktop's log; their subsystem is `applicationID`. Any
+/// thread.
 class Logger {
  public:
   explicit Logger(std::string category) : category_(std::move(category)) {}

@@ -38,9 +38,8 @@ bool isElision(const std::vector<Symbol>& symbols, std::size_t apostrophe) {
     return symbols[i].text.size() == 1 && letters.find(symbols[i].text) != std::string_view::npos;
   };
   const std::size_t before = apostrophe - 1;
-  const bool elided = (startsWord(before) && is(before, "cdjlmnstCDJLMNST")) ||
-                      (before > 0 && startsWord(before - 1) && is(before - 1, "qQ") && is(before, "uU"));
-  return elided;
+  return (startsWord(before) && is(before, "cdjlmnstCDJLMNST")) ||
+         (before > 0 && startsWord(before - 1) && is(before - 1, "qQ") && is(before, "uU"));
 }
 
 /// An apostrophe or quotation mark at the height of capitals.
@@ -98,7 +97,7 @@ std::vector<QuoteMark> quoteMarks(const std::vector<Glyph>& glyphs, const GreyBi
 
 /// Whether a single mark is curly, by its shape and by how it stands: at the size of a few pixels neither
 /// tells it for sure.
-bool isCurly(const QuoteMark& mark, LineShapes& shapes) {
+bool isCurly(const QuoteMark& mark, LineShapes shapes) {
   for (std::size_t i = 0; i < shapes.clusters().size(); ++i) {
     const PixelBox box = shapes.box(i);
     if (box.left != mark.box.left || box.right != mark.box.right) continue;
@@ -147,7 +146,6 @@ std::vector<Symbol> readQuotationMarks(const std::vector<Glyph>& glyphs, const G
 
 void correctQuotes(std::vector<Symbol>& symbols, const std::vector<Glyph>& glyphs, const GreyBitmap& ink,
                    const TextLine& line) {
-  LineShapes shapes(ink, line, glyphs);
   for (const QuoteMark& mark : quoteMarks(glyphs, ink, line)) {
     Symbol* nearest = nullptr;
     const auto distance = [&](const Symbol& symbol) {
@@ -159,7 +157,7 @@ void correctQuotes(std::vector<Symbol>& symbols, const std::vector<Glyph>& glyph
     const auto place = static_cast<std::size_t>(nearest - symbols.data());
     // What is set in cells is code, which has straight ones.
     const bool isApostrophe = mark.strokes == 1 && !line.cells && isWithinWord(symbols, place);
-    if (isApostrophe && (isCurly(mark, shapes) || (!mark.straight && isElision(symbols, place))))
+    if (isApostrophe && (isCurly(mark, {ink, line, glyphs}) || (!mark.straight && isElision(symbols, place))))
       nearest->text = "’";
     else if (mark.straight)
       nearest->text = std::string(1, mark.strokes == 1 ? '\'' : '"');
