@@ -23,6 +23,7 @@ bool HeldKey::repeats(const xcb_key_press_event_t& press) {
   // A held key comes as presses alone, or as pairs of a release and a press at the same moment.
   const bool repetition = held_ == press.detail || lastRelease_ == Release{press.detail, press.time};
   held_ = press.detail;
+  lastPress_ = press.time;
   return repetition;
 }
 
@@ -49,7 +50,10 @@ bool HeldKey::handleWatched(const xcb_generic_event_t& event) {
   lastRealRelease_ = {static_cast<xcb_keycode_t>(release.detail), release.time};
   forgetRealRelease();
   if (held_ == release.detail) held_.reset();
-  if (!held_) selectRawReleases(false);
+  // Not at once: of a press that follows while a session begins or ends, the release may go to another
+  // program before this one can ask for it again.
+  constexpr xcb_timestamp_t aWhile = 1000;  // Milliseconds.
+  if (!held_ && release.time - lastPress_ >= aWhile) selectRawReleases(false);
   return true;
 }
 

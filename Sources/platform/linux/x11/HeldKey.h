@@ -18,8 +18,8 @@ class HeldKey {
   /// Takes note of a release.
   void released(const xcb_key_release_event_t& release);
 
-  /// From now until the key that is held is let go, the server tells of that also when another program or
-  /// nobody gets its release. Without this a later press would look like a repetition.
+  /// From now until a while after the key that is held is let go, the server tells of releases also when
+  /// another program or nobody gets them. Without this a later press would look like a repetition.
   void watchRelease();
   /// Whether the event is one that `watchRelease` asked for; takes note of it then. Nobody else wants it.
   bool handleWatched(const xcb_generic_event_t& event);
@@ -37,6 +37,7 @@ class HeldKey {
     friend bool operator==(const Release&, const Release&) = default;
   };
   std::optional<xcb_keycode_t> held_;
+  xcb_timestamp_t lastPress_ = 0;
   Release lastRelease_;  ///< That may be half of a repetition.
   Release lastRealRelease_;
   bool watches_ = false;
