@@ -166,19 +166,11 @@ void RandomUse::changeInTheSettingsWindow() {
 }
 
 void RandomUse::askToClose(xcb_window_t window) const {
-  const auto atom = [this](const std::string& name) {
-    auto* const reply = xcb_intern_atom_reply(
-        desktop_.x(), xcb_intern_atom(desktop_.x(), 0, static_cast<std::uint16_t>(name.size()), name.data()),
-        nullptr);
-    const xcb_atom_t found = reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
-    std::free(reply);
-    return found;
-  };
   xcb_client_message_event_t event{};
   event.response_type = XCB_CLIENT_MESSAGE;
   event.format = 32;
   event.window = window;
-  event.type = atom("_NET_CLOSE_WINDOW");
+  event.type = desktop_.atom("_NET_CLOSE_WINDOW");
   xcb_send_event(desktop_.x(), 0, desktop_.root(),
                  XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                  reinterpret_cast<const char*>(&event));

@@ -27,6 +27,7 @@
 
 #include "TextPage.h"
 #include "desktop/PrivateDesktop.h"
+#include "desktop/Servers.h"
 
 namespace {
 
@@ -118,11 +119,8 @@ class Bench {
  public:
   explicit Bench(std::string program) : program_(std::move(program)) {
     lumiscan::showTextPage(desktop_);
-    bus_ = Process::start({"dbus-daemon", "--session", "--nofork", "--print-address=1"});
-    require(waitUntil([this] { return bus_->standardOutput().ends_with('\n'); }), "no session bus");
-    const QByteArray address = QByteArray::fromStdString(bus_->standardOutput()).trimmed();
-    setenv("DBUS_SESSION_BUS_ADDRESS", address, 1);
-    watcher_ = std::make_unique<TrayWatcher>(QString::fromLatin1(address));
+    setenv("DBUS_SESSION_BUS_ADDRESS", bus_.address().c_str(), 1);
+    watcher_ = std::make_unique<TrayWatcher>(QString::fromStdString(bus_.address()));
   }
 
   struct Start {
@@ -179,7 +177,7 @@ class Bench {
 
   std::string program_;
   PrivateDesktop desktop_;
-  std::unique_ptr<Process> bus_;
+  lumiscan::testing::PrivateBus bus_;
   std::unique_ptr<TrayWatcher> watcher_;
   std::unique_ptr<Process> process_;
 };

@@ -56,13 +56,10 @@ class Bench {
   explicit Bench(std::string program) : program_(std::move(program)) {
     showTextPage(desktop_);
     xcb_connection_t* x = desktop_.x();
-    const char name[] = "CLIPBOARD";
-    const auto atom = xcb_intern_atom_reply(x, xcb_intern_atom(x, 0, sizeof name - 1, name), nullptr);
     xcb_prefetch_extension_data(x, &xcb_xfixes_id);
     std::free(xcb_xfixes_query_version_reply(x, xcb_xfixes_query_version(x, 2, 0), nullptr));
-    xcb_xfixes_select_selection_input(x, desktop_.root(), atom->atom,
+    xcb_xfixes_select_selection_input(x, desktop_.root(), desktop_.atom("CLIPBOARD"),
                                       XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER);
-    std::free(atom);
     xcb_flush(x);
   }
 

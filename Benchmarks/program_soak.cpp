@@ -28,9 +28,8 @@ constexpr long restfulWakeUps = 4;
 
 void print(const std::string& when, const Footprint& f) {
   std::printf(
-      "%s: %ld KiB of its own, %ld of the X server's, %ld files, %ld threads, %ld X windows, %ld wake-ups in "
-      "2 "
-      "s\n",
+      "%s: %ld KiB of its own, %ld of the X server's, %ld files, %ld threads, %ld X windows, "
+      "%ld wake-ups in 2 s\n",
       when.c_str(), f.kibibytes, f.serverKibibytes, f.files, f.threads, f.windows, f.wakeUps);
   std::fflush(stdout);
 }

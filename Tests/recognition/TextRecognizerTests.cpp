@@ -43,6 +43,10 @@ std::vector<std::string> linesOf(const Image& image, std::vector<std::string> la
   return linesOf(recognizer, image, std::move(languages));
 }
 
+TextStyle codeStyle(double size) {
+  return {size, Color::black(), Color::white(), platform::Font::Design::monospaced};
+}
+
 const std::vector<std::string> paragraph{"The quick brown fox jumps over", "the lazy dog while 24 hens",
                                          "watch from their wooden fence."};
 
@@ -72,33 +76,23 @@ TEST(TextRecognizer, ReadsSourceCodeWithItsUnderscoresAndQuotes) {
   const std::vector<std::string> code{"def __init__(self, max_size=10):", "    self.user_name = 'none'",
                                       "    self.title = \"a_b\""};
   EXPECT_THAT(
-      linesOf(pictureOf(code, {16, Color::black(), Color::white(), platform::Font::Design::monospaced})),
+      linesOf(pictureOf(code, codeStyle(16))),
       ElementsAre("def __init__(self, max_size=10):", "self.user_name = 'none'", "self.title = \"a_b\""));
 }
 
 TEST(TextRecognizer, ReadsSignsWhereTheEngineAloneReadsLetters) {
-  const std::vector<std::string> code{"ls -la `pwd` | sed 's/#//'",
-                                      "for (i = 0; i <= n1; ++i) {",
-                                      "xs = [*a, **b] && !(c || d);",
-                                      "esac;;",
-                                      "/* LANDLOCK && 0x00fd */",
-                                      "};",
-                                      "-38.5",
-                                      "@__index__"};
-  for (const double size : {14.0, 18.0, 22.0})
-    EXPECT_THAT(
-        linesOf(pictureOf(code, {size, Color::black(), Color::white(), platform::Font::Design::monospaced})),
-        ElementsAreArray(code))
-        << size;
-}
-
-TEST(TextRecognizer, ReadsLinesOfQuotationMarks) {
-  const std::vector<std::string> code{"def twice(number):", "\"\"\"", "return 2 * number", "'''"};
-  for (const double size : {14.0, 18.0, 22.0})
-    EXPECT_THAT(
-        linesOf(pictureOf(code, {size, Color::black(), Color::white(), platform::Font::Design::monospaced})),
-        ElementsAreArray(code))
-        << size;
+  const std::vector<std::string> signs{"ls -la `pwd` | sed 's/#//'",
+                                       "for (i = 0; i <= n1; ++i) {",
+                                       "xs = [*a, **b] && !(c || d);",
+                                       "esac;;",
+                                       "/* LANDLOCK && 0x00fd */",
+                                       "};",
+                                       "-38.5",
+                                       "@__index__"};
+  const std::vector<std::string> longStrings{"def twice(number):", "\"\"\"", "return 2 * number", "'''"};
+  for (const auto& code : {signs, longStrings})
+    for (const double size : {14.0, 18.0, 22.0})
+      EXPECT_THAT(linesOf(pictureOf(code, codeStyle(size))), ElementsAreArray(code)) << size;
 }
 
 TEST(TextRecognizer, ReadsSpacesByTheirWidthAndDashesByTheirStrokes) {

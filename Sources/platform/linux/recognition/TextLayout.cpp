@@ -158,14 +158,15 @@ bool isCaretAtEdge(const Glyph& stroke, const Glyphs& all, int usual, int imageW
 /// Whether a line is of short upright strokes alone, as those that open and close a longer text are: they
 /// stand high, and what they stand over isn't there to tell.
 bool areQuotationMarks(const Glyphs& glyphs, int usual) {
-  std::size_t strokes = 0;  // The others are two that touch.
-  return std::all_of(glyphs.begin(), glyphs.end(),
-                     [&](const Glyph& glyph) {
-                       strokes += 10 * glyph.height() >= 13 * glyph.width();
-                       return glyph.height() >= 3 && 5 * glyph.height() < 4 * usual &&
-                              glyph.height() >= glyph.width();
-                     }) &&
-         2 * strokes >= glyphs.size();
+  const auto isShort = [&](const Glyph& glyph) {
+    return glyph.height() >= 3 && 5 * glyph.height() < 4 * usual && glyph.height() >= glyph.width();
+  };
+  // The others are two that touch.
+  const auto strokes = std::count_if(glyphs.begin(), glyphs.end(), [](const Glyph& glyph) {
+    return 10 * glyph.height() >= 13 * glyph.width();
+  });
+  return std::all_of(glyphs.begin(), glyphs.end(), isShort) &&
+         2 * static_cast<std::size_t>(strokes) >= glyphs.size();
 }
 
 /// A line while it is put together.
