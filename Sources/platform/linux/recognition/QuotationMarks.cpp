@@ -157,12 +157,14 @@ void correctQuotes(std::vector<Symbol>& symbols, const std::vector<Glyph>& glyph
     const auto place = static_cast<std::size_t>(nearest - symbols.data());
     // What is set in cells is code, which has straight ones.
     const bool isApostrophe = mark.strokes == 1 && !line.cells && isWithinWord(symbols, place);
-    if (isApostrophe && (isCurly(mark, {ink, line, glyphs}) || (!mark.straight && isElision(symbols, place))))
+    // Within a word there are no opening marks.
+    const bool becomesCurly =
+        isApostrophe && (isCurly(mark, {ink, line, glyphs}) ||
+                         (!mark.straight && (nearest->text == "‘" || isElision(symbols, place))));
+    if (becomesCurly)
       nearest->text = "’";
     else if (mark.straight)
       nearest->text = std::string(1, mark.strokes == 1 ? '\'' : '"');
-    else if (isApostrophe && nearest->text == "‘")
-      nearest->text = "’";
   }
   // Whoever sets straight ones sets them on both sides.
   if (std::any_of(symbols.begin(), symbols.end(), [](const Symbol& symbol) { return symbol.text == "\""; }))
