@@ -176,7 +176,8 @@ TEST_P(DisplayLossTest, EndsTheProgramAtOnce) {
   desktop_.server().signal(SIGKILL);
   EXPECT_EQ(program_->waitForEnd(), 1);
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
-  EXPECT_NE(program_->standardError().find("the connection to the X display is lost"), std::string::npos);
+  EXPECT_NE(program_->standardError().find("the connection to the X display is lost"), std::string::npos)
+      << program_->standardError();
 }
 
 INSTANTIATE_TEST_SUITE_P(, DisplayLossTest, ::testing::Values("Idle", "Dragging", "Recognizing"),

@@ -3,6 +3,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <QThread>
 #include <QThreadPool>
 #include <csignal>
 #include <cstdlib>
@@ -10,6 +11,7 @@
 #include "platform/Logger.h"
 #include "platform/linux/SessionBus.h"
 #include "platform/linux/StandingThreads.h"
+#include "platform/linux/ToolkitConnection.h"
 
 namespace lumiscan::desktop {
 
@@ -32,12 +34,23 @@ void startDrawingThread() {
   startAllThreads(*QThreadPool::globalInstance());
 }
 
-/// The toolkit leaves by `exit` when the X server has gone. Destructors would then run under threads that are
-/// at work, and wait for answers that can't come.
+/// The toolkit leaves by `exit` when the X server has gone. Destructors, also of libraries that were loaded
+/// meanwhile, would then run under threads that are at work, and wait for answers that can't come.
 void endAtOnceFromWithinEventLoop() {
   if (!eventLoopRuns) return;
   platform::Logger("application").error("the connection to the X display is lost");
   std::_Exit(EXIT_FAILURE);
+}
+
+QtMessageHandler toolkitMessageHandler = nullptr;
+
+/// The toolkit says that the connection is broken right before it leaves: the one moment at which no
+/// destructor has run yet.
+void endWithTheConnection(QtMsgType type, const QMessageLogContext& context, const QString& message) {
+  toolkitMessageHandler(type, context, message);
+  if (eventLoopRuns && QThread::currentThread() == qApp->thread() &&
+      xcb_connection_has_error(toolkitConnection()))
+    endAtOnceFromWithinEventLoop();
 }
 
 /// What must be settled before the toolkit looks around. Its choice of a window system is ours: the desktop
@@ -56,7 +69,8 @@ QtApplication::QtApplication(int& argc, char** argv) : application_(prepared(arg
   QApplication::setQuitOnLastWindowClosed(false);
   startDrawingThread();
   catchSignals();
-  // After the toolkit's own, so that it runs before them; once a process.
+  if (!toolkitMessageHandler) toolkitMessageHandler = qInstallMessageHandler(endWithTheConnection);
+  // For what ends without a message. After the toolkit's own, so that it runs before them; once a process.
   [[maybe_unused]] static const int registered = std::atexit(endAtOnceFromWithinEventLoop);
 }
 
