@@ -8,23 +8,18 @@
 #include <iterator>
 #include <memory>
 #include <optional>
+#include <tuple>
 #include <utility>
 
 #include "platform/linux/recognition/Columns.h"
 #include "platform/linux/recognition/Level.h"
+#include "platform/linux/recognition/Rows.h"
 
 namespace lumiscan::desktop {
 
 namespace {
 
 using Glyphs = std::vector<Glyph>;
-
-template <typename Measure>
-int medianOf(const Glyphs& glyphs, Measure measure) {
-  std::vector<int> values;
-  for (const Glyph& glyph : glyphs) values.push_back(measure(glyph));
-  return levelAt(std::move(values), 0.5);
-}
 
 /// The ink from which a pixel counts as part of a glyph; nothing where no pixel is far from its ground.
 std::optional<int> inkThreshold(const GreyBitmap& ink) {
@@ -62,9 +57,36 @@ Glyphs connectedPieces(const GreyBitmap& ink, int threshold) {
 /// high as the character.
 double usualShare(Characters characters) { return characters == Characters::alphabetic ? 0.5 : 0.8; }
 
+/// The glyphs but for short strokes in pairs, if there are enough others. They are quotation marks, of which
+/// some lines of code have more than of letters.
+Glyphs withoutQuotationMarks(Glyphs glyphs) {
+  const auto arePair = [](const Glyph& a, const Glyph& b) {
+    const int gap = b.box.left - a.box.right;
+    return a.box.top == b.box.top && a.box.bottom == b.box.bottom && 2 * a.height() >= 3 * a.width() &&
+           2 * b.height() >= 3 * b.width() && gap > 0 && 2 * gap <= a.height();
+  };
+  std::sort(glyphs.begin(), glyphs.end(), [](const Glyph& a, const Glyph& b) {
+    return std::tie(a.box.top, a.box.bottom, a.box.left) < std::tie(b.box.top, b.box.bottom, b.box.left);
+  });
+  Glyphs pairs, others;
+  for (std::size_t i = 0; i < glyphs.size(); ++i) {
+    const bool isSecond = i > 0 && arePair(glyphs[i - 1], glyphs[i]);
+    const bool isFirst = i + 1 < glyphs.size() && arePair(glyphs[i], glyphs[i + 1]);
+    (isFirst || isSecond ? pairs : others).push_back(glyphs[i]);
+  }
+  if (4 * others.size() < glyphs.size()) return glyphs;
+  std::vector<int> heights;
+  for (const Glyph& glyph : others) heights.push_back(glyph.height());
+  const int high = levelAt(std::move(heights), 0.75);
+  std::copy_if(pairs.begin(), pairs.end(), std::back_inserter(others),
+               [&](const Glyph& glyph) { return 3 * glyph.height() > 2 * high; });
+  return others;
+}
+
 /// The usual height of the glyphs that may be letters or, where none is narrow enough, words whose letters
 /// touch.
-int usualHeight(const Glyphs& glyphs, Characters characters = Characters::alphabetic) {
+int usualHeight(const Glyphs& all, Characters characters = Characters::alphabetic) {
+  const Glyphs glyphs = withoutQuotationMarks(all);
   const auto usual = [&](int leastHeight, int mostWidth) {
     std::vector<int> heights;
     for (const Glyph& glyph : glyphs)
@@ -115,8 +137,10 @@ bool isRuleOrFrame(const Glyph& glyph, const Glyphs& all, int usual, const GreyB
       slender && (atLeft || atRight) && 5 * glyph.height() > 6 * usual && glyph.height() >= 6 * glyph.width();
   if (isCaret || glyph.height() > 5 * usual) return true;
   if (2 * glyph.height() < 3 * usual) return false;
-  const auto inside = std::count_if(all.begin(), all.end(),
-                                    [&](const Glyph& other) { return isInside(other.box, glyph.box); });
+  // Letters that touch may have dots and accents inside the box around them.
+  const auto inside = std::count_if(all.begin(), all.end(), [&](const Glyph& other) {
+    return 2 * other.height() >= usual && isInside(other.box, glyph.box);
+  });
   return inside > 1 || (inside == 1 && glyph.width() > 2 * usual && glyph.height() > 2 * usual);
 }
 
@@ -169,162 +193,6 @@ bool areQuotationMarks(const Glyphs& glyphs, int usual) {
          2 * static_cast<std::size_t>(strokes) >= glyphs.size();
 }
 
-/// A line while it is put together.
-struct Row {
-  Glyphs glyphs;
-  int top, bottom;  // Of most of its letters.
-
-  explicit Row(const Glyph& glyph) : glyphs{glyph}, top(glyph.box.top), bottom(glyph.box.bottom) {}
-
-  void add(const Glyph& glyph) {
-    glyphs.push_back(glyph);
-    top = medianOf(glyphs, [](const Glyph& g) { return g.box.top; });
-    bottom = medianOf(glyphs, [](const Glyph& g) { return g.box.bottom; });
-  }
-  int overlap(const Glyph& glyph) const {
-    return std::min(bottom, glyph.box.bottom) - std::max(top, glyph.box.top) + 1;
-  }
-  int distance(const Glyph& glyph) const {
-    return std::max({0, top - glyph.box.bottom, glyph.box.top - bottom});
-  }
-  int middle() const { return (top + bottom) / 2; }
-};
-
-/// The row with which a glyph shares most of its height; null where it is none's.
-Row* homeOf(const Glyph& glyph, std::vector<Row>& rows) {
-  Row* best = nullptr;
-  for (Row& row : rows)
-    if (2 * row.overlap(glyph) >= std::min(glyph.height(), row.bottom - row.top + 1) &&
-        (!best || row.overlap(glyph) > best->overlap(glyph)))
-      best = &row;
-  return best;
-}
-
-/// Rows from what surely is letters, from left to right.
-std::vector<Row> rowsOfLetters(const Glyphs& letters) {
-  std::vector<Row> rows;
-  for (const Glyph& glyph : letters) {
-    if (Row* const home = homeOf(glyph, rows))
-      home->add(glyph);
-    else
-      rows.emplace_back(glyph);
-  }
-  return rows;
-}
-
-/// Small letters, or large marks: where they stand in a row of larger ones, they say nothing about it. Others
-/// have rows of their own, which are added.
-void addSmallLetters(std::vector<Row>& rows, const Glyphs& letters) {
-  Glyphs others;
-  for (const Glyph& glyph : letters) {
-    if (Row* const home = homeOf(glyph, rows))
-      home->glyphs.push_back(glyph);
-    else
-      others.push_back(glyph);
-  }
-  std::vector<Row> more = rowsOfLetters(others);
-  std::move(more.begin(), more.end(), std::back_inserter(rows));
-}
-
-/// Commas and stars may be as high as a small letter, and stand so low or high that they share little of its
-/// height with the row. Real lines don't reach into each other's letters.
-void joinRowsOfMarks(std::vector<Row>& rows, int usual) {
-  for (auto row = rows.begin(); row != rows.end();) {
-    const bool low = std::all_of(row->glyphs.begin(), row->glyphs.end(), [usual](const Glyph& glyph) {
-      return glyph.height() <= usual && 2 * glyph.width() <= 3 * glyph.height();
-    });
-    const auto home = std::find_if(rows.begin(), rows.end(), [&](const Row& other) {
-      return &other != &*row && other.glyphs.size() > row->glyphs.size() && other.top <= row->bottom &&
-             other.bottom >= row->top;
-    });
-    if (!low || home == rows.end()) {
-      ++row;
-      continue;
-    }
-    home->glyphs.insert(home->glyphs.end(), row->glyphs.begin(), row->glyphs.end());
-    row = rows.erase(row);
-  }
-}
-
-/// How far a mark is from a row. Flat strokes stand below their row, as underscores do, or in it.
-int markDistance(const Row& row, const Glyph& mark, int usual) {
-  const bool flat = mark.width() >= 3 * mark.height();
-  return row.distance(mark) + (flat && mark.box.bottom < row.top ? usual / 2 : 0);
-}
-
-/// Dots, accents, quotation marks, strokes: each to the row that is nearest, if it is within reach. Returns
-/// the others.
-Glyphs addMarks(std::vector<Row>& rows, const Glyphs& marks, int usual, int reach) {
-  Glyphs apart;
-  for (const Glyph& mark : marks) {
-    const auto nearest = std::min_element(rows.begin(), rows.end(), [&](const Row& a, const Row& b) {
-      return std::pair(markDistance(a, mark, usual), std::abs(a.middle() - mark.middle())) <
-             std::pair(markDistance(b, mark, usual), std::abs(b.middle() - mark.middle()));
-    });
-    // Accents and quotation marks stand well above small letters, but nothing far below them but strokes.
-    const bool upright =
-        nearest != rows.end() && mark.box.top > nearest->bottom && mark.width() < mark.height();
-    if (nearest != rows.end() && nearest->distance(mark) <= (upright ? reach / 2 : reach))
-      nearest->glyphs.push_back(mark);
-    else
-      apart.push_back(mark);
-  }
-  return apart;
-}
-
-/// Joins rows of nothing but marks that are the upper and lower parts of some: of colons and semicolons.
-void joinPartsOfMarks(std::vector<Row>& rows, int usual) {
-  std::sort(rows.begin(), rows.end(), [](const Row& a, const Row& b) { return a.top < b.top; });
-  for (std::size_t i = 1; i < rows.size();) {
-    Row& above = rows[i - 1];
-    const Row& below = rows[i];
-    const bool isOver = std::all_of(below.glyphs.begin(), below.glyphs.end(), [&](const Glyph& glyph) {
-      return std::any_of(above.glyphs.begin(), above.glyphs.end(), [&](const Glyph& other) {
-        return other.box.left <= glyph.box.right && other.box.right >= glyph.box.left;
-      });
-    });
-    if (isOver && below.top - above.bottom <= usual) {
-      above.glyphs.insert(above.glyphs.end(), below.glyphs.begin(), below.glyphs.end());
-      above.bottom = below.bottom;
-      rows.erase(rows.begin() + static_cast<std::ptrdiff_t>(i));
-    } else {
-      ++i;
-    }
-  }
-}
-
-/// Rows of glyphs that are sorted from left to right.
-std::vector<Row> rowsOf(const Glyphs& glyphs, int usual, Characters characters) {
-  Glyphs letters, smallLetters, marks;
-  for (const Glyph& glyph : glyphs) {
-    if (5 * glyph.height() >= 4 * usual)
-      letters.push_back(glyph);
-    else if (characters == Characters::alphabetic && 3 * glyph.height() >= 2 * usual)
-      smallLetters.push_back(glyph);
-    else
-      marks.push_back(glyph);
-  }
-  std::vector<Row> rows = rowsOfLetters(letters);
-  if (characters == Characters::alphabetic) {
-    addSmallLetters(rows, smallLetters);
-    joinRowsOfMarks(rows, usual);
-    // Lines of nothing but marks.
-    std::vector<Row> more = rowsOfLetters(addMarks(rows, marks, usual, usual));
-    joinPartsOfMarks(more, usual);
-    std::move(more.begin(), more.end(), std::back_inserter(rows));
-    return rows;
-  }
-  // Among wide characters may be lines of an alphabet, whose letters are low beside them.
-  Glyphs lowLetters, accents;
-  for (const Glyph& glyph : addMarks(rows, marks, usual, usual / 4))
-    (5 * glyph.height() >= 2 * usual ? lowLetters : accents).push_back(glyph);
-  std::vector<Row> more = rowsOfLetters(lowLetters);
-  std::move(more.begin(), more.end(), std::back_inserter(rows));
-  more = rowsOfLetters(addMarks(rows, accents, usual, usual));
-  std::move(more.begin(), more.end(), std::back_inserter(rows));
-  return rows;
-}
-
 std::vector<TextLine> linesOf(Glyphs glyphs, Characters characters) {
   if (glyphs.empty()) return {};
   const int usual = std::max(1, usualHeight(glyphs));
@@ -342,7 +210,9 @@ std::vector<TextLine> linesOf(Glyphs glyphs, Characters characters) {
           return a.height() < b.height();
         })->height();
     // A short line says little about its own letters: most of it may be dots and commas.
-    const bool alone = row.glyphs.size() < 6 && height < 2 * usual && 5 * tallest >= 4 * usual;
+    const bool hasLetter = 5 * tallest >= 4 * usual;
+    const bool hasMarksAlone = 5 * tallest <= 3 * usual;
+    const bool alone = row.glyphs.size() < 6 && height < 2 * usual && (hasLetter || hasMarksAlone);
     const PixelBox box = boxAround(row.glyphs);
     if (areQuotationMarks(row.glyphs, usual))
       lines.push_back({std::move(row.glyphs), box, usual, box.top + usual * 5 / 4});
