@@ -90,7 +90,9 @@ TEST(TextRecognizer, ReadsSignsWhereTheEngineAloneReadsLetters) {
                                        "-38.5",
                                        "@__index__"};
   const std::vector<std::string> longStrings{"def twice(number):", "\"\"\"", "return 2 * number", "'''"};
-  for (const auto& code : {signs, longStrings})
+  const std::vector<std::string> manyMarks{"-a|--all) keep=1", ";;", "'-s'|'--size')", "--",
+                                           "\"test\": \"tap\",", ";;"};
+  for (const auto& code : {signs, longStrings, manyMarks})
     for (const double size : {14.0, 18.0, 22.0})
       EXPECT_THAT(linesOf(pictureOf(code, codeStyle(size))), ElementsAreArray(code)) << size;
 }

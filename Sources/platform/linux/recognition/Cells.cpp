@@ -173,6 +173,15 @@ void cutAtCells(TextLine& line, const Cells& cells, const GreyBitmap& ink) {
   line.glyphs = std::move(cut);
 }
 
+/// The cells of the line nearest to one of marks alone, which don't tell theirs: code is set in one grid.
+std::optional<Cells> cellsBeside(const TextLine& marks, const std::vector<TextLine>& lines) {
+  const auto distance = [&](const TextLine& line) { return std::abs(line.baseline - marks.baseline); };
+  const TextLine* nearest = nullptr;
+  for (const TextLine& line : lines)
+    if (line.cells && (!nearest || distance(line) < distance(*nearest))) nearest = &line;
+  return nearest ? nearest->cells : std::nullopt;
+}
+
 }  // namespace
 
 void findCells(std::vector<TextLine>& lines, const GreyBitmap& ink) {
@@ -195,6 +204,9 @@ void findCells(std::vector<TextLine>& lines, const GreyBitmap& ink) {
     lines[i].cells = cellsOf(middles[i], pitch);
     cutAtCells(lines[i], *lines[i].cells, ink);
   }
+  if (!ofAll.isSure()) return;
+  for (std::size_t i = 0; i < lines.size(); ++i)
+    if (middles[i].empty()) lines[i].cells = cellsBeside(lines[i], lines);
 }
 
 }  // namespace lumiscan::desktop

@@ -92,7 +92,9 @@ void correctDashes(std::vector<Symbol>& symbols, const GreyBitmap& ink, const Te
     const bool isFlat = 4 * (symbol.box.bottom - symbol.box.top + 1) <= line.letterHeight + 4;
     if (!isDash || !isFlat || !symbol.hasOwnInk) continue;
     const std::size_t strokes = strokesAlong(ink, symbol.box).size();
-    if (strokes > 1) symbol.text = std::string(strokes, '-');
+    // Where characters have one width, dashes fill their place and hyphens don't.
+    const bool isHyphen = line.cells && symbol.box.right - symbol.box.left + 1 < 0.92 * line.cells->pitch;
+    if (strokes > 1 || isHyphen) symbol.text = std::string(strokes, '-');
   }
 }
 

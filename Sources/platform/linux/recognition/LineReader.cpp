@@ -13,6 +13,7 @@
 #include "platform/linux/recognition/LanguageChoice.h"
 #include "platform/linux/recognition/LineImage.h"
 #include "platform/linux/recognition/LineShapes.h"
+#include "platform/linux/recognition/LoneMarks.h"
 #include "platform/linux/recognition/Plausibility.h"
 #include "platform/linux/recognition/QuotationMarks.h"
 #include "platform/linux/recognition/Scripts.h"
@@ -86,7 +87,7 @@ LineDraft draftOf(Engine& engine, const GreyBitmap& ink, const TextLine& line) {
   draft.underscores = takeUnderscores(draft.letters, line);
   // Strokes below nothing are a rule.
   if (draft.letters.empty()) return draft;
-  draft.symbols = readQuotationMarks(draft.letters, ink, line);
+  draft.symbols = readLoneMarks(draft.letters, ink, line);
   if (!draft.symbols.empty()) {
     draft.pieces = draft.symbols.size();
     draft.confidence = draft.sureness = meanConfidence(draft.symbols);

@@ -123,8 +123,10 @@ std::vector<Symbol> readQuotationMarks(const std::vector<Glyph>& glyphs, const G
                                        const TextLine& line) {
   std::vector<PixelBox> strokes;
   for (const Glyph& glyph : glyphs) {
-    const bool high = glyph.box.bottom < line.baseline - line.letterHeight / 2;
-    if (!high || glyph.height() < 3 || glyph.height() < glyph.width()) return {};
+    // Two strokes may touch.
+    if (glyph.height() < 3 || 5 * glyph.height() >= 4 * line.letterHeight ||
+        2 * glyph.width() > 3 * glyph.height())
+      return {};
     for (const PixelBox& stroke : strokesAlong(ink, glyph.box)) {
       const Glyph single{stroke};
       if (10 * single.height() < 13 * single.width() || !isStraight(single, ink)) return {};
