@@ -158,6 +158,14 @@ bool isLikely(const Symbol& symbol, const Classification& shape) {
   return shape.knows(character) ? shape.of(character) >= likely : symbol.confidence >= sure;
 }
 
+/// Whether most of a cluster stands in the columns of ink that was read before it.
+bool liesBelow(const LineShapes& shapes, std::size_t cluster, const Match& before) {
+  if (before.clusterCount == 0 || before.symbolCount == 0) return false;
+  const PixelBox& box = shapes.clusters()[cluster].box;
+  const int shared = shapes.box(before.firstCluster, before.clusterCount).right - box.left + 1;
+  return 2 * shared > box.width();
+}
+
 bool isOneToOne(const Match& match) { return match.clusterCount > 0 && match.symbolCount == 1; }
 
 }  // namespace
@@ -186,6 +194,8 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
       }
     }
     if (match.symbolCount == 0) {
+      // The stem of an i whose dot touches the f before it stands below both.
+      if (m > 0 && liesBelow(shapes, match.firstCluster, matches[m - 1])) continue;
       const Classification& shape = shapes.classification(match.firstCluster);
       const bool isSign = isSurelySign(shape);
       if (isSign || shapes.isPoint(match.firstCluster))

@@ -52,15 +52,18 @@ std::optional<int> usualSpace(const std::vector<Pair>& pairs, int letterHeight) 
   return levelAt(std::move(widths), 0.3);
 }
 
-/// A gap as wide as most of a space is one whatever was read; one that is far narrower is none.
-void correctByWidth(const std::vector<Pair>& pairs, double space) {
+/// A gap as wide as most of a space is one whatever was read; one that is far narrower is none. A space that
+/// was measured in other lines tells less.
+void correctByWidth(const std::vector<Pair>& pairs, double space, bool isOfLine) {
   for (const Pair& pair : pairs) {
     Symbol& right = *pair.right;
     if (!pair.left->hasOwnInk || !right.hasOwnInk) continue;
     const double width = pair.gap() / space;
     const bool inWord = isWordCharacter(*pair.left) && isWordCharacter(right);
-    // Letters may reach over their neighbours, in italics most of all.
-    if (right.spaceBefore && !inWord && width < 0.35) right.spaceBefore = false;
+    // Signs have room of their own; letters may reach over their neighbours, in italics most of all.
+    const bool atLetter = isWordCharacter(*pair.left) || isWordCharacter(right);
+    const double least = !isOfLine ? 0.35 : atLetter ? 0.6 : 0.8;
+    if (right.spaceBefore && !inWord && width < least) right.spaceBefore = false;
     // Digits have one width, and some much room in it.
     const bool atDigit = isDigit(*pair.left) || isDigit(right);
     if (!right.spaceBefore && width > (atDigit || !inWord ? 1.0 : 0.8)) right.spaceBefore = true;
@@ -87,8 +90,9 @@ void correctSpaces(const std::vector<SpacedLine>& lines) {
     }
     std::optional<int> space = usualSpace(pairs, each.line->letterHeight);
     // In a line with many spaces that are none, they look narrow.
-    if (!spaces.empty() && (!space || 10 * *space < 7 * levelAt(spaces, 0.5))) space = levelAt(spaces, 0.5);
-    if (space && *space > 0) correctByWidth(pairs, *space * each.line->letterHeight / 100.0);
+    const bool isOfLine = space && (spaces.empty() || 10 * *space >= 7 * levelAt(spaces, 0.5));
+    if (!isOfLine && !spaces.empty()) space = levelAt(spaces, 0.5);
+    if (space && *space > 0) correctByWidth(pairs, *space * each.line->letterHeight / 100.0, isOfLine);
   }
 }
 
