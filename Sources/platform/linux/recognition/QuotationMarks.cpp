@@ -101,8 +101,12 @@ double difference(const PixelBox& a, const PixelBox& b, bool turned, const GreyB
   return all == 0 ? 0 : static_cast<double>(differing) / all;
 }
 
-bool isSingleQuote(const Symbol& symbol) {
-  return symbol.text == "'" || symbol.text == "`" || symbol.text == "‘" || symbol.text == "’";
+bool isCurlySingle(const Symbol& symbol) { return symbol.text == "‘" || symbol.text == "’"; }
+
+/// A single mark, or what is taken for a double one beside a backtick.
+bool maySurround(const Symbol& symbol) {
+  return symbol.text == "'" || symbol.text == "`" || symbol.text == "“" || symbol.text == "”" ||
+         isCurlySingle(symbol);
 }
 
 /// What two marks on both sides of something are whose ink is the same: curly ones are each other turned
@@ -124,12 +128,13 @@ void matchSides(std::vector<Symbol>& symbols, const GreyBitmap& ink) {
   struct Pair {
     Symbol *opening, *closing;
     bool has(std::string_view text) const { return opening->text == text || closing->text == text; }
+    bool hasCurlySingle() const { return isCurlySingle(*opening) || isCurlySingle(*closing); }
   };
   std::vector<Pair> pairs;
   Symbol* opening = nullptr;
   for (std::size_t i = 0; i < symbols.size(); ++i) {
     Symbol& symbol = symbols[i];
-    if (!isSingleQuote(symbol) || isWithinWord(symbols, i)) continue;
+    if (!maySurround(symbol) || isWithinWord(symbols, i)) continue;
     const bool opens = i == 0 || symbol.spaceBefore ||
                        std::string_view("([{<").find(symbols[i - 1].text) != std::string_view::npos;
     if (opens)
@@ -141,14 +146,17 @@ void matchSides(std::vector<Symbol>& symbols, const GreyBitmap& ink) {
     pair.opening->text = std::string(text);
     pair.closing->text = std::string(text);
   };
+  bool hasBackticks = false;
   for (const Pair& pair : pairs) {
-    if (!pair.opening->hasOwnInk || !pair.closing->hasOwnInk) continue;
-    const std::string_view text = twinMarks(*pair.opening, *pair.closing, ink);
-    if (!text.empty()) become(pair, text);
+    if (pair.has("`") && !pair.has("'")) become(pair, "`");
+    if (pair.hasCurlySingle() && pair.opening->hasOwnInk && pair.closing->hasOwnInk) {
+      const std::string_view text = twinMarks(*pair.opening, *pair.closing, ink);
+      if (!text.empty()) become(pair, text);
+    }
+    hasBackticks = hasBackticks || pair.has("`");
   }
-  if (std::any_of(pairs.begin(), pairs.end(), [](const Pair& pair) { return pair.opening->text == "`"; }))
-    for (const Pair& pair : pairs)
-      if (pair.has("‘") || pair.has("’")) become(pair, "`");
+  for (const Pair& pair : pairs)
+    if (pair.hasCurlySingle() && (hasBackticks || pair.has("'"))) become(pair, hasBackticks ? "`" : "'");
 }
 
 bool isSlender(const PixelBox& box) { return 10 * (box.bottom - box.top + 1) >= 13 * box.width(); }
