@@ -38,12 +38,16 @@ void QtAlerts::runModal(const platform::Alert& alert) {
   }
   QMessageBox box;
   open_ = &box;
-  box.setPalette(formPalette(prefersDark_()));
   box.setWindowTitle(QCoreApplication::applicationName());
   box.setTextFormat(Qt::RichText);
   box.setText(message);
   box.setInformativeText(literal(QString::fromStdString(alert.informativeText)));
-  box.setIconPixmap(icon(box));
+  const auto followColorScheme = [&] {
+    box.setPalette(formPalette(colorScheme_.isDark()));
+    box.setIconPixmap(icon(box));
+  };
+  followColorScheme();
+  QObject::connect(&colorScheme_, &ColorScheme::changed, &box, followColorScheme);
   box.setWindowIcon(box.iconPixmap());
   box.setStandardButtons(QMessageBox::Ok);
   box.button(QMessageBox::Ok)->setIcon({});
