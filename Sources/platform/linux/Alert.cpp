@@ -5,7 +5,9 @@
 #include <QTextDocument>
 
 #include "platform/linux/StatusIcon.h"
+#include "platform/linux/ToolkitConnection.h"
 #include "platform/linux/form/FormPalette.h"
+#include "platform/linux/x11/Activation.h"
 
 namespace lumiscan::desktop {
 
@@ -32,8 +34,7 @@ void QtAlerts::runModal(const platform::Alert& alert) {
   const QString message =
       QStringLiteral("<big><b>%1</b></big>").arg(QString::fromStdString(alert.messageText).toHtmlEscaped());
   if (open_ && open_->text() == message) {
-    open_->raise();
-    open_->activateWindow();
+    x11::activate(toolkitConnection(), static_cast<xcb_window_t>(open_->winId()));
     return;
   }
   QMessageBox box;
