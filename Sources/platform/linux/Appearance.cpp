@@ -1,6 +1,5 @@
 #include "platform/linux/Appearance.h"
 
-#include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
@@ -28,21 +27,32 @@ std::optional<bool> prefersDark(QVariant value) {
 
 }  // namespace
 
-ColorScheme::ColorScheme(QDBusConnection bus) : bus_(std::move(bus)) { askPortal(); }
+ColorScheme::ColorScheme(QDBusConnection bus) : bus_(std::move(bus)) {
+  // From whomever, since to name the sender would mean to wait for the bus to find it.
+  bus_.connect({}, path, interface, QStringLiteral("SettingChanged"), {space, key}, QStringLiteral("ssv"),
+               this, SLOT(settingChanged(QDBusMessage)));
+  askPortal();
+}
+
+void ColorScheme::settingChanged(const QDBusMessage& signal) {
+  settle(prefersDark(signal.arguments().value(2)));
+}
+
+void ColorScheme::settle(std::optional<bool> preferred) {
+  if (std::exchange(preferred_, preferred) != preferred) emit changed();
+}
 
 void ColorScheme::askPortal() {
   if (isAsking_ || !bus_.isConnected()) return;
   QDBusMessage question = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("Read"));
   question << space << key;
-  auto* answer = new QDBusPendingCallWatcher(bus_.asyncCall(question), &context_);
+  auto* answer = new QDBusPendingCallWatcher(bus_.asyncCall(question), this);
   isAsking_ = true;
-  QObject::connect(answer, &QDBusPendingCallWatcher::finished, &context_, [this, answer] {
+  QObject::connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
     isAsking_ = false;
     const QDBusPendingReply<QDBusVariant> reply = *answer;
-    const auto before = std::exchange(
-        preferred_, reply.isError() ? std::nullopt : prefersDark(QVariant::fromValue(reply.value())));
     answer->deleteLater();
-    if (preferred_ != before && changed) changed();
+    settle(reply.isError() ? std::nullopt : prefersDark(QVariant::fromValue(reply.value())));
   });
 }
 

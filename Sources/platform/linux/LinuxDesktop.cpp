@@ -124,9 +124,8 @@ struct Interactive {
   CanberraSounds sounds;
   QtTypesetter typesetter;
   ColorScheme colorScheme;
-  std::function<bool()> prefersDark = [this] { return colorScheme.isDark(); };
-  TrayStatusBar statusBar{prefersDark};
-  QtAlerts alerts{prefersDark};
+  TrayStatusBar statusBar{colorScheme};
+  QtAlerts alerts{colorScheme};
   PanelFreeDisplays& displays;
   PanelStage panels;
   OverlaySession overlays;

@@ -34,8 +34,8 @@ QPoint besideIcon(const QRect& icon) {
 
 class TrayItem : public platform::StatusItem {
  public:
-  explicit TrayItem(const std::function<bool()>& prefersDark)
-      : prefersDark_(prefersDark), notifierItem_(QDBusConnection::sessionBus(), prefersDark) {
+  explicit TrayItem(ColorScheme& colorScheme)
+      : colorScheme_(colorScheme), notifierItem_(QDBusConnection::sessionBus(), colorScheme) {
     QObject::connect(&notifierItem_, &statusnotifier::Item::changed, &context_, [this] { choosePlace(); });
     QObject::connect(&notifierItem_, &statusnotifier::Item::activated, &context_,
                      [this] { openMenu(QCursor::pos()); });
@@ -81,7 +81,7 @@ class TrayItem : public platform::StatusItem {
 
   void openMenu(const QPoint& position) {
     hover(false);
-    popup_.popUp(menu_, position, prefersDark_());
+    popup_.popUp(menu_, position, colorScheme_.isDark());
   }
 
   void hover(bool inside) {
@@ -92,7 +92,7 @@ class TrayItem : public platform::StatusItem {
       QToolTip::hideText();
   }
 
-  std::function<bool()> prefersDark_;
+  ColorScheme& colorScheme_;
   QObject context_;
   QTimer toolTipTimer_;
   std::shared_ptr<platform::Menu> menu_;
@@ -106,7 +106,7 @@ class TrayItem : public platform::StatusItem {
 
 std::unique_ptr<platform::StatusItem> TrayStatusBar::statusItem(double) {
   // How long an item is, is a matter of the panel here: all are square.
-  return std::make_unique<TrayItem>(prefersDark_);
+  return std::make_unique<TrayItem>(colorScheme_);
 }
 
 std::optional<platform::SymbolImage> TrayStatusBar::symbolImage(std::string_view name,

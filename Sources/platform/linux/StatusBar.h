@@ -1,11 +1,11 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string_view>
 
 #include "platform/StatusBar.h"
+#include "platform/linux/Appearance.h"
 
 namespace lumiscan::desktop {
 
@@ -13,15 +13,15 @@ namespace lumiscan::desktop {
 /// Made after the application object.
 class TrayStatusBar : public platform::StatusBar {
  public:
-  /// `prefersDark` tells what colours the user prefers; it outlives the bar's items.
-  explicit TrayStatusBar(std::function<bool()> prefersDark) : prefersDark_(std::move(prefersDark)) {}
+  /// `colorScheme` outlives the bar's items.
+  explicit TrayStatusBar(ColorScheme& colorScheme) : colorScheme_(colorScheme) {}
 
   std::unique_ptr<platform::StatusItem> statusItem(double length) override;
   std::optional<platform::SymbolImage> symbolImage(std::string_view name,
                                                    std::string_view accessibilityDescription) override;
 
  private:
-  std::function<bool()> prefersDark_;
+  ColorScheme& colorScheme_;
 };
 
 }  // namespace lumiscan::desktop
