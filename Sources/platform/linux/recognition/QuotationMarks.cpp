@@ -122,6 +122,26 @@ std::string_view twinMarks(const Symbol& opening, const Symbol& closing, const G
   return lean > 0.15 ? "`" : std::abs(lean) < 0.1 ? "'" : std::string_view();
 }
 
+/// Whether a mark stands before what it surrounds.
+bool opens(const std::vector<Symbol>& symbols, std::size_t i) {
+  return i == 0 || symbols[i].spaceBefore ||
+         std::string_view("([{<").find(symbols[i - 1].text) != std::string_view::npos;
+}
+
+/// Makes a single mark double that a double one closes: one of its strokes touches the letter behind it.
+void matchDoubles(std::vector<Symbol>& symbols) {
+  Symbol* opening = nullptr;
+  for (std::size_t i = 0; i < symbols.size(); ++i) {
+    if ((symbols[i].text != "'" && symbols[i].text != "\"") || isWithinWord(symbols, i)) continue;
+    if (opens(symbols, i))
+      opening = &symbols[i];
+    else if (opening && symbols[i].text == "\"")
+      std::exchange(opening, nullptr)->text = symbols[i].text;
+    else
+      opening = nullptr;
+  }
+}
+
 /// Makes single marks on both sides of something the same if their ink is. Backticks quote code on both
 /// sides, and whoever uses them doesn't use curly marks beside them.
 void matchSides(std::vector<Symbol>& symbols, const GreyBitmap& ink) {
@@ -135,9 +155,7 @@ void matchSides(std::vector<Symbol>& symbols, const GreyBitmap& ink) {
   for (std::size_t i = 0; i < symbols.size(); ++i) {
     Symbol& symbol = symbols[i];
     if (!maySurround(symbol) || isWithinWord(symbols, i)) continue;
-    const bool opens = i == 0 || symbol.spaceBefore ||
-                       std::string_view("([{<").find(symbols[i - 1].text) != std::string_view::npos;
-    if (opens)
+    if (opens(symbols, i))
       opening = &symbol;
     else if (opening)
       pairs.push_back({std::exchange(opening, nullptr), &symbol});
@@ -165,14 +183,18 @@ std::vector<QuoteMark> quoteMarks(const std::vector<Glyph>& glyphs, const GreyBi
                                   const TextLine& line) {
   std::vector<QuoteMark> marks;
   const auto add = [&](const PixelBox& stroke) {
-    const bool straight = isStraight(stroke, ink);
-    const bool second = !marks.empty() && marks.back().strokes == 1 && marks.back().straight == straight &&
+    const bool second = !marks.empty() && marks.back().strokes == 1 &&
                         2 * (stroke.left - marks.back().box.right) <= line.letterHeight;
     if (second) {
-      marks.back().strokes = 2;
-      marks.back().box.right = stroke.right;
+      QuoteMark& mark = marks.back();
+      mark.strokes = 2;
+      mark.box.right = stroke.right;
+      mark.box.top = std::min(mark.box.top, stroke.top);
+      mark.box.bottom = std::max(mark.box.bottom, stroke.bottom);
+      // Of few pixels, one stroke alone may seem to lean.
+      mark.straight = isStraight(mark.box, ink);
     } else {
-      marks.push_back({stroke, 1, straight});
+      marks.push_back({stroke, 1, isStraight(stroke, ink)});
     }
   };
   for (const Glyph& glyph : glyphs) {
@@ -283,6 +305,7 @@ void correctQuotes(std::vector<Symbol>& symbols, const std::vector<Glyph>& glyph
     else if (mark.strokes == 2)
       makeDouble(*nearest);
   }
+  matchDoubles(symbols);
   matchSides(symbols, ink);
   // Whoever sets straight ones sets them on both sides.
   if (std::any_of(symbols.begin(), symbols.end(), [](const Symbol& symbol) { return symbol.text == "\""; }))
