@@ -7,6 +7,8 @@
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
 #include <atomic>
+#include <csignal>
+#include <memory>
 
 #include "desktop/LinuxFixture.h"
 #include "desktop/Servers.h"
@@ -37,14 +39,20 @@ TEST(Appearance, FollowsThePortalAndElseThePalette) {
   const LinuxFixture desktop;
   EXPECT_FALSE(platform::Appearance::current().isDark) << "no portal and a light palette";
 
-  const PrivateBus bus;
-  const QString address = QString::fromStdString(bus.address());
-  QDBusConnection portalSide = QDBusConnection::connectToBus(address, "portal");
   Portal portal;
-  ASSERT_TRUE(portalSide.registerVirtualObject(path, &portal));
-  ASSERT_TRUE(portalSide.registerService("org.freedesktop.portal.Desktop"));
-
-  desktop::ColorScheme scheme(QDBusConnection::connectToBus(address, "program"));
+  const auto busWithPortal = [&portal] {
+    auto bus = std::make_unique<PrivateBus>();
+    const QString address = QString::fromStdString(bus->address());
+    auto portalSide = QDBusConnection::connectToBus(address, "portal at " + address);
+    EXPECT_TRUE(portalSide.registerVirtualObject(path, &portal));
+    EXPECT_TRUE(portalSide.registerService("org.freedesktop.portal.Desktop"));
+    return bus;
+  };
+  auto bus = busWithPortal();
+  desktop::ColorScheme scheme([&bus] {
+    const QString address = QString::fromStdString(bus->address());
+    return QDBusConnection::connectToBus(address, address);
+  });
   const auto becomes = [&scheme](bool dark) {
     return LinuxFixture::waitFor([&] { return scheme.isDark() == dark; });
   };
@@ -59,6 +67,12 @@ TEST(Appearance, FollowsThePortalAndElseThePalette) {
   portal.scheme = 0;
   EXPECT_TRUE(becomes(false)) << "no preference: the palette's";
   EXPECT_EQ(changes, 4);
+
+  bus->signal(SIGSTOP);
+  EXPECT_FALSE(scheme.isDark()) << "asks a bus that never answers";
+  bus = busWithPortal();
+  portal.scheme = 1;
+  EXPECT_TRUE(becomes(true)) << "the next one does";
 }
 
 }  // namespace

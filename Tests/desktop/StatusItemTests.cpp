@@ -8,6 +8,7 @@
 #include <QDBusMessage>
 #include <QDBusVariant>
 #include <csignal>
+#include <filesystem>
 #include <fstream>
 
 #include "desktop/PrivateDesktop.h"
@@ -67,7 +68,7 @@ class StatusItemTest : public ::testing::Test {
   std::size_t windows() const { return screen_.windowsOfClass("Lumiscan").size(); }
 
   PrivateDesktop screen_;
-  PrivateBus busDaemon_;
+  PrivateBus busDaemon_{"unix:path=" + (screen_.home() / "bus").string()};
   char name_[5] = "test";
   char* argv_[2] = {name_, nullptr};
   int argc_ = 1;
@@ -220,6 +221,44 @@ TEST_F(StatusItemTest, StandsInWhateverTrayComesAndComesAgain) {
   ASSERT_TRUE(waitFor([this] { return windows() == 0 && screen_.canGrabPointer(); }));
   chooseByMouse(1);
   EXPECT_EQ(program_->waitForEnd(processEvents), 0) << "quits by the last item";
+}
+
+TEST_F(StatusItemTest, StandsInThePanelOfABusThatComesLateOrAgain) {
+  busDaemon_.signal(SIGKILL);
+  busDaemon_.waitForEnd();
+  startProgram();
+  ASSERT_TRUE(waitFor([this] { return screen_.shortcutIsTaken(); }));
+
+  // The first one hangs before the program can find it.
+  const std::string socket = screen_.home() / "first";
+  const PrivateBus first("unix:path=" + socket);
+  first.signal(SIGSTOP);
+  std::filesystem::rename(socket, screen_.home() / "bus");
+  const auto isTried = [&socket] {
+    std::ifstream sockets("/proc/net/unix");
+    int ends = 0;
+    for (std::string line; std::getline(sockets, line);) ends += line.ends_with(socket);
+    return ends > 1;
+  };
+  ASSERT_TRUE(waitFor(isTried));
+  screen_.pressKeys({KEY_LEFTMETA, KEY_LEFTSHIFT, KEY_2});
+  ASSERT_TRUE(waitFor([this] { return windows() == 1 && !screen_.canGrabKeyboard(); })) << "not waited for";
+  screen_.pressKeys({KEY_ESC});
+  ASSERT_TRUE(waitFor([this] { return windows() == 0; }));
+  first.signal(SIGCONT);
+  TrayPanel panel(busDaemon_.address());
+  ASSERT_TRUE(panel.start());
+  EXPECT_TRUE(waitFor([&panel] { return !panel.item().isEmpty(); }));
+
+  first.signal(SIGKILL);
+  ASSERT_TRUE(waitFor([this] { return logged("the session bus has ended") == 1; }));
+  const PrivateBus second(busDaemon_.address());
+  TrayPanel again(second.address());
+  ASSERT_TRUE(again.start());
+  ASSERT_TRUE(waitFor([&again] { return !again.item().isEmpty(); }));
+  EXPECT_EQ(again.layout().children.size(), 17U);
+  again.click(idOf(again.layout(), "Quit Lumiscan").value());
+  EXPECT_EQ(program_->waitForEnd(processEvents), 0);
 }
 
 }  // namespace

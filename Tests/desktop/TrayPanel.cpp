@@ -9,17 +9,17 @@ namespace {
 using desktop::statusnotifier::MenuLayout;
 
 const QString watcher = QStringLiteral("org.kde.StatusNotifierWatcher");
-const QString connectionName = QStringLiteral("panel");
 
 }  // namespace
 
 TrayPanel::TrayPanel(const std::string& address)
-    : bus_(QDBusConnection::connectToBus(QString::fromStdString(address), connectionName)) {
+    : bus_(QDBusConnection::connectToBus(QString::fromStdString(address),
+                                         QStringLiteral("panel-%1").arg(quintptr(this)))) {
   desktop::statusnotifier::registerTypes();
   bus_.registerVirtualObject(QStringLiteral("/StatusNotifierWatcher"), this);
 }
 
-TrayPanel::~TrayPanel() { QDBusConnection::disconnectFromBus(connectionName); }
+TrayPanel::~TrayPanel() { QDBusConnection::disconnectFromBus(bus_.name()); }
 
 bool TrayPanel::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
   if (message.member() == u"RegisterStatusNotifierItem") {

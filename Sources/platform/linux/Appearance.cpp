@@ -28,13 +28,16 @@ std::optional<bool> prefersDark(QVariant value) {
 
 }  // namespace
 
-ColorScheme::ColorScheme(QDBusConnection bus) : bus_(std::move(bus)) { askPortal(); }
+ColorScheme::ColorScheme(std::function<QDBusConnection()> sessionBus) : sessionBus_(std::move(sessionBus)) {
+  askPortal();
+}
 
 void ColorScheme::askPortal() {
-  if (isAsking_ || !bus_.isConnected()) return;
+  const QDBusConnection bus = sessionBus_();
+  if (isAsking_ || !bus.isConnected()) return;
   QDBusMessage question = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("Read"));
   question << space << key;
-  auto* answer = new QDBusPendingCallWatcher(bus_.asyncCall(question), &context_);
+  auto* answer = new QDBusPendingCallWatcher(bus.asyncCall(question), &context_);
   isAsking_ = true;
   QObject::connect(answer, &QDBusPendingCallWatcher::finished, &context_, [this, answer] {
     isAsking_ = false;

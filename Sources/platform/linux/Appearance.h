@@ -12,7 +12,8 @@ namespace lumiscan::desktop {
 /// again for the next. Main thread only.
 class ColorScheme {
  public:
-  explicit ColorScheme(QDBusConnection bus = QDBusConnection::sessionBus());
+  /// `sessionBus` is the connection of the moment.
+  explicit ColorScheme(std::function<QDBusConnection()> sessionBus);
   bool isDark();
   /// Called when the portal has answered something new.
   std::function<void()> changed;
@@ -20,7 +21,7 @@ class ColorScheme {
  private:
   void askPortal();
 
-  QDBusConnection bus_;
+  std::function<QDBusConnection()> sessionBus_;
   QObject context_;
   bool isAsking_ = false;
   std::optional<bool> preferred_;

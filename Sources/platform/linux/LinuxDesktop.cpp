@@ -28,6 +28,7 @@
 #include "platform/linux/PanelPeer.h"
 #include "platform/linux/PanelStage.h"
 #include "platform/linux/Pasteboard.h"
+#include "platform/linux/SessionBus.h"
 #include "platform/linux/Sound.h"
 #include "platform/linux/SpeechSynthesizer.h"
 #include "platform/linux/StandingThreads.h"
@@ -123,9 +124,10 @@ struct Interactive {
   x11::X11HotKeys hotKeys;
   CanberraSounds sounds;
   QtTypesetter typesetter;
-  ColorScheme colorScheme;
+  SessionBus sessionBus;
+  ColorScheme colorScheme{[this] { return sessionBus.connection(); }};
   std::function<bool()> prefersDark = [this] { return colorScheme.isDark(); };
-  TrayStatusBar statusBar{prefersDark};
+  TrayStatusBar statusBar{sessionBus, prefersDark};
   QtAlerts alerts{prefersDark};
   PanelFreeDisplays& displays;
   PanelStage panels;

@@ -62,9 +62,6 @@ Item::Item(QDBusConnection bus, std::function<bool()> prefersDark)
           });
   for (const char* name : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"})
     bus_.connect({}, watcherPath, watcher, QString::fromLatin1(name), this, SLOT(askForHost()));
-  bus_.connect({}, QStringLiteral("/org/freedesktop/DBus/Local"),
-               QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
-               SLOT(busEnded()));
   bus_.connect({}, QStringLiteral("/org/freedesktop/portal/desktop"),
                QStringLiteral("org.freedesktop.portal.Settings"), QStringLiteral("SettingChanged"), this,
                SLOT(checkColors()));
