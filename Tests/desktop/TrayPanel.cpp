@@ -59,6 +59,13 @@ void TrayPanel::click(int id) {
            {id, QStringLiteral("clicked"), QVariant::fromValue(QDBusVariant(0)), 0U});
 }
 
+bool TrayPanel::clickIfThere(int id) {
+  const desktop::statusnotifier::MenuEvent event{id, QStringLiteral("clicked"), QDBusVariant(0), 0};
+  const QList<desktop::statusnotifier::MenuEvent> events{event};
+  const auto unknown = callMenu(QStringLiteral("EventGroup"), {QVariant::fromValue(events)}).arguments();
+  return qdbus_cast<QList<int>>(unknown.value(0)).isEmpty();
+}
+
 bool TrayPanel::aboutToShow(int id) {
   return callMenu(QStringLiteral("AboutToShow"), {id}).arguments().value(0).toBool();
 }

@@ -30,6 +30,8 @@ class TrayPanel : public QDBusVirtualObject {
   QDBusMessage callMenu(const QString& member, const QVariantList& arguments);
   desktop::statusnotifier::MenuLayout layout(int id = 0);
   void click(int id);
+  /// The same in the protocol's other words; false when the menu doesn't have the item any more.
+  bool clickIfThere(int id);
   /// Whether what is in the submenu of this number has changed. Number 0 is the menu itself.
   bool aboutToShow(int id);
 
