@@ -76,7 +76,7 @@ void RandomUse::use(std::size_t kind) {
   try {
     uses_[kind]();
     require(!program_->exitStatus(), "the program ended");
-    require(waitFor([this] { return isIdle(); }), "an overlay or a grab stayed");
+    require(waitFor([this] { return desktop_.inputIsFree(); }), "an overlay or a grab stayed");
   } catch (const std::runtime_error& error) {
     constexpr std::size_t tail = 2000;
     const std::string log = program_->standardError();
@@ -101,8 +101,7 @@ void RandomUse::captureJoiningLines() {
 }
 
 void RandomUse::goThroughTheSession() {
-  require(waitFor([this] { return !desktop_.canGrabPointer() && !desktop_.canGrabKeyboard(); }),
-          "a session didn't begin");
+  require(waitFor([this] { return desktop_.inputIsTaken(); }), "a session didn't begin");
   const int x = 600 + below(200), y = 300 + below(100);
   switch (below(4)) {
     case 0:
@@ -110,7 +109,7 @@ void RandomUse::goThroughTheSession() {
       break;
     case 1:
       PrivateDesktop::detachMonitor("LEFT");
-      require(waitFor([this] { return isIdle(); }), "a session outlived its screen");
+      require(waitFor([this] { return desktop_.inputIsFree(); }), "a session outlived its screen");
       PrivateDesktop::setMonitor("LEFT", "499/132x600/159+0+100", "none");
       break;
     default:

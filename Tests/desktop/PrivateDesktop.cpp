@@ -215,13 +215,13 @@ void PrivateDesktop::pressKeys(const std::vector<std::uint8_t>& evdevCodes) {
 }
 
 void PrivateDesktop::moveMouse(int x, int y) { fake(XCB_MOTION_NOTIFY, 0, x, y); }
-void PrivateDesktop::buttonDown() { fake(XCB_BUTTON_PRESS, XCB_BUTTON_INDEX_1); }
-void PrivateDesktop::buttonUp() { fake(XCB_BUTTON_RELEASE, XCB_BUTTON_INDEX_1); }
+void PrivateDesktop::buttonDown(std::uint8_t button) { fake(XCB_BUTTON_PRESS, button); }
+void PrivateDesktop::buttonUp(std::uint8_t button) { fake(XCB_BUTTON_RELEASE, button); }
 
-void PrivateDesktop::click(int x, int y) {
+void PrivateDesktop::click(int x, int y, std::uint8_t button) {
   moveMouse(x, y);
-  buttonDown();
-  buttonUp();
+  buttonDown(button);
+  buttonUp(button);
 }
 
 void PrivateDesktop::drag(int fromX, int fromY, int toX, int toY) {

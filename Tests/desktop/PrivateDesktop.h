@@ -65,9 +65,9 @@ class PrivateDesktop {
   void keyDown(std::uint8_t evdevCode);
   void keyUp(std::uint8_t evdevCode);
   void moveMouse(int x, int y);
-  void buttonDown();
-  void buttonUp();
-  void click(int x, int y);
+  void buttonDown(std::uint8_t button = XCB_BUTTON_INDEX_1);
+  void buttonUp(std::uint8_t button = XCB_BUTTON_INDEX_1);
+  void click(int x, int y, std::uint8_t button = XCB_BUTTON_INDEX_1);
   void drag(int fromX, int fromY, int toX, int toY);
 
   /// Covers the screen with a picture of which no two neighbours are alike, in a window that the window
@@ -87,9 +87,9 @@ class PrivateDesktop {
   xcb_window_t focusedWindow() const;
   /// The top-level window that gets the mouse.
   xcb_window_t windowUnderMouse() const;
-  /// Whether nobody holds the mouse or the keyboard.
-  bool canGrabPointer() const;
-  bool canGrabKeyboard() const;
+  /// Whether nobody holds the mouse or the keyboard; whether both are held.
+  bool inputIsFree() const { return canGrabPointer() && canGrabKeyboard(); }
+  bool inputIsTaken() const { return !canGrabPointer() && !canGrabKeyboard(); }
   /// Whether some program holds the default shortcut: taking it is refused then. The server serves nobody
   /// else meanwhile, so that this try gets in no program's way.
   bool shortcutIsTaken() const;
@@ -116,6 +116,8 @@ class PrivateDesktop {
 
  private:
   void waitForWindowManager() const;
+  bool canGrabPointer() const;
+  bool canGrabKeyboard() const;
   void fake(std::uint8_t type, std::uint8_t detail, int x = 0, int y = 0);
   void sync() const;
   std::vector<std::uint32_t> pixels(int x, int y, int width, int height) const;

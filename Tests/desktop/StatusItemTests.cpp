@@ -214,11 +214,11 @@ TEST_F(StatusItemTest, StandsInWhateverTrayComesAndComesAgain) {
   const auto captures = [this] {
     const auto overlays = screen_.windowsOfClass("Lumiscan");
     return overlays.size() == 1 && screen_.geometryOf(overlays[0]).width == screen_.width() &&
-           !screen_.canGrabPointer();
+           screen_.inputIsTaken();
   };
   ASSERT_TRUE(waitFor(captures)) << "the first item";
   screen_.pressKeys({KEY_ESC});
-  ASSERT_TRUE(waitFor([this] { return windows() == 0 && screen_.canGrabPointer(); }));
+  ASSERT_TRUE(waitFor([this] { return windows() == 0 && screen_.inputIsFree(); }));
   chooseByMouse(1);
   EXPECT_EQ(program_->waitForEnd(processEvents), 0) << "quits by the last item";
 }
@@ -242,7 +242,7 @@ TEST_F(StatusItemTest, StandsInThePanelOfABusThatComesLateOrAgain) {
   };
   ASSERT_TRUE(waitFor(isTried));
   screen_.pressKeys({KEY_LEFTMETA, KEY_LEFTSHIFT, KEY_2});
-  ASSERT_TRUE(waitFor([this] { return windows() == 1 && !screen_.canGrabKeyboard(); })) << "not waited for";
+  ASSERT_TRUE(waitFor([this] { return windows() == 1 && screen_.inputIsTaken(); })) << "not waited for";
   screen_.pressKeys({KEY_ESC});
   ASSERT_TRUE(waitFor([this] { return windows() == 0; }));
   first.signal(SIGCONT);
