@@ -205,6 +205,16 @@ TEST_F(PreferencesFile, WaitsForAStoppedWriterOnceAndNotForLong) {
   close(held);
 }
 
+TEST_F(PreferencesFile, RemovesWhatAKilledWriterLeft) {
+  write("{}");
+  const fs::path unfinished = file_.string() + ".x7Yz0Q", another = file_.string() + ".kept";
+  std::ofstream(unfinished) << "{\"half";
+  std::ofstream(another) << "by hand";
+  desktop::FileUserDefaults(file_).setObject("flag", true);
+  EXPECT_FALSE(fs::exists(unfinished));
+  EXPECT_TRUE(fs::exists(another));
+}
+
 TEST_F(PreferencesFile, LosesNoKeyOfTwoWriters) {
   constexpr int writes = 50;
   const auto writeAll = [this](const std::string& prefix) {
