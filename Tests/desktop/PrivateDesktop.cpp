@@ -42,7 +42,7 @@ std::uint8_t keycode(std::uint8_t evdevCode) { return static_cast<std::uint8_t>(
 
 }  // namespace
 
-PrivateDesktop::PrivateDesktop(int width, int height) {
+PrivateDesktop::PrivateDesktop(int width, int height, int depth) {
   const std::string folder = home().string();
   unsetenv("WAYLAND_DISPLAY");
   setenv("NO_AT_BRIDGE", "1", 1);  // Whose bus outlives the programs that start it.
@@ -51,9 +51,10 @@ PrivateDesktop::PrivateDesktop(int width, int height) {
   for (const char* variable : {"HOME", "XDG_RUNTIME_DIR"}) setenv(variable, folder.c_str(), 1);
   setenv("XDG_CONFIG_HOME", (home() / "config").c_str(), 1);
 
-  server_ = Process::start({"Xvfb", "-displayfd", "1", "-screen", "0",
-                            std::to_string(width) + "x" + std::to_string(height) + "x24", "-noreset",
-                            "-nolisten", "tcp"});
+  server_ =
+      Process::start({"Xvfb", "-displayfd", "1", "-screen", "0",
+                      std::to_string(width) + "x" + std::to_string(height) + "x" + std::to_string(depth),
+                      "-noreset", "-nolisten", "tcp"});
   require(waitUntil([this] { return server_->standardOutput().ends_with('\n'); }), "no X server");
   std::string display = ":";
   display += server_->standardOutput();

@@ -28,8 +28,8 @@ std::unique_ptr<T, decltype(&std::free)> owned(T* reply) {
 /// Positions are in pixels, origin at the top left of the X screen, y downwards.
 class PrivateDesktop {
  public:
-  /// The size in pixels is that of the X screen.
-  explicit PrivateDesktop(int width = 1280, int height = 800);
+  /// The size in pixels is that of the X screen, the depth in bits that of its pixels.
+  explicit PrivateDesktop(int width = 1280, int height = 800, int depth = 24);
   ~PrivateDesktop();
   PrivateDesktop(const PrivateDesktop&) = delete;
   PrivateDesktop& operator=(const PrivateDesktop&) = delete;

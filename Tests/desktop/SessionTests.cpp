@@ -14,6 +14,7 @@
 #include "desktop/LinuxFixture.h"
 #include "output/ResultHUD.h"
 #include "platform/Display.h"
+#include "platform/linux/x11/Display.h"
 
 namespace lumiscan::testing {
 namespace {
@@ -343,6 +344,13 @@ TEST_P(SessionTest, SoakLeavesNothingBehind) {
   EXPECT_TRUE(waitFor([&] { return footprint().first - before.first < 2048; }))
       << footprint().first << " KiB, " << before.first << " before";
 #endif
+}
+
+TEST(Snapshot, OfAScreenWithOtherPixelsIsNone) {
+  const PrivateDesktop desktop(1280, 800, 16);
+  desktop::x11::X11Displays displays;
+  ASSERT_NE(displays.mainDisplayID(), 0U);
+  EXPECT_EQ(displays.createImage(displays.mainDisplayID()), std::nullopt);
 }
 
 INSTANTIATE_TEST_SUITE_P(, SessionTest, ::testing::Values("NoCompositor", "Compositor"),

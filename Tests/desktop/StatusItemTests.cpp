@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 #include <QDBusMessage>
 #include <QDBusVariant>
+#include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -206,8 +207,17 @@ TEST_F(StatusItemTest, StandsInWhateverTrayComesAndComesAgain) {
   ASSERT_TRUE(waitFor(isEmbedded)) << "found again";
   ASSERT_TRUE(panel_.start());
   ASSERT_TRUE(waitFor([&] { return !isEmbedded(); }));
+  // From now on that tray names the colour of its foreground, the first of four: red.
+  const std::uint32_t colors[12] = {0xFFFF, 0, 0};
+  xcb_change_property(screen_.x(), XCB_PROP_MODE_REPLACE, screen_.selectionOwner("_NET_SYSTEM_TRAY_S0"),
+                      screen_.atom("_NET_SYSTEM_TRAY_COLORS"), XCB_ATOM_CARDINAL, 32, 12, colors);
+  xcb_flush(screen_.x());
   busDaemon_.signal(SIGKILL);
   ASSERT_TRUE(waitFor(isEmbedded)) << "no panel without a bus";
+  EXPECT_TRUE(waitFor([this] {
+    const auto pixels = screen_.screenPixels();
+    return std::ranges::count(pixels, 0xFF0000U) > 20;
+  })) << "the icon's lines";
   EXPECT_EQ(logged("no tray on this desktop"), 1);
 
   chooseByMouse(0);
