@@ -61,6 +61,7 @@ benchmark_packages=(
 glyph_packages=(
   fonts-inconsolata fonts-anonymous-pro fonts-go fonts-freefont-ttf fonts-crosextra-carlito fonts-crosextra-caladea
   fonts-mononoki fonts-linuxlibertine fonts-urw-base35 fonts-fantasque-sans fonts-paratype fonts-agave fonts-terminus
+  fonts-texgyre fonts-sil-charis fonts-monoid fonts-noto-mono fonts-play fonts-mplus fonts-oxygen fonts-lmodern
   libopenblas0-pthread
 )
 

@@ -30,12 +30,11 @@ struct MouseEvent {
   static Point mouseLocation();
 };
 
+/// A press of a key, or a repeat of one that is held: those aren't told apart.
 struct KeyEvent {
   /// The physical key, or `keyCodeNone`.
   std::uint16_t keyCode = 0;
   ModifierFlags modifierFlags = 0;
-  /// Whether this is the repeat of a held key.
-  bool isARepeat = false;
 };
 
 }  // namespace lumiscan::platform

@@ -6,12 +6,14 @@
 #include <QDBusMessage>
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
+#include <QTimer>
 #include <atomic>
 #include <csignal>
 #include <memory>
 
 #include "desktop/LinuxFixture.h"
 #include "desktop/Servers.h"
+#include "desktop/TrayPanel.h"
 #include "platform/Appearance.h"
 #include "platform/linux/Appearance.h"
 
@@ -22,57 +24,167 @@ const QString path = "/org/freedesktop/portal/desktop";
 const QString interface = "org.freedesktop.portal.Settings";
 const QString space = "org.freedesktop.appearance";
 
-/// Answers what a portal answers: a number in a variant in a variant.
+/// Answers what a portal answers: a number in a variant in a variant. With it ends the program's connection.
 class Portal : public QDBusVirtualObject {
  public:
+  explicit Portal(const std::string& address)
+      : bus_(QDBusConnection::connectToBus(QString::fromStdString(address), "portal")) {
+    EXPECT_TRUE(bus_.registerVirtualObject(path, this));
+    EXPECT_TRUE(bus_.registerService("org.freedesktop.portal.Desktop"));
+  }
+  ~Portal() override {
+    for (const char* side : {"portal", "program"}) QDBusConnection::disconnectFromBus(side);
+  }
+  Portal(const Portal&) = delete;
+  Portal& operator=(const Portal&) = delete;
+
   QString introspect(const QString&) const override { return {}; }
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
     EXPECT_EQ(message.interface(), interface);
     EXPECT_EQ(message.arguments(), (QVariantList{space, "color-scheme"}));
+    ++questions;
     const QDBusVariant value(QVariant::fromValue(QDBusVariant(scheme.load())));
     return connection.send(message.createReply(QVariant::fromValue(value)));
   }
+  /// Tells of a change of one of its settings, as number, to whom it may concern.
+  void tell(const QString& key, unsigned value) {
+    QDBusMessage signal = QDBusMessage::createSignal(path, interface, "SettingChanged");
+    signal << space << key << QVariant::fromValue(QDBusVariant(value));
+    send(signal);
+  }
+  void send(const QDBusMessage& signal) { EXPECT_TRUE(bus_.send(signal)); }
   std::atomic<unsigned> scheme = 1;
+  std::atomic<int> questions = 0;
+
+ private:
+  QDBusConnection bus_;
 };
+
+constexpr unsigned dark = 1;
+constexpr unsigned light = 2;
 
 TEST(Appearance, FollowsThePortalAndElseThePalette) {
   const LinuxFixture desktop;
   EXPECT_FALSE(platform::Appearance::current().isDark) << "no portal and a light palette";
 
-  Portal portal;
-  const auto busWithPortal = [&portal] {
-    auto bus = std::make_unique<PrivateBus>();
-    const QString address = QString::fromStdString(bus->address());
-    auto portalSide = QDBusConnection::connectToBus(address, "portal at " + address);
-    EXPECT_TRUE(portalSide.registerVirtualObject(path, &portal));
-    EXPECT_TRUE(portalSide.registerService("org.freedesktop.portal.Desktop"));
-    return bus;
-  };
-  auto bus = busWithPortal();
-  desktop::ColorScheme scheme([&bus] {
-    const QString address = QString::fromStdString(bus->address());
-    return QDBusConnection::connectToBus(address, address);
-  });
-  const auto becomes = [&scheme](bool dark) {
-    return LinuxFixture::waitFor([&] { return scheme.isDark() == dark; });
+  const PrivateBus bus;
+  Portal portal(bus.address());
+  desktop::ColorScheme scheme(
+      QDBusConnection::connectToBus(QString::fromStdString(bus.address()), "program"));
+  const auto becomes = [&scheme](bool isDark) {
+    return LinuxFixture::waitFor([&] { return scheme.isDark() == isDark; });
   };
   int changes = 0;
-  scheme.changed = [&changes] { ++changes; };
+  QObject::connect(&scheme, &desktop::ColorScheme::changed, [&changes] { ++changes; });
   EXPECT_FALSE(scheme.isDark()) << "not yet answered: the palette's";
   EXPECT_TRUE(becomes(true));
-  portal.scheme = 2;
+  portal.scheme = light;
   EXPECT_TRUE(becomes(false));
-  portal.scheme = 1;
+  portal.scheme = dark;
   EXPECT_TRUE(becomes(true));
   portal.scheme = 0;
   EXPECT_TRUE(becomes(false)) << "no preference: the palette's";
   EXPECT_EQ(changes, 4);
+}
 
+TEST(Appearance, HearsOfAChangeWithoutAsking) {
+  const LinuxFixture desktop;
+  const PrivateBus bus;
+  Portal portal(bus.address());
+  desktop::ColorScheme scheme(
+      QDBusConnection::connectToBus(QString::fromStdString(bus.address()), "program"));
+  int changes = 0;
+  QObject::connect(&scheme, &desktop::ColorScheme::changed, [&changes] { ++changes; });
+  ASSERT_TRUE(LinuxFixture::waitFor([&] { return changes == 1; })) << "the first answer";
+
+  portal.tell("color-scheme", light);
+  EXPECT_TRUE(LinuxFixture::waitFor([&] { return changes == 2; }));
+  QTimer lastCame;
+  ASSERT_TRUE(QDBusConnection("program").connect({}, path, interface, "Last", &lastCame, SLOT(start())));
+  portal.tell("contrast", dark);
+  portal.tell("color-scheme", light);
+  portal.send(QDBusMessage::createSignal(path, interface, "Last"));
+  EXPECT_TRUE(LinuxFixture::waitFor([&] { return lastCame.isActive(); }));
+  EXPECT_EQ(changes, 2) << "another setting and the same choice change nothing";
+  portal.tell("color-scheme", dark);
+  EXPECT_TRUE(LinuxFixture::waitFor([&] { return changes == 3; }));
+  EXPECT_EQ(portal.questions, 1);
+  EXPECT_TRUE(scheme.isDark());
+}
+
+TEST(Appearance, GoesByTheNextBusWhenOneEndsWithAQuestionOpen) {
+  const LinuxFixture desktop;
+  auto bus = std::make_unique<PrivateBus>();
+  auto portal = std::make_unique<Portal>(bus->address());
+  const auto connection = [&bus] {
+    return QDBusConnection::connectToBus(QString::fromStdString(bus->address()), "program");
+  };
+  desktop::ColorScheme scheme(connection());
+  ASSERT_TRUE(LinuxFixture::waitFor([&] { return portal->questions == 1; }));
   bus->signal(SIGSTOP);
-  EXPECT_FALSE(scheme.isDark()) << "asks a bus that never answers";
-  bus = busWithPortal();
-  portal.scheme = 1;
-  EXPECT_TRUE(becomes(true)) << "the next one does";
+  scheme.isDark();
+  bus = nullptr;
+  portal = nullptr;
+
+  bus = std::make_unique<PrivateBus>();
+  portal = std::make_unique<Portal>(bus->address());
+  portal->scheme = light;
+  scheme.useBus(connection());
+  EXPECT_TRUE(LinuxFixture::waitFor([&] { return !scheme.isDark() && portal->questions > 0; }));
+  portal->scheme = dark;
+  EXPECT_TRUE(LinuxFixture::waitFor([&] { return scheme.isDark(); }));
+}
+
+TEST(Appearance, TheIconAndAnOpenWindowFollowAtOnce) {
+  const PrivateDesktop screen;
+  const PrivateBus bus;
+  setenv("DBUS_SESSION_BUS_ADDRESS", bus.address().c_str(), 1);
+  char name[] = "test";
+  char* argv[] = {name, nullptr};
+  int argc = 1;
+  const QCoreApplication application(argc, argv);
+  const auto waitFor = [](const std::function<bool()>& condition) {
+    return waitUntil(condition, [] { QCoreApplication::processEvents(QEventLoop::AllEvents, 5); });
+  };
+  Portal portal(bus.address());
+  portal.scheme = light;
+  TrayPanel panel(bus.address());
+  ASSERT_TRUE(panel.start());
+  const Process program({LUMISCAN_PROGRAM});
+  ASSERT_TRUE(waitFor([&] { return !panel.item().isEmpty(); }));
+
+  const auto iconIsLight = [&] {
+    const auto reply = panel.call("/StatusNotifierItem", "org.freedesktop.DBus.Properties", "Get",
+                                  {"org.kde.StatusNotifierItem", "IconPixmap"});
+    const auto pixmaps = qdbus_cast<QList<desktop::statusnotifier::Pixmap>>(
+        reply.arguments().value(0).value<QDBusVariant>().variant());
+    if (pixmaps.isEmpty()) return std::optional<bool>();
+    const QByteArray& bytes = pixmaps.last().bytes;
+    int balance = 0;
+    for (qsizetype i = 0; i + 3 < bytes.size(); i += 4)
+      if (bytes[i] == '\xFF') balance += static_cast<unsigned char>(bytes[i + 1]) > 0x80 ? 1 : -1;
+    return std::optional(balance > 0);
+  };
+  ASSERT_TRUE(waitFor([&] { return iconIsLight() == false; })) << "dark ink for a light panel";
+  panel.click(idOf(panel.layout(), "Settings…").value());
+  const auto windowIsDark = [&] {
+    if (screen.windowsOfClass("Lumiscan").size() != 1) return std::optional<bool>();
+    // Left of what is in the window, which is in the middle of the screen.
+    return std::optional((screen.pixelAt(screen.width() / 2 - 250, screen.height() / 2) & 0xFF) < 0x50);
+  };
+  ASSERT_TRUE(waitFor([&] { return windowIsDark() == false; }));
+
+  QTimer iconAnnounced;
+  panel.bus().connect(panel.item(), "/StatusNotifierItem", "org.kde.StatusNotifierItem", "NewIcon",
+                      &iconAnnounced, SLOT(start()));
+  for (const unsigned scheme : {dark, light, dark}) {
+    iconAnnounced.stop();
+    portal.scheme = scheme;
+    portal.tell("color-scheme", scheme);
+    EXPECT_TRUE(waitFor([&] { return windowIsDark() == (scheme == dark); })) << scheme;
+    EXPECT_TRUE(waitFor([&] { return iconAnnounced.isActive(); })) << scheme;
+    EXPECT_EQ(iconIsLight(), scheme == dark);
+  }
 }
 
 }  // namespace

@@ -155,6 +155,43 @@ TEST_F(StatusItemTest, APanelReadsAndChoosesOverTheBus) {
   EXPECT_EQ(program_->waitForEnd(processEvents), 0) << "the box keeps nobody";
 }
 
+TEST_F(StatusItemTest, TheAboutBoxComesBeforeTheSettingsWindow) {
+  const auto settingsHaveKeys = [this] {
+    for (int i = 0; i < 3; ++i) screen_.pressKeys({KEY_TAB});
+    screen_.pressKeys({KEY_SPACE});
+    return waitFor([this] { return lines(panel_.layout()).at(7) == "✓ Additive Clipboard"; });
+  };
+  ASSERT_TRUE(panel_.start());
+  startProgram();
+  ASSERT_TRUE(isInPanel());
+  click("About Lumiscan");
+  xcb_window_t box = XCB_WINDOW_NONE;
+  const auto boxHasFocus = [&] { return screen_.focusedWindow() == box; };
+  ASSERT_TRUE(waitFor([&] {
+    const auto shown = screen_.windowsOfClass("Lumiscan");
+    if (shown.size() == 1) box = shown.front();
+    return box != XCB_WINDOW_NONE && boxHasFocus();
+  }));
+
+  // The user goes on elsewhere.
+  const Process other({"xterm", "-geometry", "140x55"});
+  ASSERT_TRUE(waitFor([&] { return screen_.windowsOfClass("XTerm").size() == 1 && !boxHasFocus(); }));
+  screen_.pressKeys({KEY_A});
+  click("About Lumiscan");
+  EXPECT_TRUE(waitFor(boxHasFocus)) << "the box that is open";
+  screen_.click(10, screen_.height() / 2);
+  screen_.pressKeys({KEY_A});
+  ASSERT_TRUE(waitFor([&] { return !boxHasFocus(); }));
+  click("Settings…");
+  ASSERT_TRUE(waitFor([&] { return windows() == 2 && boxHasFocus(); }));
+  screen_.pressKeys({KEY_ENTER});
+  ASSERT_TRUE(waitFor([this] {
+    const auto shown = screen_.windowsOfClass("Lumiscan");
+    return shown.size() == 1 && screen_.focusedWindow() == shown.front();
+  }));
+  EXPECT_TRUE(settingsHaveKeys());
+}
+
 TEST_F(StatusItemTest, StandsInWhateverTrayComesAndComesAgain) {
   constexpr int side = 24;  // Of the embedding tray at the top right.
   const auto startTray = [] {

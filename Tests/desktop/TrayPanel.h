@@ -24,6 +24,8 @@ class TrayPanel : public QDBusVirtualObject {
   /// The bus name of the item that came last; empty before.
   const QString& item() const { return item_; }
 
+  QDBusConnection bus() const { return bus_; }
+
   // Of that item; these wait for its program. What fails comes as an error message, or empty.
   QDBusMessage call(const QString& path, const QString& interface, const QString& member,
                     const QVariantList& arguments);

@@ -91,7 +91,7 @@ TEST(TextRecognizer, ReadsSignsWhereTheEngineAloneReadsLetters) {
                                        "-38.5",
                                        "@__index__"};
   const std::vector<std::string> longStrings{"def twice(number):", "\"\"\"", "return 2 * number", "'''"};
-  const std::vector<std::string> manyMarks{"-a|--all) keep=1", ";;", "'-s'|'--size')", "--",
+  const std::vector<std::string> manyMarks{"-a|--all) keep=1",   ";;", "'-s'|'--size')", "--",
                                            "\"test\": \"tap\",", ";;"};
   for (const auto& code : {signs, longStrings, manyMarks})
     for (const double size : {14.0, 18.0, 22.0})
@@ -99,8 +99,9 @@ TEST(TextRecognizer, ReadsSignsWhereTheEngineAloneReadsLetters) {
 }
 
 TEST(TextRecognizer, ReadsSpacesByTheirWidthAndDashesByTheirStrokes) {
-  const std::vector<std::string> text{"I came, I saw -- and one when he", "was a boy. (8) Ln 12, Col 8",
-                                      "Move to Trash at 9:05 PM today"};
+  const std::vector<std::string> text{
+      "I came, I saw -- and one when he", "was a boy. (8) Ln 12, Col 8", "Move to Trash at 9:05 PM today",
+      "Run `make all` in ~/notes -- or `make`", "The 'first' [link](#page) is \"here\""};
   for (const double size : {12.0, 15.0, 20.0})
     EXPECT_THAT(linesOf(pictureOf(text, {size})), ElementsAreArray(text)) << size;
 }

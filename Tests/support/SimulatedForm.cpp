@@ -119,7 +119,7 @@ void SimulatedForm::press(const std::string& button) {
 
 void SimulatedForm::pressKey(const std::string& fieldLabel, std::uint16_t keyCode, ModifierFlags modifiers) {
   const auto field = fields_.at(fieldLabel).view;
-  desktop_.dispatcher().handleEvent([&] { field->keyDown({keyCode, modifiers, false}); });
+  desktop_.dispatcher().handleEvent([&] { field->keyDown({keyCode, modifiers}); });
   desktop_.runMainQueue();
 }
 

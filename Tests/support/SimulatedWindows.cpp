@@ -118,7 +118,7 @@ void SimulatedWindows::dragMouse(Point from, Point to) {
 
 void SimulatedWindows::keyDown(std::uint16_t keyCode, platform::ModifierFlags modifiers) {
   dispatcher_.handleEvent([&] {
-    if (keyWindow_) keyWindow_->sendKeyDown({keyCode, modifiers, false});
+    if (keyWindow_) keyWindow_->sendKeyDown({keyCode, modifiers});
   });
 }
 

@@ -245,8 +245,8 @@ TEST_F(SettingsWindowTest, FieldsRecordAcceptableCombinations) {
 TEST_F(SettingsWindowTest, FieldsRefuseOtherKeysWithABeep) {
   open();
   for (const platform::KeyEvent& key :
-       {platform::KeyEvent{0, 0, false}, platform::KeyEvent{0, modifierShift | modifierCapsLock, false},
-        platform::KeyEvent{platform::keyCodeNone, modifierCommand, false}}) {
+       {platform::KeyEvent{0, 0}, platform::KeyEvent{0, modifierShift | modifierCapsLock},
+        platform::KeyEvent{platform::keyCodeNone, modifierCommand}}) {
     form->pressKey("Stop Speaking", key.keyCode, key.modifierFlags);
     EXPECT_THAT(desktop.effects().take(), ElementsAre("beep"));
   }

@@ -5,7 +5,9 @@
 #include <QTextDocument>
 
 #include "platform/linux/StatusIcon.h"
+#include "platform/linux/ToolkitConnection.h"
 #include "platform/linux/form/FormPalette.h"
+#include "platform/linux/x11/Activation.h"
 
 namespace lumiscan::desktop {
 
@@ -32,18 +34,21 @@ void QtAlerts::runModal(const platform::Alert& alert) {
   const QString message =
       QStringLiteral("<big><b>%1</b></big>").arg(QString::fromStdString(alert.messageText).toHtmlEscaped());
   if (open_ && open_->text() == message) {
-    open_->raise();
-    open_->activateWindow();
+    x11::activate(toolkitConnection(), static_cast<xcb_window_t>(open_->winId()));
     return;
   }
   QMessageBox box;
   open_ = &box;
-  box.setPalette(formPalette(prefersDark_()));
   box.setWindowTitle(QCoreApplication::applicationName());
   box.setTextFormat(Qt::RichText);
   box.setText(message);
   box.setInformativeText(literal(QString::fromStdString(alert.informativeText)));
-  box.setIconPixmap(icon(box));
+  const auto followColorScheme = [&] {
+    box.setPalette(formPalette(colorScheme_.isDark()));
+    box.setIconPixmap(icon(box));
+  };
+  followColorScheme();
+  QObject::connect(&colorScheme_, &ColorScheme::changed, &box, followColorScheme);
   box.setWindowIcon(box.iconPixmap());
   box.setStandardButtons(QMessageBox::Ok);
   box.button(QMessageBox::Ok)->setIcon({});

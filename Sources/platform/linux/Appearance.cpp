@@ -1,6 +1,5 @@
 #include "platform/linux/Appearance.h"
 
-#include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
@@ -28,24 +27,39 @@ std::optional<bool> prefersDark(QVariant value) {
 
 }  // namespace
 
-ColorScheme::ColorScheme(std::function<QDBusConnection()> sessionBus) : sessionBus_(std::move(sessionBus)) {
+ColorScheme::ColorScheme(QDBusConnection bus) : bus_(std::move(bus)) { followPortal(); }
+
+void ColorScheme::useBus(QDBusConnection bus) {
+  bus_ = std::move(bus);
+  followPortal();
+}
+
+void ColorScheme::followPortal() {
+  // From whomever, since to name the sender would mean to wait for the bus to find it.
+  bus_.connect({}, path, interface, QStringLiteral("SettingChanged"), {space, key}, QStringLiteral("ssv"),
+               this, SLOT(settingChanged(QDBusMessage)));
   askPortal();
 }
 
+void ColorScheme::settingChanged(const QDBusMessage& signal) {
+  settle(prefersDark(signal.arguments().value(2)));
+}
+
+void ColorScheme::settle(std::optional<bool> preferred) {
+  if (std::exchange(preferred_, preferred) != preferred) emit changed();
+}
+
 void ColorScheme::askPortal() {
-  const QDBusConnection bus = sessionBus_();
-  if (isAsking_ || !bus.isConnected()) return;
+  if (isAsking_ || !bus_.isConnected()) return;
   QDBusMessage question = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("Read"));
   question << space << key;
-  auto* answer = new QDBusPendingCallWatcher(bus.asyncCall(question), &context_);
+  auto* answer = new QDBusPendingCallWatcher(bus_.asyncCall(question), this);
   isAsking_ = true;
-  QObject::connect(answer, &QDBusPendingCallWatcher::finished, &context_, [this, answer] {
+  QObject::connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
     isAsking_ = false;
     const QDBusPendingReply<QDBusVariant> reply = *answer;
-    const auto before = std::exchange(
-        preferred_, reply.isError() ? std::nullopt : prefersDark(QVariant::fromValue(reply.value())));
     answer->deleteLater();
-    if (preferred_ != before && changed) changed();
+    settle(reply.isError() ? std::nullopt : prefersDark(QVariant::fromValue(reply.value())));
   });
 }
 

@@ -109,6 +109,8 @@ struct Interactive {
         displays(allDisplays),
         panels(toolkitConnection(), displays),
         overlays(toolkitConnection(), displays, panels) {
+    QObject::connect(&sessionBus, &SessionBus::changed, &colorScheme,
+                     [this] { colorScheme.useBus(sessionBus.connection()); });
     panels.beforeShowing = [this] { overlays.freezeAll(); };
     displays.setStage(&panels);
     followToolkitScreens(displays, overlays, screenFollower);
@@ -125,10 +127,9 @@ struct Interactive {
   CanberraSounds sounds;
   QtTypesetter typesetter;
   SessionBus sessionBus;
-  ColorScheme colorScheme{[this] { return sessionBus.connection(); }};
-  std::function<bool()> prefersDark = [this] { return colorScheme.isDark(); };
-  TrayStatusBar statusBar{sessionBus, prefersDark};
-  QtAlerts alerts{prefersDark};
+  ColorScheme colorScheme{sessionBus.connection()};
+  TrayStatusBar statusBar{sessionBus, colorScheme};
+  QtAlerts alerts{colorScheme};
   PanelFreeDisplays& displays;
   PanelStage panels;
   OverlaySession overlays;

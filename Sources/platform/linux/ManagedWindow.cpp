@@ -46,13 +46,10 @@ ManagedWindow::ManagedWindow(platform::Window& window, ColorScheme& colorScheme)
   const QSize content = toolkitSize(window.frame().size);
   setFixedSize(content.expandedTo(toolkitSize(content_.form().minimumSize)));
   content_.formChanged = [this] { form_.update(content_.form()); };
-  colorScheme_.changed = [this] { followColorScheme(); };
+  connect(&colorScheme_, &ColorScheme::changed, this, [this] { followColorScheme(); });
 }
 
-ManagedWindow::~ManagedWindow() {
-  content_.formChanged = nullptr;
-  colorScheme_.changed = nullptr;
-}
+ManagedWindow::~ManagedWindow() { content_.formChanged = nullptr; }
 
 void ManagedWindow::placeOnScreen() {
   const platform::Rect& frame = window_.frame();

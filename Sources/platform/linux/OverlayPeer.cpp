@@ -156,7 +156,7 @@ void OverlayPeer::keyPressed(const xcb_key_press_event_t& event) {
   const auto key = x11::virtualKeyCode(event.detail);
   const auto modifiers = x11::ModifierMap::read(session_.connection()).flags(event.state);
   if (const auto window = window_.weak_from_this().lock())
-    window->sendKeyDown({key.value_or(platform::keyCodeNone), modifiers, false});
+    window->sendKeyDown({key.value_or(platform::keyCodeNone), modifiers});
 }
 
 void OverlayPeer::invalidate(const platform::Rect& rect) {

@@ -34,7 +34,7 @@ QPoint besideIcon(const QRect& icon) {
 
 class TrayItem : public platform::StatusItem {
  public:
-  TrayItem(SessionBus& bus, const std::function<bool()>& prefersDark) : bus_(bus), prefersDark_(prefersDark) {
+  TrayItem(SessionBus& bus, ColorScheme& colorScheme) : bus_(bus), colorScheme_(colorScheme) {
     offerOverTheBus();
     QObject::connect(&bus_, &SessionBus::changed, &context_, [this] { offerOverTheBus(); });
     window_.trayChanged = [this] { choosePlace(); };
@@ -64,7 +64,7 @@ class TrayItem : public platform::StatusItem {
  private:
   /// Anew for each bus.
   void offerOverTheBus() {
-    notifierItem_ = std::make_unique<statusnotifier::Item>(bus_.connection(), prefersDark_);
+    notifierItem_ = std::make_unique<statusnotifier::Item>(bus_.connection(), colorScheme_);
     QObject::connect(notifierItem_.get(), &statusnotifier::Item::changed, &context_,
                      [this] { choosePlace(); });
     QObject::connect(notifierItem_.get(), &statusnotifier::Item::activated, &context_,
@@ -90,7 +90,7 @@ class TrayItem : public platform::StatusItem {
 
   void openMenu(const QPoint& position) {
     hover(false);
-    popup_.popUp(menu_, position, prefersDark_());
+    popup_.popUp(menu_, position, colorScheme_.isDark());
   }
 
   void hover(bool inside) {
@@ -102,7 +102,7 @@ class TrayItem : public platform::StatusItem {
   }
 
   SessionBus& bus_;
-  std::function<bool()> prefersDark_;
+  ColorScheme& colorScheme_;
   QObject context_;
   QTimer toolTipTimer_;
   platform::StatusItemButton button_;
@@ -117,7 +117,7 @@ class TrayItem : public platform::StatusItem {
 
 std::unique_ptr<platform::StatusItem> TrayStatusBar::statusItem(double) {
   // How long an item is, is a matter of the panel here: all are square.
-  return std::make_unique<TrayItem>(bus_, prefersDark_);
+  return std::make_unique<TrayItem>(bus_, colorScheme_);
 }
 
 std::optional<platform::SymbolImage> TrayStatusBar::symbolImage(std::string_view name,

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string_view>
 
 #include "platform/StatusBar.h"
+#include "platform/linux/Appearance.h"
 
 namespace lumiscan::desktop {
 
@@ -15,9 +15,8 @@ class SessionBus;
 /// Made after the application object.
 class TrayStatusBar : public platform::StatusBar {
  public:
-  /// `prefersDark` tells what colours the user prefers. Both outlive the bar's items.
-  TrayStatusBar(SessionBus& bus, std::function<bool()> prefersDark)
-      : bus_(bus), prefersDark_(std::move(prefersDark)) {}
+  /// Both outlive the bar's items.
+  TrayStatusBar(SessionBus& bus, ColorScheme& colorScheme) : bus_(bus), colorScheme_(colorScheme) {}
 
   std::unique_ptr<platform::StatusItem> statusItem(double length) override;
   std::optional<platform::SymbolImage> symbolImage(std::string_view name,
@@ -25,7 +24,7 @@ class TrayStatusBar : public platform::StatusBar {
 
  private:
   SessionBus& bus_;
-  std::function<bool()> prefersDark_;
+  ColorScheme& colorScheme_;
 };
 
 }  // namespace lumiscan::desktop

@@ -40,8 +40,7 @@ bool isModifier(int key) {
 platform::KeyEvent keyEvent(const QKeyEvent& event) {
   const auto key = x11::virtualKeyCode(static_cast<xcb_keycode_t>(event.nativeScanCode()));
   const auto modifiers = static_cast<std::uint16_t>(event.nativeModifiers());
-  return {key.value_or(platform::keyCodeNone), x11::ModifierMap::read(toolkitConnection()).flags(modifiers),
-          event.isAutoRepeat()};
+  return {key.value_or(platform::keyCodeNone), x11::ModifierMap::read(toolkitConnection()).flags(modifiers)};
 }
 
 }  // namespace

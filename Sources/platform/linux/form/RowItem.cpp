@@ -22,6 +22,11 @@ void RowItem::Button::show(const platform::Button& button) {
   action_ = button.action;
 }
 
+QSize RowItem::Button::sizeHint() const {
+  constexpr int room = 8;  // Points, at each side: the toolkit leaves hardly any beside longer titles.
+  return QPushButton::sizeHint() + QSize(2 * room, 0);
+}
+
 RowItem::RowItem(const platform::Row& row) : identity_(row.identity) {
   auto* layout = new QHBoxLayout(this);
   for (const platform::Row::Item& item : row.items) {

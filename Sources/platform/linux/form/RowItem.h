@@ -18,6 +18,7 @@ class RowItem : public FormItem {
    public:
     explicit Button(const platform::Button& button);
     void show(const platform::Button& button);
+    QSize sizeHint() const override;
 
    private:
     std::function<void()> action_;

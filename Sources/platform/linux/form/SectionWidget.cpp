@@ -1,6 +1,7 @@
 #include "platform/linux/form/SectionWidget.h"
 
 #include <QPainter>
+#include <cmath>
 #include <utility>
 
 #include "platform/linux/form/FormPalette.h"
@@ -29,6 +30,8 @@ void SectionWidget::Group::paintEvent(QPaintEvent*) {
   painter.setBrush(groupColor(palette()));
   painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), corner, corner);
   painter.setRenderHint(QPainter::Antialiasing, false);
+  // Of whole pixels, or at a scale between two whole ones some would be thicker than others.
+  painter.setPen(QPen(separatorColor(palette()), std::floor(devicePixelRatioF()) / devicePixelRatioF()));
   for (int i = 1; i < layout()->count(); ++i) {
     const int y = layout()->itemAt(i)->geometry().top();
     painter.drawLine(itemMargin, y, width() - itemMargin - 1, y);

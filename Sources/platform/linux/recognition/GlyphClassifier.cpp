@@ -63,27 +63,27 @@ const GlyphClassifier& GlyphClassifier::shared() {
 
 GlyphClassifier::GlyphClassifier(std::span<const std::byte> model) {
   constexpr std::size_t signature = 4;
-  constexpr std::size_t layerCount = 3;
   Reader reader(model.subspan(signature));
-  characters_ = reader.take<std::uint32_t>(reader.take<std::uint32_t>(1).front());
-  for (std::size_t i = 0; i < layerCount; ++i) {
-    const std::vector<std::uint32_t> size = reader.take<std::uint32_t>(2);
-    Layer layer{size[0], size[1], {}, {}};
-    const std::vector<float> factors = reader.take<float>(layer.outputs);
-    layer.biases = reader.take<float>(layer.outputs);
-    const std::vector<std::int8_t> bytes = reader.take<std::int8_t>(layer.inputs * layer.outputs);
-    layer.weights.resize(bytes.size());
-    for (std::size_t k = 0; k < bytes.size(); ++k)
-      layer.weights[k] = static_cast<float>(bytes[k]) * factors[k % layer.outputs];
-    layers_.push_back(std::move(layer));
+  const std::vector<std::uint32_t> counts = reader.take<std::uint32_t>(3);
+  characters_ = reader.take<std::uint32_t>(counts[0]);
+  networks_.resize(counts[1]);
+  for (Network& network : networks_) {
+    for (std::uint32_t i = 0; i < counts[2]; ++i) {
+      const std::vector<std::uint32_t> size = reader.take<std::uint32_t>(2);
+      Layer layer{size[0], size[1], {}, {}};
+      const std::vector<float> factors = reader.take<float>(layer.outputs);
+      layer.biases = reader.take<float>(layer.outputs);
+      const std::vector<std::int8_t> bytes = reader.take<std::int8_t>(layer.inputs * layer.outputs);
+      layer.weights.resize(bytes.size());
+      for (std::size_t k = 0; k < bytes.size(); ++k)
+        layer.weights[k] = static_cast<float>(bytes[k]) * factors[k % layer.outputs];
+      network.push_back(std::move(layer));
+    }
   }
 }
 
-Classification GlyphClassifier::classify(const GlyphShape& shape) const {
-  std::vector<float> values(shape.inputs.size());
-  std::transform(shape.inputs.begin(), shape.inputs.end(), values.begin(),
-                 [](std::uint8_t input) { return static_cast<float>(input) / 255.0F; });
-  for (const Layer& layer : layers_) {
+std::vector<float> GlyphClassifier::probabilities(const Network& network, std::vector<float> values) {
+  for (const Layer& layer : network) {
     std::vector<float> sums = layer.biases;
     for (std::size_t i = 0; i < layer.inputs; ++i) {
       const float value = values[i];
@@ -97,7 +97,19 @@ Classification GlyphClassifier::classify(const GlyphShape& shape) const {
   float total = 0;
   for (float& value : values) total += value = std::exp(value - most);
   for (float& value : values) value /= total;
-  return {characters_, std::move(values)};
+  return values;
+}
+
+Classification GlyphClassifier::classify(const GlyphShape& shape) const {
+  std::vector<float> inputs(shape.inputs.size());
+  std::transform(shape.inputs.begin(), shape.inputs.end(), inputs.begin(),
+                 [](std::uint8_t input) { return static_cast<float>(input) / 255.0F; });
+  std::vector<float> mean(characters_.size());
+  for (const Network& network : networks_) {
+    const std::vector<float> each = probabilities(network, inputs);
+    for (std::size_t i = 0; i < mean.size(); ++i) mean[i] += each[i] / static_cast<float>(networks_.size());
+  }
+  return {characters_, std::move(mean)};
 }
 
 bool isSurelySign(const Classification& shape) {

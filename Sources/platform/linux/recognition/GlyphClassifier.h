@@ -36,7 +36,8 @@ class Classification {
 bool isSurelySign(const Classification& shape);
 
 /// Tells single characters by their shape alone: the signs of source code and lone letters, of which the
-/// engine's models have seen little. A small network whose weights are part of the program. Any thread.
+/// engine's models have seen little. A few small networks, whose weights are part of the program: where they
+/// differ, neither is sure, so that what the engine read stands. Any thread.
 class GlyphClassifier {
  public:
   static const GlyphClassifier& shared();
@@ -51,10 +52,13 @@ class GlyphClassifier {
     std::vector<float> biases;
   };
 
+  using Network = std::vector<Layer>;
+
   explicit GlyphClassifier(std::span<const std::byte> model);
+  static std::vector<float> probabilities(const Network& network, std::vector<float> inputs);
 
   std::vector<std::uint32_t> characters_;
-  std::vector<Layer> layers_;
+  std::vector<Network> networks_;
 };
 
 }  // namespace lumiscan::desktop

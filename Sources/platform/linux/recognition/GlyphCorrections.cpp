@@ -34,6 +34,19 @@ double underscoreWidth(const std::vector<Symbol>& symbols, const TextLine& line)
   return heights.empty() ? 1.05 * line.letterHeight : 0.93 * levelAt(std::move(heights), 0.5);
 }
 
+/// Whether there is ink nearly everywhere in a box, as there is in that of hyphens that touch; a tilde leaves
+/// half of it free.
+bool isFilled(const PixelBox& box, const GreyBitmap& ink) {
+  int sum = 0;
+  int most = 0;
+  for (int y = box.top; y <= box.bottom; ++y)
+    for (int x = box.left; x <= box.right; ++x) {
+      sum += ink.at(x, y);
+      most = std::max<int>(most, ink.at(x, y));
+    }
+  return 100 * sum >= 72 * most * box.width() * (box.bottom - box.top + 1);
+}
+
 Symbol underscores(const Glyph& glyph, double width, bool spaceBefore) {
   const auto count = std::max(1L, std::lround(glyph.width() / width));
   return {std::string(static_cast<std::size_t>(count), '_'), spaceBefore, glyph.box, 100, true, true};
@@ -88,7 +101,8 @@ void insertUnderscores(std::vector<Symbol>& symbols, const std::vector<Glyph>& t
 void correctDashes(std::vector<Symbol>& symbols, const GreyBitmap& ink, const TextLine& line) {
   constexpr std::string_view dashes[] = {"-", "–", "—"};
   for (Symbol& symbol : symbols) {
-    const bool isDash = std::find(std::begin(dashes), std::end(dashes), symbol.text) != std::end(dashes);
+    const bool isDash = std::find(std::begin(dashes), std::end(dashes), symbol.text) != std::end(dashes) ||
+                        (symbol.text == "~" && isFilled(symbol.box, ink));
     const bool isFlat = 4 * (symbol.box.bottom - symbol.box.top + 1) <= line.letterHeight + 4;
     if (!isDash || !isFlat || !symbol.hasOwnInk) continue;
     const std::size_t strokes = strokesAlong(ink, symbol.box).size();
@@ -104,7 +118,9 @@ void correctHexadecimals(std::vector<Symbol>& symbols) {
   };
   for (std::size_t i = 0; i + 2 < symbols.size(); ++i) {
     const bool starts = i == 0 || symbols[i].spaceBefore || !isWordCharacter(symbols[i - 1]);
-    if (starts && symbols[i].text == "O" && symbols[i + 1].text == "x" && !symbols[i + 1].spaceBefore &&
+    // Some fonts have a dot or a stroke in their zero.
+    const bool isZero = symbols[i].text == "O" || symbols[i].text == "@";
+    if (starts && isZero && symbols[i + 1].text == "x" && !symbols[i + 1].spaceBefore &&
         isHexadecimal(symbols[i + 2]) && !symbols[i + 2].spaceBefore)
       symbols[i].text = "0";
   }

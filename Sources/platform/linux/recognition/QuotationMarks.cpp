@@ -6,6 +6,7 @@
 #include <cmath>
 #include <iterator>
 #include <string_view>
+#include <utility>
 
 #include "platform/linux/recognition/LineShapes.h"
 #include "platform/linux/recognition/Strokes.h"
@@ -49,48 +50,151 @@ struct QuoteMark {
   bool straight;
 };
 
-/// Straight marks stand upright and taper off downwards, if at all; curly ones lean, or are heavier below.
-bool isStraight(const Glyph& glyph, const GreyBitmap& ink) {
-  constexpr double mostLean = 0.1;  // Of the height.
-  constexpr double mostBelow = 1.2;
+/// How the upper and the lower half of a mark differ.
+struct Halves {
+  double lean = 0;    // How far the lower one stands to the right of the upper one, in heights of the mark.
+  double weight = 0;  // The ink of the lower one for that of the upper one; 0 where one has none.
+};
+
+Halves halvesOf(const PixelBox& box, const GreyBitmap& ink) {
   double sums[2] = {0, 0};
   double weights[2] = {0, 0};
-  for (int y = glyph.box.top; y <= glyph.box.bottom; ++y) {
-    const int fromTop = 2 * (y - glyph.box.top) + 1;
-    if (fromTop == glyph.height()) continue;  // The row in the middle.
-    const int half = fromTop > glyph.height() ? 1 : 0;
-    for (int x = glyph.box.left; x <= glyph.box.right; ++x) {
+  const int height = box.bottom - box.top + 1;
+  for (int y = box.top; y <= box.bottom; ++y) {
+    const int fromTop = 2 * (y - box.top) + 1;
+    if (fromTop == height) continue;  // The row in the middle.
+    const int half = fromTop > height ? 1 : 0;
+    for (int x = box.left; x <= box.right; ++x) {
       sums[half] += x * static_cast<double>(ink.at(x, y));
       weights[half] += static_cast<double>(ink.at(x, y));
     }
   }
-  if (weights[0] == 0 || weights[1] == 0) return true;
-  const double lean = (sums[1] / weights[1] - sums[0] / weights[0]) / glyph.height();
-  return std::abs(lean) < mostLean && weights[1] <= mostBelow * weights[0];
+  if (weights[0] == 0 || weights[1] == 0) return {};
+  return {(sums[1] / weights[1] - sums[0] / weights[0]) / height, weights[1] / weights[0]};
 }
+
+/// Straight marks stand upright and taper off downwards, if at all; curly ones lean, or are heavier below.
+bool isStraight(const PixelBox& box, const GreyBitmap& ink) {
+  constexpr double mostLean = 0.1;
+  constexpr double mostBelow = 1.2;
+  const Halves halves = halvesOf(box, ink);
+  return std::abs(halves.lean) < mostLean && halves.weight <= mostBelow;
+}
+
+/// How much the ink of two marks differs, one of them turned upside down if asked, from 0 to 1.
+double difference(const PixelBox& a, const PixelBox& b, bool turned, const GreyBitmap& ink) {
+  const int width = std::max(a.right - a.left, b.right - b.left);
+  const int height = std::max(a.bottom - a.top, b.bottom - b.top);
+  const auto at = [&](const PixelBox& box, int x, int y) {
+    const bool inside = x >= 0 && y >= 0 && box.left + x <= box.right && box.top + y <= box.bottom;
+    return inside ? static_cast<int>(ink.at(box.left + x, box.top + y)) : 0;
+  };
+  int differing = 0;
+  int all = 0;
+  for (int y = 0; y <= height; ++y)
+    for (int x = 0; x <= width; ++x) {
+      const int one = at(a, x, y);
+      const int other = turned ? at(b, b.right - b.left - x, b.bottom - b.top - y) : at(b, x, y);
+      differing += std::abs(one - other);
+      all += std::max(one, other);
+    }
+  return all == 0 ? 0 : static_cast<double>(differing) / all;
+}
+
+bool isCurlySingle(const Symbol& symbol) { return symbol.text == "‘" || symbol.text == "’"; }
+
+/// A single mark, or what is taken for a double one beside a backtick.
+bool maySurround(const Symbol& symbol) {
+  return symbol.text == "'" || symbol.text == "`" || symbol.text == "“" || symbol.text == "”" ||
+         isCurlySingle(symbol);
+}
+
+/// What two marks on both sides of something are whose ink is the same: curly ones are each other turned
+/// upside down. Empty where they aren't the same, or it isn't clear.
+std::string_view twinMarks(const Symbol& opening, const Symbol& closing, const GreyBitmap& ink) {
+  constexpr double alike = 0.35;
+  constexpr double clearly = 0.7;
+  const double same = difference(opening.box, closing.box, false, ink);
+  if (same > alike || same > clearly * difference(opening.box, closing.box, true, ink)) return {};
+  if (opening.text == "`" || closing.text == "`") return "`";
+  if (opening.text == "'" || closing.text == "'") return "'";
+  const double lean = halvesOf(opening.box, ink).lean;
+  return lean > 0.15 ? "`" : std::abs(lean) < 0.1 ? "'" : std::string_view();
+}
+
+/// Makes single marks on both sides of something the same if their ink is. Backticks quote code on both
+/// sides, and whoever uses them doesn't use curly marks beside them.
+void matchSides(std::vector<Symbol>& symbols, const GreyBitmap& ink) {
+  struct Pair {
+    Symbol *opening, *closing;
+    bool has(std::string_view text) const { return opening->text == text || closing->text == text; }
+    bool hasCurlySingle() const { return isCurlySingle(*opening) || isCurlySingle(*closing); }
+  };
+  std::vector<Pair> pairs;
+  Symbol* opening = nullptr;
+  for (std::size_t i = 0; i < symbols.size(); ++i) {
+    Symbol& symbol = symbols[i];
+    if (!maySurround(symbol) || isWithinWord(symbols, i)) continue;
+    const bool opens = i == 0 || symbol.spaceBefore ||
+                       std::string_view("([{<").find(symbols[i - 1].text) != std::string_view::npos;
+    if (opens)
+      opening = &symbol;
+    else if (opening)
+      pairs.push_back({std::exchange(opening, nullptr), &symbol});
+  }
+  const auto become = [](const Pair& pair, std::string_view text) {
+    pair.opening->text = std::string(text);
+    pair.closing->text = std::string(text);
+  };
+  bool hasBackticks = false;
+  for (const Pair& pair : pairs) {
+    if (pair.has("`") && !pair.has("'")) become(pair, "`");
+    if (pair.hasCurlySingle() && pair.opening->hasOwnInk && pair.closing->hasOwnInk) {
+      const std::string_view text = twinMarks(*pair.opening, *pair.closing, ink);
+      if (!text.empty()) become(pair, text);
+    }
+    hasBackticks = hasBackticks || pair.has("`");
+  }
+  for (const Pair& pair : pairs)
+    if (pair.hasCurlySingle() && (hasBackticks || pair.has("'"))) become(pair, hasBackticks ? "`" : "'");
+}
+
+bool isSlender(const PixelBox& box) { return 10 * (box.bottom - box.top + 1) >= 13 * box.width(); }
 
 std::vector<QuoteMark> quoteMarks(const std::vector<Glyph>& glyphs, const GreyBitmap& ink,
                                   const TextLine& line) {
   std::vector<QuoteMark> marks;
+  const auto add = [&](const PixelBox& stroke) {
+    const bool straight = isStraight(stroke, ink);
+    const bool second = !marks.empty() && marks.back().strokes == 1 && marks.back().straight == straight &&
+                        2 * (stroke.left - marks.back().box.right) <= line.letterHeight;
+    if (second) {
+      marks.back().strokes = 2;
+      marks.back().box.right = stroke.right;
+    } else {
+      marks.push_back({stroke, 1, straight});
+    }
+  };
   for (const Glyph& glyph : glyphs) {
     const bool high = glyph.box.bottom < line.baseline - line.letterHeight / 2;
-    const bool slender = 2 * glyph.width() <= line.letterHeight && 10 * glyph.height() >= 13 * glyph.width();
-    if (!high || !slender || glyph.height() < 3) continue;
+    if (!high || glyph.height() < 3) continue;
     // Dots and accents have their letter below them.
     const bool overLetter = std::any_of(glyphs.begin(), glyphs.end(), [&](const Glyph& other) {
       return other.box.top > glyph.box.bottom && other.box.left <= glyph.box.right &&
              other.box.right >= glyph.box.left;
     });
     if (overLetter) continue;
-    const bool straight = isStraight(glyph, ink);
-    const bool second = !marks.empty() && marks.back().strokes == 1 && marks.back().straight == straight &&
-                        2 * (glyph.box.left - marks.back().box.right) <= line.letterHeight;
-    if (second) {
-      marks.back().strokes = 2;
-      marks.back().box.right = glyph.box.right;
-    } else {
-      marks.push_back({glyph.box, 1, straight});
+    if (isSlender(glyph.box)) {
+      if (2 * glyph.width() <= line.letterHeight) add(glyph.box);
+      continue;
     }
+    // The strokes of a straight double mark may touch.
+    const std::vector<PixelBox> strokes = strokesAlong(ink, glyph.box);
+    const bool areTwo =
+        strokes.size() == 2 && std::all_of(strokes.begin(), strokes.end(), [&](const PixelBox& stroke) {
+          return isSlender(stroke) && isStraight(stroke, ink);
+        });
+    if (areTwo) std::for_each(strokes.begin(), strokes.end(), add);
   }
   return marks;
 }
@@ -117,6 +221,16 @@ bool isSecondStroke(const PixelBox& before, const PixelBox& stroke, const TextLi
   return placeOf(before) == placeOf(stroke);
 }
 
+/// One mark of two strokes, of which the second may stand over the foot of the next letter.
+void makeDouble(Symbol& symbol) {
+  constexpr std::pair<std::string_view, std::string_view> marks[] = {{"'", "\""}, {"‘", "“"}, {"’", "”"}};
+  for (const auto& [single, both] : marks)
+    if (symbol.text == single) {
+      symbol.text = std::string(both);
+      return;
+    }
+}
+
 }  // namespace
 
 std::vector<Symbol> readQuotationMarks(const std::vector<Glyph>& glyphs, const GreyBitmap& ink,
@@ -128,8 +242,7 @@ std::vector<Symbol> readQuotationMarks(const std::vector<Glyph>& glyphs, const G
         2 * glyph.width() > 3 * glyph.height())
       return {};
     for (const PixelBox& stroke : strokesAlong(ink, glyph.box)) {
-      const Glyph single{stroke};
-      if (10 * single.height() < 13 * single.width() || !isStraight(single, ink)) return {};
+      if (!isSlender(stroke) || !isStraight(stroke, ink)) return {};
       strokes.push_back(stroke);
     }
   }
@@ -167,7 +280,10 @@ void correctQuotes(std::vector<Symbol>& symbols, const std::vector<Glyph>& glyph
       nearest->text = "’";
     else if (mark.straight)
       nearest->text = std::string(1, mark.strokes == 1 ? '\'' : '"');
+    else if (mark.strokes == 2)
+      makeDouble(*nearest);
   }
+  matchSides(symbols, ink);
   // Whoever sets straight ones sets them on both sides.
   if (std::any_of(symbols.begin(), symbols.end(), [](const Symbol& symbol) { return symbol.text == "\""; }))
     for (Symbol& symbol : symbols)

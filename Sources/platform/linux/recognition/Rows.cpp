@@ -49,15 +49,19 @@ Row* homeOf(const Glyph& glyph, std::vector<Row>& rows) {
   return best;
 }
 
-/// Rows from what surely is letters, from left to right.
-std::vector<Row> rowsOfLetters(const Glyphs& letters) {
-  std::vector<Row> rows;
+void addLetters(std::vector<Row>& rows, const Glyphs& letters) {
   for (const Glyph& glyph : letters) {
     if (Row* const home = homeOf(glyph, rows))
       addLetter(*home, glyph);
     else
       rows.push_back(rowOf(glyph));
   }
+}
+
+/// Rows from what surely is letters, from left to right.
+std::vector<Row> rowsOfLetters(const Glyphs& letters) {
+  std::vector<Row> rows;
+  addLetters(rows, letters);
   return rows;
 }
 
@@ -171,14 +175,19 @@ void joinPartsOfMarks(std::vector<Row>& rows, int usual) {
 std::vector<Row> rowsOf(const Glyphs& glyphs, int usual, Characters characters) {
   Glyphs letters, smallLetters, marks;
   for (const Glyph& glyph : glyphs) {
-    if (10 * glyph.height() >= 9 * usual)
+    if (5 * glyph.height() >= 4 * usual)
       letters.push_back(glyph);
     else if (characters == Characters::alphabetic && 3 * glyph.height() >= 2 * usual)
       smallLetters.push_back(glyph);
     else
       marks.push_back(glyph);
   }
-  std::vector<Row> rows = rowsOfLetters(letters);
+  // Large quotation marks would begin a row of their own that takes the letters behind them.
+  const auto low = std::stable_partition(letters.begin(), letters.end(), [usual](const Glyph& glyph) {
+    return 10 * glyph.height() >= 9 * usual;
+  });
+  std::vector<Row> rows = rowsOfLetters({letters.begin(), low});
+  addLetters(rows, {low, letters.end()});
   if (characters == Characters::alphabetic) {
     addSmallLetters(rows, smallLetters);
     joinRowsOfMarks(rows, usual);

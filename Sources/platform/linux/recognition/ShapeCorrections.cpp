@@ -27,6 +27,8 @@ bool differInSizeAlone(char32_t a, char32_t b) {
              std::u32string_view::npos;
 }
 
+constexpr double surely = 98;  // Confidence of the engine.
+
 /// How sure the classifier must be of its own character, and how sure that the engine's is wrong. The engine
 /// knows words: among letters it is seldom wrong, among quotation marks it is partial to those of books.
 struct Demand {
@@ -35,7 +37,7 @@ struct Demand {
 };
 
 Demand demandFor(char32_t read, char32_t seen, double confidence) {
-  const bool isSure = confidence >= 98;
+  const bool isSure = confidence >= surely;
   const bool isTorn = confidence < 70;  // Readings differ.
   if (isQuote(seen) && !isLetter(read)) return {0.5F, 0.3F};
   if (isDigit(seen) && !isLetter(read)) return {0.8F, 0.05F};
@@ -47,12 +49,27 @@ Demand demandFor(char32_t read, char32_t seen, double confidence) {
   return confidence > 90 ? Demand{0.98F, 0.01F} : Demand{0.8F, 0.1F};
 }
 
+/// The characters of the same word on both sides; none where there is none.
+struct Neighbours {
+  char32_t before = Classification::noCharacter;
+  char32_t after = Classification::noCharacter;
+};
+
+/// Whether a letter of which the engine is sure would become a capital or no capital, or one amid small
+/// letters or the other way round, which words seldom have.
+bool breaksCase(char32_t read, char32_t seen, bool isSure, const Neighbours& beside) {
+  const auto isUpper = [](char32_t c) { return u_isupper(static_cast<UChar32>(c)); };
+  const auto isLower = [](char32_t c) { return u_islower(static_cast<UChar32>(c)); };
+  if (u_tolower(static_cast<UChar32>(read)) != u_tolower(static_cast<UChar32>(seen))) return false;
+  return isSure || (isUpper(seen) ? isLower(beside.before) : isUpper(beside.before) && isUpper(beside.after));
+}
+
 /// What the symbol becomes by its shape.
-void correctSymbol(Symbol& symbol, const Classification& shape) {
+void correctSymbol(Symbol& symbol, const Classification& shape, const Neighbours& beside) {
   const char32_t read = onlyCodePoint(symbol.text);
   const char32_t seen = shape.best();
   if (read == seen || seen == Classification::noCharacter || !shape.knows(read) ||
-      differInSizeAlone(read, seen))
+      differInSizeAlone(read, seen) || breaksCase(read, seen, symbol.confidence >= surely, beside))
     return;
   const Demand demand = demandFor(read, seen, symbol.confidence);
   // The engine prefers those of books.
@@ -61,15 +78,10 @@ void correctSymbol(Symbol& symbol, const Classification& shape) {
   if (shape.bestProbability() >= demand.least && shape.of(read) <= demand.most) symbol.text = utf8Of(seen);
 }
 
-/// The characters of the same word on both sides; none where there is none.
-struct Neighbours {
-  char32_t before = Classification::noCharacter;
-  char32_t after = Classification::noCharacter;
-};
-
 /// 1, l, I and the bar are little more than one stroke: what is beside it says which it may be, and the shape
 /// which of these it is.
-void correctStroke(Symbol& symbol, const Classification& shape, const Neighbours& beside) {
+void correctStroke(Symbol& symbol, const Classification& shape, const Neighbours& beside,
+                   const TextLine& line) {
   const char32_t read = onlyCodePoint(symbol.text);
   // F1 is a key.
   const bool besideDigit = isDigit(beside.before) || isDigit(beside.after) || beside.before == U'F';
@@ -80,8 +92,9 @@ void correctStroke(Symbol& symbol, const Classification& shape, const Neighbours
   constexpr float possible = 0.05F;
   constexpr float rarely = 0.3F;
   constexpr float mostly = 0.6F;
-  if (read == U'|' && shape.of(U'|') < rarely && shape.of(U'I') + shape.of(U'l') > mostly) {
-    // It ends on the line, below which bars reach.
+  // Below which bars reach.
+  const bool endsOnLine = 8 * (symbol.box.bottom + 1 - line.baseline) <= line.letterHeight;
+  if (read == U'|' && endsOnLine && shape.of(U'|') < rarely && shape.of(U'I') + shape.of(U'l') > mostly) {
     become(isLetter(beside.before) ? 'l' : 'I');
   } else if (read == U'l' && isAlone) {
     if (shape.of(U'I') >= possible) become('I');
@@ -219,8 +232,8 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
       const bool isBlurred =
           shapes.isCut(match.firstCluster) && isLetter(onlyCodePoint(first.text)) &&
           (shape.bestProbability() < 0.999F || shape.of(onlyCodePoint(first.text)) > 1e-4F);
-      if (!isBlurred && (first.confidence < mild || isSteady(m))) correctSymbol(first, shape);
-      correctStroke(first, shape, beside);
+      if (!isBlurred && (first.confidence < mild || isSteady(m))) correctSymbol(first, shape, beside);
+      correctStroke(first, shape, beside, shapes.line());
     }
     first.isLikely =
         first.hasOwnInk && isLikely(first, shapes.classification(match.firstCluster, match.clusterCount));

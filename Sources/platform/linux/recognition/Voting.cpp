@@ -88,6 +88,13 @@ class Election {
 }  // namespace
 
 std::vector<Symbol> vote(std::vector<std::vector<Symbol>> readings, LineShapes& shapes) {
+  const auto [shortest, longest] = std::minmax_element(
+      readings.begin(), readings.end(), [](const auto& a, const auto& b) { return a.size() < b.size(); });
+  const std::size_t least = shortest->size();
+  const std::size_t most = longest->size();
+  const std::vector<Symbol> surest =
+      *std::max_element(readings.begin(), readings.end(),
+                        [](const auto& a, const auto& b) { return weightOf(a) < weightOf(b); });
   std::vector<Voter> voters;
   for (std::vector<Symbol>& reading : readings) voters.push_back(voterOf(std::move(reading), shapes));
   std::vector<Symbol> elected;
@@ -105,7 +112,9 @@ std::vector<Symbol> vote(std::vector<std::vector<Symbol>> readings, LineShapes& 
     election.elect(elected);
     cluster = end;
   }
-  return elected;
+  // Where letters touch, a reading may be matched to the ink one letter off: then what others read there as
+  // well comes twice, or not at all.
+  return elected.size() < least || elected.size() > most ? surest : elected;
 }
 
 }  // namespace lumiscan::desktop

@@ -6,9 +6,7 @@
 #include <QDBusPendingReply>
 #include <QDBusVariant>
 #include <QStandardPaths>
-#include <QTimer>
 #include <QtEndian>
-#include <chrono>
 #include <utility>
 
 #include "platform/Application.h"
@@ -27,9 +25,6 @@ const QString installedIcon = QStringLiteral("%1-symbolic").arg(platform::applic
 /// What panels have room for, in pixels: most take the nearest and scale it.
 constexpr int iconSides[] = {16, 18, 20, 22, 24, 28, 32, 36, 40, 44, 48};
 
-/// By then the desktop has answered what colours the user prefers.
-constexpr std::chrono::seconds answerTime(1);
-
 Pixmap pixmapOf(const QImage& picture) {
   const QImage image = picture.convertToFormat(QImage::Format_ARGB32);
   Pixmap pixmap{image.width(), image.height(), QByteArray(image.sizeInBytes(), Qt::Uninitialized)};
@@ -39,8 +34,8 @@ Pixmap pixmapOf(const QImage& picture) {
 
 }  // namespace
 
-Item::Item(QDBusConnection bus, std::function<bool()> prefersDark)
-    : prefersDark_(std::move(prefersDark)),
+Item::Item(QDBusConnection bus, ColorScheme& colorScheme)
+    : colorScheme_(colorScheme),
       bus_(std::move(bus)),
       menu_(bus_),
       watcherWatch_(watcher, bus_, QDBusServiceWatcher::WatchForOwnerChange),
@@ -62,9 +57,9 @@ Item::Item(QDBusConnection bus, std::function<bool()> prefersDark)
           });
   for (const char* name : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"})
     bus_.connect({}, watcherPath, watcher, QString::fromLatin1(name), this, SLOT(askForHost()));
-  bus_.connect({}, QStringLiteral("/org/freedesktop/portal/desktop"),
-               QStringLiteral("org.freedesktop.portal.Settings"), QStringLiteral("SettingChanged"), this,
-               SLOT(checkColors()));
+  connect(&colorScheme_, &ColorScheme::changed, this, [this] {
+    if (colorScheme_.isDark() != drawnForDark_) emit buttonChanged();
+  });
   announce();
 }
 
@@ -74,20 +69,11 @@ void Item::setButton(platform::StatusItemButton button) {
 }
 
 QList<Pixmap> Item::pixmaps() {
-  drawnForDark_ = prefersDark_();
-  checkColors();
+  drawnForDark_ = colorScheme_.isDark();
   QList<Pixmap> pixmaps;
   for (const int side : iconSides)
     pixmaps.append(pixmapOf(statusPicture(button_, side, iconColor(drawnForDark_), Halo::opposite)));
   return pixmaps;
-}
-
-void Item::checkColors() {
-  // What is preferred may only just have been asked.
-  prefersDark_();
-  QTimer::singleShot(answerTime, this, [this] {
-    if (prefersDark_() != drawnForDark_) emit buttonChanged();
-  });
 }
 
 void Item::announce() {

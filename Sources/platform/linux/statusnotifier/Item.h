@@ -5,9 +5,9 @@
 #include <QDBusObjectPath>
 #include <QDBusServiceWatcher>
 #include <QObject>
-#include <functional>
 
 #include "platform/StatusBar.h"
+#include "platform/linux/Appearance.h"
 #include "platform/linux/statusnotifier/MenuExport.h"
 #include "platform/linux/statusnotifier/Types.h"
 
@@ -20,8 +20,8 @@ class Item : public QObject {
   Q_OBJECT
 
  public:
-  /// `prefersDark` tells what colours the user prefers; it outlives the item.
-  Item(QDBusConnection bus, std::function<bool()> prefersDark);
+  /// `colorScheme` outlives the item.
+  Item(QDBusConnection bus, ColorScheme& colorScheme);
 
   void setButton(platform::StatusItemButton button);
   const platform::StatusItemButton& button() const { return button_; }
@@ -31,7 +31,8 @@ class Item : public QObject {
   bool isKnown() const { return known_; }
   bool isShown() const { return known_ && shown_; }
 
-  /// The button in several sizes, for panels as dark or light as the user prefers.
+  /// The button in several sizes, for panels as dark or light as the user prefers. `buttonChanged` follows
+  /// when that is another preference.
   QList<Pixmap> pixmaps();
 
   /// `isKnown` or `isShown` may have changed.
@@ -42,12 +43,10 @@ class Item : public QObject {
 
  private:
   Q_SLOT void askForHost();
-  /// Has panels ask for the icon again if it was drawn for other colours than are preferred by now.
-  Q_SLOT void checkColors();
   void announce();
   void settle(bool shown);
 
-  std::function<bool()> prefersDark_;
+  ColorScheme& colorScheme_;
   QDBusConnection bus_;
   MenuExport menu_;
   QDBusServiceWatcher watcherWatch_;
