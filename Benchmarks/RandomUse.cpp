@@ -73,9 +73,17 @@ void RandomUse::useAny() {
 }
 
 void RandomUse::use(std::size_t kind) {
-  uses_[kind]();
-  require(!program_->exitStatus(), "the program ended");
-  require(waitFor([this] { return isIdle(); }), "an overlay or a grab stayed");
+  try {
+    uses_[kind]();
+    require(!program_->exitStatus(), "the program ended");
+    require(waitFor([this] { return desktop_.inputIsFree(); }), "an overlay or a grab stayed");
+  } catch (const std::runtime_error& error) {
+    constexpr std::size_t tail = 2000;
+    const std::string log = program_->standardError();
+    throw std::runtime_error(std::string(error.what()) + "; use " + std::to_string(kind) + ", " +
+                             std::to_string(windows()) + " windows; the log ends\n" +
+                             log.substr(std::max(log.size(), tail) - tail));
+  }
 }
 
 void RandomUse::tidyUp() {
@@ -93,10 +101,7 @@ void RandomUse::captureJoiningLines() {
 }
 
 void RandomUse::goThroughTheSession() {
-  if (!waitFor([this] { return !desktop_.canGrabPointer() && !desktop_.canGrabKeyboard(); }))
-    throw std::runtime_error("a session didn't begin; the log ends\n" +
-                             program_->standardError().substr(
-                                 std::max<std::size_t>(program_->standardError().size(), 2000) - 2000));
+  require(waitFor([this] { return desktop_.inputIsTaken(); }), "a session didn't begin");
   const int x = 600 + below(200), y = 300 + below(100);
   switch (below(4)) {
     case 0:
@@ -104,7 +109,7 @@ void RandomUse::goThroughTheSession() {
       break;
     case 1:
       PrivateDesktop::detachMonitor("LEFT");
-      require(waitFor([this] { return isIdle(); }), "a session outlived its screen");
+      require(waitFor([this] { return desktop_.inputIsFree(); }), "a session outlived its screen");
       PrivateDesktop::setMonitor("LEFT", "499/132x600/159+0+100", "none");
       break;
     default:
@@ -116,10 +121,15 @@ void RandomUse::repeatByKeys() { desktop_.pressKeys({KEY_LEFTCTRL, KEY_LEFTALT, 
 
 void RandomUse::chooseFromMenu(const QString& label) {
   panel_.aboutToShow(0);
-  for (const auto& item : panel_.layout().children)
-    // A shortcut may follow.
-    if (item.properties["label"].toString().section('\t', 0, 0) == label) return panel_.click(item.id);
-  throw std::runtime_error("an item is missing in the menu");
+  std::optional<int> id;
+  do {
+    id.reset();
+    for (const auto& item : panel_.layout().children)
+      // A shortcut may follow.
+      if (item.properties["label"].toString().section('\t', 0, 0) == label) id = item.id;
+    require(id.has_value(), "an item is missing in the menu");
+    // What was chosen before may just have had the menu made anew, which a panel would show.
+  } while (!panel_.clickIfThere(*id));
 }
 
 void RandomUse::chooseFromHistory() {

@@ -34,7 +34,6 @@ class RandomUse {
 
   void use(std::size_t kind);
   int below(int limit) { return static_cast<int>(random_() % static_cast<unsigned>(limit)); }
-  bool isIdle() const { return desktop_.canGrabPointer() && desktop_.canGrabKeyboard(); }
   std::size_t windows() const { return desktop_.windowsOfClass("Lumiscan").size(); }
 
   // Uses.

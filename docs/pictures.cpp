@@ -144,7 +144,7 @@ void photographMenu(const Camera& camera) {
     };
     require(iconShows, "icon");
     screen.click(screen.width() - side / 2, side / 2);
-    require([&] { return windows() == 1 && !screen.canGrabKeyboard(); }, "menu");
+    require([&] { return windows() == 1 && screen.inputIsTaken(); }, "menu");
     constexpr int itemsToHistory = 9;
     for (int i = 0; i < itemsToHistory; ++i) screen.pressKeys({KEY_DOWN});
     screen.pressKeys({KEY_RIGHT});

@@ -13,13 +13,12 @@
 
 namespace lumiscan {
 
-/// Modifier bits of a binding.
-inline constexpr std::uint32_t cmdKey = 0x0100;
-inline constexpr std::uint32_t shiftKey = 0x0200;
-inline constexpr std::uint32_t optionKey = 0x0800;
-inline constexpr std::uint32_t controlKey = 0x1000;
+using platform::cmdKey;
+using platform::controlKey;
+using platform::optionKey;
+using platform::shiftKey;
 
-/// A key combination: a virtual key code (the physical key) and a set of the modifier bits.
+/// A key combination: a virtual key code (the physical key) and a mask of these modifiers.
 struct HotkeyBinding {
   std::uint32_t keyCode = 0;
   std::uint32_t modifiers = 0;

@@ -34,11 +34,16 @@ struct HotKeyRegistration {
   HotKeyRef ref = 0;
 };
 
+/// The modifiers of a combination, a Carbon mask: here the Super, Shift, Alt and Control keys.
+inline constexpr std::uint32_t cmdKey = 0x0100;
+inline constexpr std::uint32_t shiftKey = 0x0200;
+inline constexpr std::uint32_t optionKey = 0x0800;
+inline constexpr std::uint32_t controlKey = 0x1000;
+
 /// Key combinations that reach the program whatever program has the focus. Main thread only.
 ///
 /// Key codes are virtual key codes: physical keys in the `kVK_` numbering, whatever the keyboard layout.
-/// Modifiers are a Carbon mask of Command 0x100, Shift 0x200, Option 0x800 and Control 0x1000, which are
-/// the Super, Shift, Alt and Control keys. Caps Lock and Num Lock don't matter.
+/// Caps Lock and Num Lock don't matter.
 class HotKeys {
  public:
   using Handler = std::function<HotKeyStatus(const HotKeyEvent*)>;

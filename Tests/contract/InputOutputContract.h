@@ -85,7 +85,7 @@ TYPED_TEST_P(InputOutputContract, HotKeysReportTheirIdentifierOncePerPress) {
   this->press(this->keyB);
   this->press(this->keyR);
   this->press(this->keyB);
-  this->desktop.pressKey(this->keyR, 0x0100);
+  this->desktop.pressKey(this->keyR, platform::cmdKey);
   EXPECT_EQ(this->pressed, (std::vector<std::uint32_t>{2, 1, 2}));
 }
 

@@ -8,6 +8,8 @@
 #include <QDBusVirtualObject>
 #include <QTimer>
 #include <atomic>
+#include <csignal>
+#include <memory>
 
 #include "desktop/LinuxFixture.h"
 #include "desktop/Servers.h"
@@ -110,6 +112,29 @@ TEST(Appearance, HearsOfAChangeWithoutAsking) {
   EXPECT_TRUE(scheme.isDark());
 }
 
+TEST(Appearance, GoesByTheNextBusWhenOneEndsWithAQuestionOpen) {
+  const LinuxFixture desktop;
+  auto bus = std::make_unique<PrivateBus>();
+  auto portal = std::make_unique<Portal>(bus->address());
+  const auto connection = [&bus] {
+    return QDBusConnection::connectToBus(QString::fromStdString(bus->address()), "program");
+  };
+  desktop::ColorScheme scheme(connection());
+  ASSERT_TRUE(LinuxFixture::waitFor([&] { return portal->questions == 1; }));
+  bus->signal(SIGSTOP);
+  scheme.isDark();
+  bus = nullptr;
+  portal = nullptr;
+
+  bus = std::make_unique<PrivateBus>();
+  portal = std::make_unique<Portal>(bus->address());
+  portal->scheme = light;
+  scheme.useBus(connection());
+  EXPECT_TRUE(LinuxFixture::waitFor([&] { return !scheme.isDark() && portal->questions > 0; }));
+  portal->scheme = dark;
+  EXPECT_TRUE(LinuxFixture::waitFor([&] { return scheme.isDark(); }));
+}
+
 TEST(Appearance, TheIconAndAnOpenWindowFollowAtOnce) {
   const PrivateDesktop screen;
   const PrivateBus bus;
@@ -150,8 +175,8 @@ TEST(Appearance, TheIconAndAnOpenWindowFollowAtOnce) {
   ASSERT_TRUE(waitFor([&] { return windowIsDark() == false; }));
 
   QTimer iconAnnounced;
-  QDBusConnection("panel").connect(panel.item(), "/StatusNotifierItem", "org.kde.StatusNotifierItem",
-                                   "NewIcon", &iconAnnounced, SLOT(start()));
+  panel.bus().connect(panel.item(), "/StatusNotifierItem", "org.kde.StatusNotifierItem", "NewIcon",
+                      &iconAnnounced, SLOT(start()));
   for (const unsigned scheme : {dark, light, dark}) {
     iconAnnounced.stop();
     portal.scheme = scheme;

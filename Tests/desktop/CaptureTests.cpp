@@ -23,7 +23,7 @@ TEST_F(CaptureTest, ADragBecomesTextOnThePasteboard) {
   // Again, with the user's other choice of line breaks made while the program runs.
   desktop_.writePreferences(R"({"keepLineBreaksByDefault": false})");
   pressShortcut();
-  ASSERT_TRUE(waitUntil([this] { return overlays() == 1 && inputIsTaken(); }));
+  ASSERT_TRUE(waitUntil([this] { return overlays() == 1 && desktop_.inputIsTaken(); }));
   EXPECT_TRUE(pageHasFocus()) << "the page's looks must not change";
   dragOverThePage();
   EXPECT_TRUE(waitForClipboard(joined(pageLines, " "))) << PrivateDesktop::clipboard().value_or("no text");
@@ -79,7 +79,8 @@ class EveryModeTest : public CaptureTest, public ::testing::WithParamInterface<s
     // Open files may have no name, and other programs that were started, such as the voices, tell too.
     const auto process = fs::path("/proc") / std::to_string(program_->id());
     for (const auto& entry : fs::directory_iterator(process / "fd", gone))
-      if (entry.is_regular_file(gone)) look("an open file", contentOf(entry));
+      if (entry.is_regular_file(gone))
+        look("open: " + fs::read_symlink(entry, gone).string(), contentOf(entry));
     for (const auto& entry : fs::directory_iterator("/proc"))
       if (contentOf(entry.path() / "environ").find("HOME=" + desktop_.home().string()) != std::string::npos)
         look("a command line", contentOf(entry.path() / "cmdline"));

@@ -35,9 +35,14 @@ class FaultTest : public CaptureTest {
     Process other({"xclip", "-selection", "clipboard", "-in", "/dev/null"});
     ASSERT_EQ(other.waitForEnd(), 0);
   }
+  /// Returns when the session has the input and has painted, for which it has taken note of the desktop.
   void beginSession() {
+    constexpr int x = 1000, y = 600;
+    desktop_.moveMouse(x, y);
+    const std::uint32_t ground = desktop_.pixelAt(x, y);
     pressShortcut();
-    ASSERT_TRUE(waitUntil([this] { return overlays() == 1 && inputIsTaken(); }));
+    ASSERT_TRUE(waitUntil([&] { return overlays() == 1 && desktop_.inputIsTaken(); }));
+    ASSERT_TRUE(waitUntil([&] { return desktop_.pixelAt(x, y) != ground; })) << "no crosshair";
   }
   /// Whether a whole capture works. Those before must have ended.
   void expectACapture() {
@@ -60,7 +65,7 @@ TEST_F(FaultTest, WindowAndCompositingManagersMayComeAndGo) {
     fillClipboard();
     beginSession();
     happen();
-    EXPECT_TRUE(inputIsTaken()) << "the session goes on";
+    EXPECT_TRUE(desktop_.inputIsTaken()) << "the session goes on";
     EXPECT_TRUE(waitUntil([this] { return pageHasInk(); })) << "and shows the desktop";
     dragOverThePage();
     ASSERT_TRUE(waitForOverlays(0));
@@ -108,7 +113,8 @@ TEST_F(FaultTest, ACaptureMayBeginAtEveryStageOfAnother) {
     reach();
     pressShortcut();
     sessions += 2;
-    ASSERT_TRUE(waitUntil([&] { return logged("selection surfaces shown") == sessions && inputIsTaken(); }));
+    ASSERT_TRUE(
+        waitUntil([&] { return logged("selection surfaces shown") == sessions && desktop_.inputIsTaken(); }));
     desktop_.buttonUp();
     desktop_.pressKeys({KEY_ESC});
     ASSERT_TRUE(waitForOverlays(0));
@@ -123,7 +129,8 @@ TEST_F(FaultTest, FiveHundredPressesLeaveOneSession) {
   const auto start = std::chrono::steady_clock::now();
   for (int i = 0; i < 500; ++i) pressAndBeHeard();
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
-  ASSERT_TRUE(waitUntil([this] { return logged("selection surfaces shown") == 500 && inputIsTaken(); }));
+  ASSERT_TRUE(
+      waitUntil([this] { return logged("selection surfaces shown") == 500 && desktop_.inputIsTaken(); }));
   EXPECT_EQ(overlays(), 1U);
   dragOverThePage();
   EXPECT_TRUE(waitForClipboard(text_));

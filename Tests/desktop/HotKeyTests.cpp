@@ -82,6 +82,8 @@ TEST_F(HotKeyTest, EveryHotkeyIsItsPhysicalKeyWhateverTheKeyboardSays) {
        command({"xmodmap", "-e", "clear mod1", "-e", "clear mod4", "-e", "clear mod5", "-e",
                 "add mod5 = Super_L", "-e", "add mod4 = Alt_L"})},
       {"and Num Lock switched", press(KEY_NUMLOCK)},
+      {"Meta in the place of Alt",
+       command({"xmodmap", "-e", "clear mod4", "-e", "keycode 64 = Meta_L", "-e", "add mod4 = Meta_L"})},
   };
   for (const Step& step : steps) {
     SCOPED_TRACE(step.name);

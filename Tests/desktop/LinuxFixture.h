@@ -17,6 +17,7 @@
 #include "desktop/PrivateDesktop.h"
 #include "platform/Application.h"
 #include "platform/Cursor.h"
+#include "platform/HotKeys.h"
 #include "platform/Image.h"
 #include "platform/linux/Dispatch.h"
 #include "platform/linux/LinuxDesktop.h"
@@ -85,10 +86,10 @@ class LinuxFixture {
   }
   void pressKey(std::uint32_t keyCode, std::uint32_t modifiers) {
     std::vector<std::uint8_t> keys;
-    if (modifiers & 0x0100) keys.push_back(KEY_LEFTMETA);
-    if (modifiers & 0x0200) keys.push_back(KEY_LEFTSHIFT);
-    if (modifiers & 0x0800) keys.push_back(KEY_LEFTALT);
-    if (modifiers & 0x1000) keys.push_back(KEY_LEFTCTRL);
+    if (modifiers & platform::cmdKey) keys.push_back(KEY_LEFTMETA);
+    if (modifiers & platform::shiftKey) keys.push_back(KEY_LEFTSHIFT);
+    if (modifiers & platform::optionKey) keys.push_back(KEY_LEFTALT);
+    if (modifiers & platform::controlKey) keys.push_back(KEY_LEFTCTRL);
     keys.push_back(static_cast<std::uint8_t>(*desktop::x11::keycode(keyCode) - 8));
     private_.pressKeys(keys);
     handleWhatTheServerSent();

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <xcb/xfixes.h>
 
+#include <QAction>
+#include <QApplication>
 #include <cmath>
 #include <csignal>
 #include <fstream>
@@ -12,6 +14,7 @@
 #include "output/ResultHUD.h"
 #include "platform/Appearance.h"
 #include "platform/Display.h"
+#include "platform/linux/Menu.h"
 
 namespace lumiscan::testing {
 namespace {
@@ -102,6 +105,21 @@ TEST_F(OutputTest, AClipboardManagerThatHangsHoldsTheEndUpForLittle) {
   ClipboardService::copy("handed to nobody");
   EXPECT_EQ(PrivateDesktop::clipboard(processEvents), "handed to nobody");
   expectToEndSoon();
+}
+
+TEST_F(OutputTest, AMenuOfOursShowsTitlesAsTheyStand) {
+  const auto menu = std::make_shared<platform::Menu>();
+  for (const char* title : {"Capture & Speak", "&_ && two\nlines"}) {
+    const auto item = std::make_shared<platform::MenuItem>();
+    item->title = title;
+    menu->addItem(item);
+  }
+  desktop::PopupMenu popup;
+  popup.popUp(menu, {0, 0}, false);
+  const QWidget* const shown = QApplication::activePopupWidget();
+  ASSERT_TRUE(shown);
+  EXPECT_EQ(shown->actions().at(0)->iconText(), "Capture & Speak") << "without mnemonics";
+  EXPECT_EQ(shown->actions().at(1)->iconText(), "&_ && two lines");
 }
 
 TEST_F(OutputTest, ThePanelFloatsAboveEverythingWithoutFocusAndFadesAway) {

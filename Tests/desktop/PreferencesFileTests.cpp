@@ -11,6 +11,7 @@
 #include <csignal>
 #include <thread>
 
+#include "desktop/Process.h"
 #include "platform/linux/UserDefaults.h"
 #include "support/SimulatedDesktop.h"
 #include "support/TemporaryFolder.h"
@@ -75,6 +76,12 @@ TEST_F(PreferencesFile, SeesWhatIsChangedByHandAndKeepsWhatItDoesNotKnow) {
   EXPECT_EQ(defaults.object("flag"), DefaultsValue(false));
   for (const char* key : {"later", "mixed", "nothing", "broken"})
     EXPECT_EQ(defaults.object(key), std::nullopt) << key;
+  // The same file with as many bytes: all that tells is the time, which doesn't count every moment.
+  EXPECT_TRUE(waitUntil([&] {
+    write(R"({"flag": 12345, "later": {"version": 2}, "mixed": ["a", 1], "nothing": null,
+            "broken": {"data": "=not base64="}})");
+    return defaults.object("flag") == DefaultsValue(12345.0);
+  }));
   defaults.setObject("flag", true);
   const auto document = documentIn(file_);
   EXPECT_EQ(document["later"]["version"], 2);
@@ -196,6 +203,16 @@ TEST_F(PreferencesFile, WaitsForAStoppedWriterOnceAndNotForLong) {
   EXPECT_EQ(errorLines(), 1U);
   EXPECT_EQ(desktop::FileUserDefaults(file_).object("number"), DefaultsValue(19.0));
   close(held);
+}
+
+TEST_F(PreferencesFile, RemovesWhatAKilledWriterLeft) {
+  write("{}");
+  const fs::path unfinished = file_.string() + ".x7Yz0Q", another = file_.string() + ".kept";
+  std::ofstream(unfinished) << "{\"half";
+  std::ofstream(another) << "by hand";
+  desktop::FileUserDefaults(file_).setObject("flag", true);
+  EXPECT_FALSE(fs::exists(unfinished));
+  EXPECT_TRUE(fs::exists(another));
 }
 
 TEST_F(PreferencesFile, LosesNoKeyOfTwoWriters) {

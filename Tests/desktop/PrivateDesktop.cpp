@@ -42,7 +42,7 @@ std::uint8_t keycode(std::uint8_t evdevCode) { return static_cast<std::uint8_t>(
 
 }  // namespace
 
-PrivateDesktop::PrivateDesktop(int width, int height) {
+PrivateDesktop::PrivateDesktop(int width, int height, int depth) {
   const std::string folder = home().string();
   unsetenv("WAYLAND_DISPLAY");
   setenv("NO_AT_BRIDGE", "1", 1);  // Whose bus outlives the programs that start it.
@@ -51,9 +51,10 @@ PrivateDesktop::PrivateDesktop(int width, int height) {
   for (const char* variable : {"HOME", "XDG_RUNTIME_DIR"}) setenv(variable, folder.c_str(), 1);
   setenv("XDG_CONFIG_HOME", (home() / "config").c_str(), 1);
 
-  server_ = Process::start({"Xvfb", "-displayfd", "1", "-screen", "0",
-                            std::to_string(width) + "x" + std::to_string(height) + "x24", "-noreset",
-                            "-nolisten", "tcp"});
+  server_ =
+      Process::start({"Xvfb", "-displayfd", "1", "-screen", "0",
+                      std::to_string(width) + "x" + std::to_string(height) + "x" + std::to_string(depth),
+                      "-noreset", "-nolisten", "tcp"});
   require(waitUntil([this] { return server_->standardOutput().ends_with('\n'); }), "no X server");
   std::string display = ":";
   display += server_->standardOutput();
@@ -215,13 +216,13 @@ void PrivateDesktop::pressKeys(const std::vector<std::uint8_t>& evdevCodes) {
 }
 
 void PrivateDesktop::moveMouse(int x, int y) { fake(XCB_MOTION_NOTIFY, 0, x, y); }
-void PrivateDesktop::buttonDown() { fake(XCB_BUTTON_PRESS, XCB_BUTTON_INDEX_1); }
-void PrivateDesktop::buttonUp() { fake(XCB_BUTTON_RELEASE, XCB_BUTTON_INDEX_1); }
+void PrivateDesktop::buttonDown(std::uint8_t button) { fake(XCB_BUTTON_PRESS, button); }
+void PrivateDesktop::buttonUp(std::uint8_t button) { fake(XCB_BUTTON_RELEASE, button); }
 
-void PrivateDesktop::click(int x, int y) {
+void PrivateDesktop::click(int x, int y, std::uint8_t button) {
   moveMouse(x, y);
-  buttonDown();
-  buttonUp();
+  buttonDown(button);
+  buttonUp(button);
 }
 
 void PrivateDesktop::drag(int fromX, int fromY, int toX, int toY) {

@@ -28,8 +28,8 @@ std::unique_ptr<T, decltype(&std::free)> owned(T* reply) {
 /// Positions are in pixels, origin at the top left of the X screen, y downwards.
 class PrivateDesktop {
  public:
-  /// The size in pixels is that of the X screen.
-  explicit PrivateDesktop(int width = 1280, int height = 800);
+  /// The size in pixels is that of the X screen, the depth in bits that of its pixels.
+  explicit PrivateDesktop(int width = 1280, int height = 800, int depth = 24);
   ~PrivateDesktop();
   PrivateDesktop(const PrivateDesktop&) = delete;
   PrivateDesktop& operator=(const PrivateDesktop&) = delete;
@@ -65,9 +65,9 @@ class PrivateDesktop {
   void keyDown(std::uint8_t evdevCode);
   void keyUp(std::uint8_t evdevCode);
   void moveMouse(int x, int y);
-  void buttonDown();
-  void buttonUp();
-  void click(int x, int y);
+  void buttonDown(std::uint8_t button = XCB_BUTTON_INDEX_1);
+  void buttonUp(std::uint8_t button = XCB_BUTTON_INDEX_1);
+  void click(int x, int y, std::uint8_t button = XCB_BUTTON_INDEX_1);
   void drag(int fromX, int fromY, int toX, int toY);
 
   /// Covers the screen with a picture of which no two neighbours are alike, in a window that the window
@@ -87,9 +87,9 @@ class PrivateDesktop {
   xcb_window_t focusedWindow() const;
   /// The top-level window that gets the mouse.
   xcb_window_t windowUnderMouse() const;
-  /// Whether nobody holds the mouse or the keyboard.
-  bool canGrabPointer() const;
-  bool canGrabKeyboard() const;
+  /// Whether nobody holds the mouse or the keyboard; whether both are held.
+  bool inputIsFree() const { return canGrabPointer() && canGrabKeyboard(); }
+  bool inputIsTaken() const { return !canGrabPointer() && !canGrabKeyboard(); }
   /// Whether some program holds the default shortcut: taking it is refused then. The server serves nobody
   /// else meanwhile, so that this try gets in no program's way.
   bool shortcutIsTaken() const;
@@ -116,6 +116,8 @@ class PrivateDesktop {
 
  private:
   void waitForWindowManager() const;
+  bool canGrabPointer() const;
+  bool canGrabKeyboard() const;
   void fake(std::uint8_t type, std::uint8_t detail, int x = 0, int y = 0);
   void sync() const;
   std::vector<std::uint32_t> pixels(int x, int y, int width, int height) const;

@@ -50,6 +50,8 @@ Process::Process(std::vector<std::string> arguments) : output_(anonymousFile()),
   dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
   dup2(output_, STDOUT_FILENO);
   dup2(error_, STDERR_FILENO);
+  // Nothing that whoever runs the tests holds open, a log of theirs for example.
+  close_range(STDERR_FILENO + 1, ~0U, 0);
   execvp(argv[0], argv.data());
   _exit(127);
 }

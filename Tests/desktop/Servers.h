@@ -14,10 +14,12 @@ namespace lumiscan::testing {
 /// A message bus.
 class PrivateBus : public Process {
  public:
-  PrivateBus() : Process({"dbus-daemon", "--session", "--nofork", "--print-address=1"}) {
+  /// At an address of its own, or at one where another bus has been.
+  explicit PrivateBus(const std::string& address = "unix:tmpdir=/tmp")
+      : Process({"dbus-daemon", "--session", "--nofork", "--print-address=1", "--address=" + address}) {
     if (!waitUntil([this] { return standardOutput().ends_with('\n'); })) throw std::runtime_error("no bus");
-    address_ = standardOutput();
-    address_.pop_back();
+    // Without the bus's identity, which no other has.
+    address_ = standardOutput().substr(0, standardOutput().find(','));
   }
   const std::string& address() const { return address_; }
 

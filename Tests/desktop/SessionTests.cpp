@@ -12,7 +12,9 @@
 
 #include "capture/ScreenCaptureController.h"
 #include "desktop/LinuxFixture.h"
+#include "output/ResultHUD.h"
 #include "platform/Display.h"
+#include "platform/linux/x11/Display.h"
 
 namespace lumiscan::testing {
 namespace {
@@ -49,7 +51,7 @@ class SessionTest : public ::testing::TestWithParam<const char*>, protected Linu
     screen().moveMouse(700, 400);
     begin();
     ASSERT_TRUE(waitFor([this] { return overlays().size() == controller_->selectionWindows().size(); }));
-    ASSERT_FALSE(screen().canGrabPointer() || screen().canGrabKeyboard());
+    ASSERT_TRUE(screen().inputIsTaken());
     ASSERT_TRUE(waitFor([this] { return crosshairIsAlone(); })) << "the rest shows as it is";
   }
   /// Whether the screen differs from the picture where the crosshair is, and only there: but for the one
@@ -77,11 +79,11 @@ class SessionTest : public ::testing::TestWithParam<const char*>, protected Linu
     return std::holds_alternative<outcome::Cancelled>(outcome);
   }
 
-  bool nobodyHoldsInput() const { return screen().canGrabPointer() && screen().canGrabKeyboard(); }
   std::vector<xcb_window_t> overlays() const { return screen().windowsOfClass("Lumiscan"); }
   void expectTheDesktopIsTheUsers() {
-    EXPECT_TRUE(waitFor(
-        [this] { return overlays().empty() && nobodyHoldsInput() && screen().screenPixels() == picture_; }));
+    EXPECT_TRUE(waitFor([this] {
+      return overlays().empty() && screen().inputIsFree() && screen().screenPixels() == picture_;
+    }));
   }
   /// Compares every pixel of what was captured with that part of the picture.
   void expectCaptured(const CaptureOutcome& end, int left, int top, int width, int height) {
@@ -110,6 +112,7 @@ TEST_P(SessionTest, CapturesWhatWasDraggedToThePixelOnEveryMonitor) {
   screen().drag(498, 699, 0, 100);
   expectCaptured(waitForEnd(), 0, 100, 499, 600);
   beginAndWait();
+  screen().click(600, 300, XCB_BUTTON_INDEX_3);  // The other buttons do nothing.
   screen().drag(123, 234, 345, 456);
   expectCaptured(waitForEnd(), 123, 234, 222, 222);
   // Before anything beneath the overlay could paint itself again, and while the compositor, if there is one,
@@ -190,8 +193,10 @@ TEST_P(SessionTest, WhatIsFrozenHasNoOtherWindowOfOurs) {
   const auto window = std::make_shared<platform::Window>(frame, platform::windowStyleBorderless);
   window->attributes().level = platform::windowLevelFloating;
   window->orderFrontRegardless();
-  const auto onScreen = screen().indexOf(500 + 200, 150);
-  ASSERT_TRUE(waitFor([&] { return screen().screenPixels()[onScreen] == 0xFFFFFF; }));
+  const auto hud = std::make_shared<ResultHUD>();
+  hud->show("Drag to select an area");
+  ASSERT_TRUE(waitFor([this] { return screen().pixelAt(500 + 200, 150) == 0xFFFFFF; }));
+  ASSERT_TRUE(waitFor([this] { return screen().pixelAt(890, 20) != picture_[screen().indexOf(890, 20)]; }));
   screen().drag(510, 10, 1200, 700);
   expectCaptured(waitForEnd(), 510, 10, 690, 690);
 }
@@ -221,7 +226,7 @@ TEST_P(SessionTest, WithoutTheUsersInputItEndsAndWithItItGoesOn) {
     begin();
     EXPECT_TRUE(waitFor([this] { return crosshairShows(); }));
     screen().ungrab();
-    EXPECT_TRUE(waitFor([this] { return !screen().canGrabPointer() && !screen().canGrabKeyboard(); }));
+    EXPECT_TRUE(waitFor([this] { return screen().inputIsTaken(); }));
     screen().pressKeys({KEY_ESC});
     EXPECT_TRUE(isCancelled(waitForEnd()));
   }
@@ -325,7 +330,7 @@ TEST_P(SessionTest, SoakLeavesNothingBehind) {
     ASSERT_TRUE(waitFor([&] { return !atLeisure || crosshairShows(); }));
     endings[ending]();
     waitForEnd();
-    ASSERT_TRUE(waitFor([this] { return overlays().empty() && nobodyHoldsInput(); }));
+    ASSERT_TRUE(waitFor([this] { return overlays().empty() && screen().inputIsFree(); }));
   }
   screen().moveMouse(700, 400);
   expectTheDesktopIsTheUsers();
@@ -339,6 +344,13 @@ TEST_P(SessionTest, SoakLeavesNothingBehind) {
   EXPECT_TRUE(waitFor([&] { return footprint().first - before.first < 2048; }))
       << footprint().first << " KiB, " << before.first << " before";
 #endif
+}
+
+TEST(Snapshot, OfAScreenWithOtherPixelsIsNone) {
+  const PrivateDesktop desktop(1280, 800, 16);
+  desktop::x11::X11Displays displays;
+  ASSERT_NE(displays.mainDisplayID(), 0U);
+  EXPECT_EQ(displays.createImage(displays.mainDisplayID()), std::nullopt);
 }
 
 INSTANTIATE_TEST_SUITE_P(, SessionTest, ::testing::Values("NoCompositor", "Compositor"),

@@ -7,7 +7,9 @@
 #include <QCoreApplication>
 #include <QDBusMessage>
 #include <QDBusVariant>
+#include <algorithm>
 #include <csignal>
+#include <filesystem>
 #include <fstream>
 
 #include "desktop/PrivateDesktop.h"
@@ -67,7 +69,7 @@ class StatusItemTest : public ::testing::Test {
   std::size_t windows() const { return screen_.windowsOfClass("Lumiscan").size(); }
 
   PrivateDesktop screen_;
-  PrivateBus busDaemon_;
+  PrivateBus busDaemon_{"unix:path=" + (screen_.home() / "bus").string()};
   char name_[5] = "test";
   char* argv_[2] = {name_, nullptr};
   int argc_ = 1;
@@ -242,21 +244,68 @@ TEST_F(StatusItemTest, StandsInWhateverTrayComesAndComesAgain) {
   ASSERT_TRUE(waitFor(isEmbedded)) << "found again";
   ASSERT_TRUE(panel_.start());
   ASSERT_TRUE(waitFor([&] { return !isEmbedded(); }));
+  // From now on that tray names the colour of its foreground, the first of four: red.
+  const std::uint32_t colors[12] = {0xFFFF, 0, 0};
+  xcb_change_property(screen_.x(), XCB_PROP_MODE_REPLACE, screen_.selectionOwner("_NET_SYSTEM_TRAY_S0"),
+                      screen_.atom("_NET_SYSTEM_TRAY_COLORS"), XCB_ATOM_CARDINAL, 32, 12, colors);
+  xcb_flush(screen_.x());
   busDaemon_.signal(SIGKILL);
   ASSERT_TRUE(waitFor(isEmbedded)) << "no panel without a bus";
+  EXPECT_TRUE(waitFor([this] {
+    const auto pixels = screen_.screenPixels();
+    return std::ranges::count(pixels, 0xFF0000U) > 20;
+  })) << "the icon's lines";
   EXPECT_EQ(logged("no tray on this desktop"), 1);
 
   chooseByMouse(0);
   const auto captures = [this] {
     const auto overlays = screen_.windowsOfClass("Lumiscan");
     return overlays.size() == 1 && screen_.geometryOf(overlays[0]).width == screen_.width() &&
-           !screen_.canGrabPointer();
+           screen_.inputIsTaken();
   };
   ASSERT_TRUE(waitFor(captures)) << "the first item";
   screen_.pressKeys({KEY_ESC});
-  ASSERT_TRUE(waitFor([this] { return windows() == 0 && screen_.canGrabPointer(); }));
+  ASSERT_TRUE(waitFor([this] { return windows() == 0 && screen_.inputIsFree(); }));
   chooseByMouse(1);
   EXPECT_EQ(program_->waitForEnd(processEvents), 0) << "quits by the last item";
+}
+
+TEST_F(StatusItemTest, StandsInThePanelOfABusThatComesLateOrAgain) {
+  busDaemon_.signal(SIGKILL);
+  busDaemon_.waitForEnd();
+  startProgram();
+  ASSERT_TRUE(waitFor([this] { return screen_.shortcutIsTaken(); }));
+
+  // The first one hangs before the program can find it.
+  const std::string socket = screen_.home() / "first";
+  const PrivateBus first("unix:path=" + socket);
+  first.signal(SIGSTOP);
+  std::filesystem::rename(socket, screen_.home() / "bus");
+  const auto isTried = [&socket] {
+    std::ifstream sockets("/proc/net/unix");
+    int ends = 0;
+    for (std::string line; std::getline(sockets, line);) ends += line.ends_with(socket);
+    return ends > 1;
+  };
+  ASSERT_TRUE(waitFor(isTried));
+  screen_.pressKeys({KEY_LEFTMETA, KEY_LEFTSHIFT, KEY_2});
+  ASSERT_TRUE(waitFor([this] { return windows() == 1 && screen_.inputIsTaken(); })) << "not waited for";
+  screen_.pressKeys({KEY_ESC});
+  ASSERT_TRUE(waitFor([this] { return windows() == 0; }));
+  first.signal(SIGCONT);
+  TrayPanel panel(busDaemon_.address());
+  ASSERT_TRUE(panel.start());
+  EXPECT_TRUE(waitFor([&panel] { return !panel.item().isEmpty(); }));
+
+  first.signal(SIGKILL);
+  ASSERT_TRUE(waitFor([this] { return logged("the session bus has ended") == 1; }));
+  const PrivateBus second(busDaemon_.address());
+  TrayPanel again(second.address());
+  ASSERT_TRUE(again.start());
+  ASSERT_TRUE(waitFor([&again] { return !again.item().isEmpty(); }));
+  EXPECT_EQ(again.layout().children.size(), 17U);
+  again.click(idOf(again.layout(), "Quit Lumiscan").value());
+  EXPECT_EQ(program_->waitForEnd(processEvents), 0);
 }
 
 }  // namespace

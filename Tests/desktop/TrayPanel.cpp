@@ -9,17 +9,17 @@ namespace {
 using desktop::statusnotifier::MenuLayout;
 
 const QString watcher = QStringLiteral("org.kde.StatusNotifierWatcher");
-const QString connectionName = QStringLiteral("panel");
 
 }  // namespace
 
 TrayPanel::TrayPanel(const std::string& address)
-    : bus_(QDBusConnection::connectToBus(QString::fromStdString(address), connectionName)) {
+    : bus_(QDBusConnection::connectToBus(QString::fromStdString(address),
+                                         QStringLiteral("panel-%1").arg(quintptr(this)))) {
   desktop::statusnotifier::registerTypes();
   bus_.registerVirtualObject(QStringLiteral("/StatusNotifierWatcher"), this);
 }
 
-TrayPanel::~TrayPanel() { QDBusConnection::disconnectFromBus(connectionName); }
+TrayPanel::~TrayPanel() { QDBusConnection::disconnectFromBus(bus_.name()); }
 
 bool TrayPanel::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
   if (message.member() == u"RegisterStatusNotifierItem") {
@@ -57,6 +57,13 @@ MenuLayout TrayPanel::layout(int id) {
 void TrayPanel::click(int id) {
   callMenu(QStringLiteral("Event"),
            {id, QStringLiteral("clicked"), QVariant::fromValue(QDBusVariant(0)), 0U});
+}
+
+bool TrayPanel::clickIfThere(int id) {
+  const desktop::statusnotifier::MenuEvent event{id, QStringLiteral("clicked"), QDBusVariant(0), 0};
+  const QList<desktop::statusnotifier::MenuEvent> events{event};
+  const auto unknown = callMenu(QStringLiteral("EventGroup"), {QVariant::fromValue(events)}).arguments();
+  return qdbus_cast<QList<int>>(unknown.value(0)).isEmpty();
 }
 
 bool TrayPanel::aboutToShow(int id) {

@@ -24,12 +24,16 @@ class TrayPanel : public QDBusVirtualObject {
   /// The bus name of the item that came last; empty before.
   const QString& item() const { return item_; }
 
+  QDBusConnection bus() const { return bus_; }
+
   // Of that item; these wait for its program. What fails comes as an error message, or empty.
   QDBusMessage call(const QString& path, const QString& interface, const QString& member,
                     const QVariantList& arguments);
   QDBusMessage callMenu(const QString& member, const QVariantList& arguments);
   desktop::statusnotifier::MenuLayout layout(int id = 0);
   void click(int id);
+  /// The same in the protocol's other words; false when the menu doesn't have the item any more.
+  bool clickIfThere(int id);
   /// Whether what is in the submenu of this number has changed. Number 0 is the menu itself.
   bool aboutToShow(int id);
 

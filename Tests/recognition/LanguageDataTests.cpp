@@ -2,31 +2,23 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <fstream>
+#include "support/TemporaryFolder.h"
 
 namespace lumiscan::desktop {
 namespace {
 
-namespace fs = std::filesystem;
-using testing::ElementsAre;
-using testing::IsEmpty;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 
-class LanguageDataTest : public testing::Test {
- public:
-  LanguageDataTest() {
-    std::string pattern = (fs::temp_directory_path() / "lumiscan-data-XXXXXX").string();
-    folder_ = mkdtemp(pattern.data());
-  }
-  ~LanguageDataTest() override { fs::remove_all(folder_); }
-
+class LanguageDataTest : public ::testing::Test {
  protected:
   void install(std::initializer_list<const char*> names) {
     for (const std::string name : names) std::ofstream(folder_ / (name + ".traineddata")) << "data";
   }
 
-  fs::path folder_;
+  const testing::TemporaryFolder temporary_;
+  const std::filesystem::path folder_ = temporary_.path();
 };
 
 TEST_F(LanguageDataTest, TagsSelectTrainedDataInTheirOrder) {

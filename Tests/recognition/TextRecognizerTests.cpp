@@ -15,6 +15,7 @@
 
 #include "Pictures.h"
 #include "platform/linux/recognition/LanguageData.h"
+#include "support/TemporaryFolder.h"
 
 namespace lumiscan::desktop {
 namespace {
@@ -22,10 +23,10 @@ namespace {
 namespace fs = std::filesystem;
 using platform::Color;
 using platform::Image;
-using testing::ElementsAre;
-using testing::ElementsAreArray;
-using testing::HasSubstr;
-using testing::IsEmpty;
+using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
 
 std::vector<std::string> linesOf(TesseractRecognizer& recognizer, const Image& image,
                                  std::vector<std::string> languages = {"en-US"}) {
@@ -229,16 +230,10 @@ TEST(TextRecognizer, PreparesInTheBackgroundAndReleases) {
   EXPECT_THAT(linesOf(ownThreads, pictureOf(paragraph)), ElementsAreArray(paragraph));
 }
 
-class DamagedData : public testing::Test {
- public:
-  DamagedData() {
-    std::string pattern = (fs::temp_directory_path() / "lumiscan-data-XXXXXX").string();
-    folder_ = mkdtemp(pattern.data());
-  }
-  ~DamagedData() override { fs::remove_all(folder_); }
-
+class DamagedData : public ::testing::Test {
  protected:
-  fs::path folder_;
+  const testing::TemporaryFolder temporary_;
+  const fs::path folder_ = temporary_.path();
 };
 
 TEST_F(DamagedData, IsAnErrorAndNoCrash) {

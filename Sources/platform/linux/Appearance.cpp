@@ -27,7 +27,14 @@ std::optional<bool> prefersDark(QVariant value) {
 
 }  // namespace
 
-ColorScheme::ColorScheme(QDBusConnection bus) : bus_(std::move(bus)) {
+ColorScheme::ColorScheme(QDBusConnection bus) : bus_(std::move(bus)) { followPortal(); }
+
+void ColorScheme::useBus(QDBusConnection bus) {
+  bus_ = std::move(bus);
+  followPortal();
+}
+
+void ColorScheme::followPortal() {
   // From whomever, since to name the sender would mean to wait for the bus to find it.
   bus_.connect({}, path, interface, QStringLiteral("SettingChanged"), {space, key}, QStringLiteral("ssv"),
                this, SLOT(settingChanged(QDBusMessage)));

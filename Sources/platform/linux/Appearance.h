@@ -15,7 +15,9 @@ class ColorScheme : public QObject {
   Q_OBJECT
 
  public:
-  explicit ColorScheme(QDBusConnection bus = QDBusConnection::sessionBus());
+  explicit ColorScheme(QDBusConnection bus);
+  /// From now on, in the place of one that has ended.
+  void useBus(QDBusConnection bus);
   bool isDark();
 
   /// The portal has said something new.
@@ -24,6 +26,7 @@ class ColorScheme : public QObject {
  private:
   /// The portal's signal: space, key and value. The bus sends it for our key alone.
   Q_SLOT void settingChanged(const QDBusMessage& signal);
+  void followPortal();
   void askPortal();
   void settle(std::optional<bool> preferred);
 

@@ -63,11 +63,7 @@ xcb_timestamp_t ClipboardOwner::serverTime() {
   return XCB_CURRENT_TIME;
 }
 
-bool ClipboardOwner::ownsClipboard() {
-  const x11::Reply<xcb_get_selection_owner_reply_t> owner(
-      xcb_get_selection_owner_reply(x_, xcb_get_selection_owner(x_, atoms_[atomClipboard]), nullptr));
-  return owner && owner->owner == window_;
-}
+bool ClipboardOwner::ownsClipboard() { return x11::selectionOwner(x_, atoms_[atomClipboard]) == window_; }
 
 void ClipboardOwner::offer(std::optional<std::string> offered) {
   if (!x_) return;
@@ -226,9 +222,7 @@ void ClipboardOwner::receiverTook(const xcb_property_notify_event_t& event) {
 
 void ClipboardOwner::handToManager() {
   if (!x_ || !text_) return;
-  const x11::Reply<xcb_get_selection_owner_reply_t> manager(
-      xcb_get_selection_owner_reply(x_, xcb_get_selection_owner(x_, atoms_[atomClipboardManager]), nullptr));
-  if (!manager || manager->owner == XCB_WINDOW_NONE) return;
+  if (x11::selectionOwner(x_, atoms_[atomClipboardManager]) == XCB_WINDOW_NONE) return;
   const xcb_atom_t offered[] = {atoms_[atomUTF8String], atoms_[atomPlainTextUTF8], XCB_ATOM_STRING};
   xcb_change_property(x_, XCB_PROP_MODE_REPLACE, window_, atoms_[atomScratch], XCB_ATOM_ATOM, 32,
                       std::size(offered), offered);

@@ -28,6 +28,7 @@
 #include "platform/linux/PanelPeer.h"
 #include "platform/linux/PanelStage.h"
 #include "platform/linux/Pasteboard.h"
+#include "platform/linux/SessionBus.h"
 #include "platform/linux/Sound.h"
 #include "platform/linux/SpeechSynthesizer.h"
 #include "platform/linux/StandingThreads.h"
@@ -108,6 +109,8 @@ struct Interactive {
         displays(allDisplays),
         panels(toolkitConnection(), displays),
         overlays(toolkitConnection(), displays, panels) {
+    QObject::connect(&sessionBus, &SessionBus::changed, &colorScheme,
+                     [this] { colorScheme.useBus(sessionBus.connection()); });
     panels.beforeShowing = [this] { overlays.freezeAll(); };
     displays.setStage(&panels);
     followToolkitScreens(displays, overlays, screenFollower);
@@ -123,8 +126,9 @@ struct Interactive {
   x11::X11HotKeys hotKeys;
   CanberraSounds sounds;
   QtTypesetter typesetter;
-  ColorScheme colorScheme;
-  TrayStatusBar statusBar{colorScheme};
+  SessionBus sessionBus;
+  ColorScheme colorScheme{sessionBus.connection()};
+  TrayStatusBar statusBar{sessionBus, colorScheme};
   QtAlerts alerts{colorScheme};
   PanelFreeDisplays& displays;
   PanelStage panels;

@@ -1,7 +1,5 @@
 #include "platform/linux/LoginSession.h"
 
-#include <poll.h>
-
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
@@ -39,8 +37,6 @@ bool property(sd_bus_message* message, std::string_view wanted) {
 
 }  // namespace
 
-void LoginSession::CloseBus::operator()(sd_bus* bus) const { sd_bus_close_unref(bus); }
-
 LoginSession::LoginSession(platform::NotificationCenter& center) : center_(center) {
   sd_bus* bus = nullptr;
   const int status = sd_bus_open_system(&bus);
@@ -48,33 +44,25 @@ LoginSession::LoginSession(platform::NotificationCenter& center) : center_(cente
     logNothingToFollow(std::strerror(-status));
     return;
   }
-  bus_.reset(bus);
-  const auto watch = [this](QSocketNotifier::Type type) {
-    auto notifier = std::make_unique<QSocketNotifier>(sd_bus_get_fd(bus_.get()), type);
-    QObject::connect(notifier.get(), &QSocketNotifier::activated, notifier.get(), [this] { process(); });
-    return notifier;
-  };
-  readable_ = watch(QSocketNotifier::Read);
-  writable_ = watch(QSocketNotifier::Write);
+  bus_.emplace(bus);
+  bus_->ended = [this](int reason) { logNothingToFollow(std::strerror(reason)); };
   sd_bus_match_signal_async(bus, nullptr, service, managerPath, managerInterface, "PrepareForSleep",
                             preparesForSleep, nullptr, this);
   if (const char* identifier = std::getenv("XDG_SESSION_ID"); identifier && *identifier)
     askForSession(identifier);
   else
     askForOwnSession();
-  process();
+  bus_->serve();
 }
 
-LoginSession::~LoginSession() = default;
-
 void LoginSession::askForSession(const char* identifier) {
-  sd_bus_call_method_async(bus_.get(), nullptr, service, managerPath, managerInterface, "GetSession",
+  sd_bus_call_method_async(bus_->get(), nullptr, service, managerPath, managerInterface, "GetSession",
                            sessionCame, this, "s", identifier);
 }
 
 void LoginSession::askForOwnSession() {
   askedForOwn_ = true;
-  sd_bus_call_method_async(bus_.get(), nullptr, service, ownSessionPath, propertiesInterface, "Get",
+  sd_bus_call_method_async(bus_->get(), nullptr, service, ownSessionPath, propertiesInterface, "Get",
                            sessionIDCame, this, "ss", sessionInterface, "Id");
 }
 
@@ -98,7 +86,7 @@ int LoginSession::sessionCame(sd_bus_message* message, void* self, sd_bus_error*
     else
       session.askForOwnSession();
   } else if (sd_bus_message_read(message, "o", &path) >= 0) {
-    sd_bus_match_signal_async(session.bus_.get(), nullptr, service, path, propertiesInterface,
+    sd_bus_match_signal_async(session.bus_->get(), nullptr, service, path, propertiesInterface,
                               "PropertiesChanged", propertiesChanged, nullptr, self);
   }
   return 0;
@@ -117,15 +105,6 @@ int LoginSession::propertiesChanged(sd_bus_message* message, void* self, sd_bus_
       property(message, "Active"))
     static_cast<LoginSession*>(self)->center_.post(platform::sessionDidBecomeActive);
   return 0;
-}
-
-void LoginSession::process() {
-  int status = 1;
-  while (status > 0) status = sd_bus_process(bus_.get(), nullptr);
-  // The library's time limits are left alone: an answer that never comes is waited for without waking up.
-  readable_->setEnabled(status >= 0);
-  writable_->setEnabled(status >= 0 && (sd_bus_get_events(bus_.get()) & POLLOUT) != 0);
-  if (status < 0) logNothingToFollow(std::strerror(-status));
 }
 
 void LoginSession::logNothingToFollow(const char* reason) {

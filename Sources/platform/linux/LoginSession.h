@@ -2,12 +2,12 @@
 
 #include <systemd/sd-bus.h>
 
-#include <QSocketNotifier>
-#include <memory>
+#include <optional>
 #include <string>
 
 #include "platform/Logger.h"
 #include "platform/NotificationCenter.h"
+#include "platform/linux/ServedBus.h"
 
 namespace lumiscan::desktop {
 
@@ -19,14 +19,10 @@ class LoginSession {
  public:
   /// The centre outlives the object. `DBUS_SYSTEM_BUS_ADDRESS` says which bus, where it is set.
   explicit LoginSession(platform::NotificationCenter& center);
-  ~LoginSession();
   LoginSession(const LoginSession&) = delete;
   LoginSession& operator=(const LoginSession&) = delete;
 
  private:
-  struct CloseBus {
-    void operator()(sd_bus* bus) const;
-  };
   // What the bus answers and tells; `self` is the object.
   static int sessionIDCame(sd_bus_message* message, void* self, sd_bus_error*);
   static int sessionCame(sd_bus_message* message, void* self, sd_bus_error*);
@@ -36,14 +32,11 @@ class LoginSession {
   void askForSession(const char* identifier);
   /// For a program that was started outside of the session: the login manager knows whose it is.
   void askForOwnSession();
-  void process();
   void logNothingToFollow(const char* reason);
 
   platform::NotificationCenter& center_;
   platform::Logger logger_{"workspace"};
-  std::unique_ptr<sd_bus, CloseBus> bus_;
-  std::unique_ptr<QSocketNotifier> readable_;
-  std::unique_ptr<QSocketNotifier> writable_;
+  std::optional<ServedBus> bus_;
   bool askedForOwn_ = false;
   bool logged_ = false;
 };

@@ -10,7 +10,6 @@
 #include "platform/linux/CallOnThread.h"
 #include "platform/linux/PanelPeer.h"
 #include "platform/linux/x11/Connection.h"
-#include "platform/linux/x11/Visual.h"
 
 namespace lumiscan::desktop {
 

@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "platform/linux/x11/Connection.h"
-#include "platform/linux/x11/Visual.h"
 
 namespace lumiscan::desktop {
 

@@ -99,33 +99,17 @@ struct CanberraSounds::Player {
   std::map<std::string, std::unique_ptr<SoundFile>> files;
 };
 
-CanberraSounds::CanberraSounds() : player_(std::make_shared<Player>()), worker_(std::make_unique<Worker>()) {
-  useSoundResources();
-}
+CanberraSounds::CanberraSounds() : player_(serverPatience) { useSoundResources(); }
 
-CanberraSounds::~CanberraSounds() { leavePlayer(); }
-
-void CanberraSounds::leavePlayer() {
-  // Disconnecting it may wait for the server: never here.
-  worker_->post([player = std::move(player_)]() mutable { player = nullptr; });
-}
-
-void CanberraSounds::use(std::function<void(Player&)> what) {
-  if (worker_->hangs(serverPatience)) {
-    if (!Worker::mayBeReplaced()) return;
-    leavePlayer();
-    player_ = std::make_shared<Player>();
-    worker_ = std::make_unique<Worker>();
-  }
-  worker_->post([player = player_, what = std::move(what)] { what(*player); });
-}
+CanberraSounds::~CanberraSounds() = default;
 
 void CanberraSounds::play(std::string_view name) {
-  use([sound = std::string(name)](Player& player) { player.play(sound); });
+  if (!player_.start()) return;
+  player_.post([sound = std::string(name)](Player& player) { player.play(sound); });
 }
 
 void CanberraSounds::beep() {
-  use([](Player& player) { player.beep(); });
+  if (player_.start()) player_.post([](Player& player) { player.beep(); });
 }
 
 }  // namespace lumiscan::desktop

@@ -1,10 +1,7 @@
 #pragma once
 
-#include <functional>
-#include <memory>
-
 #include "platform/Sound.h"
-#include "platform/linux/Worker.h"
+#include "platform/linux/ServerWorker.h"
 
 namespace lumiscan::desktop {
 
@@ -12,7 +9,7 @@ namespace lumiscan::desktop {
 /// word with the server is on a thread of its own.
 class CanberraSounds : public platform::Sounds {
  public:
-  /// Begins to connect to the sound server, so that the first sound isn't late.
+  /// The first sound connects to the server.
   CanberraSounds();
   ~CanberraSounds() override;
 
@@ -24,12 +21,7 @@ class CanberraSounds : public platform::Sounds {
  private:
   struct Player;
 
-  /// Has the worker do something with the player, a new one if the server keeps the old one waiting.
-  void use(std::function<void(Player&)> what);
-  void leavePlayer();
-
-  std::shared_ptr<Player> player_;
-  std::unique_ptr<Worker> worker_;
+  ServerWorker<Player> player_;
 };
 
 }  // namespace lumiscan::desktop

@@ -36,8 +36,9 @@ std::string socketPath() {
   return address->unix_socket_name;
 }
 
-/// What the server answers to the command, until its last line; cut short when the connection breaks.
-std::string answer(const std::string& path, std::string_view command, std::string_view lastLine) {
+/// What the server at the socket answers to the commands, of which the last has it end the connection; cut
+/// short when that breaks.
+std::string answer(const std::string& path, std::string_view commands) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
   if (path.empty() || path.size() >= sizeof address.sun_path) return {};
@@ -45,14 +46,10 @@ std::string answer(const std::string& path, std::string_view command, std::strin
   const int server = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
   std::string text;
   if (connect(server, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 &&
-      send(server, command.data(), command.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(command.size())) {
+      send(server, commands.data(), commands.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(commands.size())) {
     char part[65536];
-    for (ssize_t count = 1;
-         count > 0 && text.find(lastLine, text.size() < sizeof part ? 0 : text.size() - sizeof part) ==
-                          std::string::npos;) {
-      count = recv(server, part, sizeof part, 0);
-      if (count > 0) text.append(part, static_cast<std::size_t>(count));
-    }
+    for (ssize_t count = 0; (count = recv(server, part, sizeof part, 0)) > 0;)
+      text.append(part, static_cast<std::size_t>(count));
   }
   close(server);
   return text;
@@ -73,8 +70,7 @@ std::vector<std::string> offeredSpeechLanguages(SPDConnection* connection) {
   const std::string text = answer(path,
                                   "SET SELF CLIENT_NAME user:lumiscan:voices\r\n"
                                   "LIST SYNTHESIS_VOICES\r\n"
-                                  "QUIT\r\n",
-                                  "\r\n231 ");  // The farewell.
+                                  "QUIT\r\n");
   // Lines such as 249-NAME<tab>LANGUAGE<tab>VARIANT.
   for (std::size_t begin = 0; begin < text.size();) {
     const std::size_t end = std::min(text.find('\n', begin), text.size());

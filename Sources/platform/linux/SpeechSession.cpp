@@ -155,8 +155,9 @@ void SpeechSession::speak(Ticket ticket, const platform::SpeechUtterance& uttera
   const std::lock_guard lock(mutex_);
   // One that was dropped meanwhile is silenced by the `cancel` that follows.
   const bool wanted = announced_.erase(ticket) > 0;
-  if (message < 0 || endedEarly_.erase(message) > 0 || !wanted) return;
-  spoken_.insert(message);
+  const bool hasEnded = endedEarly_.contains(message);
+  endedEarly_.clear();  // The others were dropped while they were spoken.
+  if (message >= 0 && wanted && !hasEnded) spoken_.insert(message);
 }
 
 void SpeechSession::cancel() {

@@ -17,7 +17,7 @@ class SpeechSession {
   SpeechSession(const SpeechSession&) = delete;
   SpeechSession& operator=(const SpeechSession&) = delete;
 
-  /// One utterance's place in the order of things.
+  /// The number of an utterance, which no other of the session has.
   using Ticket = std::uint64_t;
 
   // Any thread; none of these waits for the server.
@@ -44,8 +44,8 @@ class SpeechSession {
   mutable std::mutex mutex_;
   Ticket lastTicket_ = 0;
   std::set<Ticket> announced_;
-  std::set<int> spoken_;      ///< The server's numbers of messages that have not ended.
-  std::set<int> endedEarly_;  ///< Of messages that ended before their number was known here.
+  std::set<int> spoken_;      ///< Messages that have not ended, by the server's numbers.
+  std::set<int> endedEarly_;  ///< Messages that ended before their number was known here.
   std::shared_ptr<Connection> connection_;
 };
 

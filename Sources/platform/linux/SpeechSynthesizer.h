@@ -1,10 +1,9 @@
 #pragma once
 
 #include <chrono>
-#include <memory>
 
 #include "platform/SpeechSynthesizer.h"
-#include "platform/linux/Worker.h"
+#include "platform/linux/ServerWorker.h"
 
 namespace lumiscan::desktop {
 
@@ -26,12 +25,7 @@ class SpeechDispatcherSynthesizer : public platform::SpeechSynthesizer {
   void speak(const platform::SpeechUtterance& utterance) override;
 
  private:
-  void startAfresh();
-  void leaveSession();
-
-  std::chrono::milliseconds serverPatience_;
-  std::shared_ptr<SpeechSession> session_;
-  std::unique_ptr<Worker> worker_;  ///< None before the first utterance.
+  ServerWorker<SpeechSession> session_;
 };
 
 }  // namespace lumiscan::desktop

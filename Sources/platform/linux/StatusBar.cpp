@@ -1,7 +1,6 @@
 #include "platform/linux/StatusBar.h"
 
 #include <QCursor>
-#include <QDBusConnection>
 #include <QGuiApplication>
 #include <QScreen>
 #include <QTimer>
@@ -10,6 +9,7 @@
 
 #include "platform/Logger.h"
 #include "platform/linux/Menu.h"
+#include "platform/linux/SessionBus.h"
 #include "platform/linux/StatusIcon.h"
 #include "platform/linux/Symbols.h"
 #include "platform/linux/statusnotifier/Item.h"
@@ -34,43 +34,52 @@ QPoint besideIcon(const QRect& icon) {
 
 class TrayItem : public platform::StatusItem {
  public:
-  explicit TrayItem(ColorScheme& colorScheme)
-      : colorScheme_(colorScheme), notifierItem_(QDBusConnection::sessionBus(), colorScheme) {
-    QObject::connect(&notifierItem_, &statusnotifier::Item::changed, &context_, [this] { choosePlace(); });
-    QObject::connect(&notifierItem_, &statusnotifier::Item::activated, &context_,
-                     [this] { openMenu(QCursor::pos()); });
+  TrayItem(SessionBus& bus, ColorScheme& colorScheme) : bus_(bus), colorScheme_(colorScheme) {
+    offerOverTheBus();
+    QObject::connect(&bus_, &SessionBus::changed, &context_, [this] { offerOverTheBus(); });
     window_.trayChanged = [this] { choosePlace(); };
     window_.picture = [this](int side, const QColor& color) {
-      return statusPicture(notifierItem_.button(), side, color, Halo::none);
+      return statusPicture(button_, side, color, Halo::none);
     };
     window_.pressed = [this](const QRect& window) { openMenu(besideIcon(window)); };
     window_.hovered = [this](bool inside) { hover(inside); };
     toolTipTimer_.setSingleShot(true);
     toolTipTimer_.setInterval(toolTipDelay);
-    QObject::connect(&toolTipTimer_, &QTimer::timeout, &context_, [this] {
-      QToolTip::showText(QCursor::pos(), QString::fromStdString(notifierItem_.button().toolTip));
-    });
-    // The caller sets the button and the menu first.
-    QMetaObject::invokeMethod(
-        &context_, [this] { choosePlace(); }, Qt::QueuedConnection);
+    QObject::connect(&toolTipTimer_, &QTimer::timeout, &context_,
+                     [this] { QToolTip::showText(QCursor::pos(), QString::fromStdString(button_.toolTip)); });
   }
 
   bool hasButton() const override { return true; }
   void setButton(platform::StatusItemButton button) override {
-    notifierItem_.setButton(std::move(button));
+    button_ = std::move(button);
+    notifierItem_->setButton(button_);
     window_.repaint();
   }
   void setMenu(std::shared_ptr<platform::Menu> menu) override {
     menu_ = std::move(menu);
-    notifierItem_.setMenu(menu_);
+    notifierItem_->setMenu(menu_);
   }
   const std::shared_ptr<platform::Menu>& menu() const override { return menu_; }
 
  private:
+  /// Anew for each bus.
+  void offerOverTheBus() {
+    notifierItem_ = std::make_unique<statusnotifier::Item>(bus_.connection(), colorScheme_);
+    QObject::connect(notifierItem_.get(), &statusnotifier::Item::changed, &context_,
+                     [this] { choosePlace(); });
+    QObject::connect(notifierItem_.get(), &statusnotifier::Item::activated, &context_,
+                     [this] { openMenu(QCursor::pos()); });
+    notifierItem_->setButton(button_);
+    notifierItem_->setMenu(menu_);
+    // Later, since the caller who makes the item sets the button and the menu first.
+    QMetaObject::invokeMethod(
+        &context_, [this] { choosePlace(); }, Qt::QueuedConnection);
+  }
+
   /// In one tray only: some panels have both kinds.
   void choosePlace() {
-    if (!notifierItem_.isKnown()) return;
-    if (notifierItem_.isShown())
+    if (!notifierItem_->isKnown()) return;
+    if (notifierItem_->isShown())
       window_.undock();
     else if (window_.hasTray())
       window_.dock(qGuiApp->devicePixelRatio());
@@ -92,12 +101,14 @@ class TrayItem : public platform::StatusItem {
       QToolTip::hideText();
   }
 
+  SessionBus& bus_;
   ColorScheme& colorScheme_;
   QObject context_;
   QTimer toolTipTimer_;
+  platform::StatusItemButton button_;
   std::shared_ptr<platform::Menu> menu_;
   PopupMenu popup_;
-  statusnotifier::Item notifierItem_;
+  std::unique_ptr<statusnotifier::Item> notifierItem_;
   x11::TrayWindow window_;
   bool missingTold_ = false;
 };
@@ -106,7 +117,7 @@ class TrayItem : public platform::StatusItem {
 
 std::unique_ptr<platform::StatusItem> TrayStatusBar::statusItem(double) {
   // How long an item is, is a matter of the panel here: all are square.
-  return std::make_unique<TrayItem>(colorScheme_);
+  return std::make_unique<TrayItem>(bus_, colorScheme_);
 }
 
 std::optional<platform::SymbolImage> TrayStatusBar::symbolImage(std::string_view name,

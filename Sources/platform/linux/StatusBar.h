@@ -9,18 +9,21 @@
 
 namespace lumiscan::desktop {
 
+class SessionBus;
+
 /// The trays of Linux panels: those that ask for items over D-Bus go first, then those that embed windows.
 /// Made after the application object.
 class TrayStatusBar : public platform::StatusBar {
  public:
-  /// `colorScheme` outlives the bar's items.
-  explicit TrayStatusBar(ColorScheme& colorScheme) : colorScheme_(colorScheme) {}
+  /// Both outlive the bar's items.
+  TrayStatusBar(SessionBus& bus, ColorScheme& colorScheme) : bus_(bus), colorScheme_(colorScheme) {}
 
   std::unique_ptr<platform::StatusItem> statusItem(double length) override;
   std::optional<platform::SymbolImage> symbolImage(std::string_view name,
                                                    std::string_view accessibilityDescription) override;
 
  private:
+  SessionBus& bus_;
   ColorScheme& colorScheme_;
 };
 

@@ -12,10 +12,11 @@ namespace lumiscan::desktop {
 /// picture for a name that isn't known.
 QImage symbolPicture(std::string_view name, int side, const QColor& color);
 
-/// What shows for the status item: its image, or else its title. In a square of `side` pixels. Where the
-/// ground isn't known, a halo of the opposite colour keeps it readable on the wrong one, and isn't seen on
-/// the right one.
+/// What goes around an icon. Where its ground isn't known, a halo of the opposite colour keeps it readable on
+/// the wrong one, and isn't seen on the right one.
 enum class Halo { none, opposite };
+
+/// What shows for the status item: its image, or else its title. In a square of `side` pixels.
 QImage statusPicture(const platform::StatusItemButton& button, int side, const QColor& color, Halo halo);
 
 /// The colour of icons on a dark or a light panel.

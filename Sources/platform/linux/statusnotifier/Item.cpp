@@ -57,9 +57,6 @@ Item::Item(QDBusConnection bus, ColorScheme& colorScheme)
           });
   for (const char* name : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"})
     bus_.connect({}, watcherPath, watcher, QString::fromLatin1(name), this, SLOT(askForHost()));
-  bus_.connect({}, QStringLiteral("/org/freedesktop/DBus/Local"),
-               QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
-               SLOT(busEnded()));
   connect(&colorScheme_, &ColorScheme::changed, this, [this] {
     if (colorScheme_.isDark() != drawnForDark_) emit buttonChanged();
   });

@@ -15,7 +15,7 @@ namespace lumiscan::desktop::statusnotifier {
 
 /// The status item as a panel sees it that asks over D-Bus (org.kde.StatusNotifierItem). Announces itself to
 /// the watcher that collects such items, now and whenever one appears. Waits for nobody but the bus itself.
-/// Main thread only.
+/// Of no use any more once the bus has ended. Main thread only.
 class Item : public QObject {
   Q_OBJECT
 
@@ -43,7 +43,6 @@ class Item : public QObject {
 
  private:
   Q_SLOT void askForHost();
-  Q_SLOT void busEnded() { settle(false); }
   void announce();
   void settle(bool shown);
 

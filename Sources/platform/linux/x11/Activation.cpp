@@ -36,8 +36,7 @@ void activate(xcb_connection_t* connection, xcb_window_t window) {
   message.type = atom(connection, "_NET_ACTIVE_WINDOW");
   message.data.data32[0] = directUserAction;
   message.data.data32[1] = serverTime();
-  const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
-  xcb_send_event(connection, 0, root,
+  xcb_send_event(connection, 0, screenOf(connection).root,
                  XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
                  reinterpret_cast<const char*>(&message));
   xcb_flush(connection);

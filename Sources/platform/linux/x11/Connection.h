@@ -40,8 +40,30 @@ class Connection {
   const xcb_screen_t* screen_;
 };
 
+/// The first screen of the display, which holds all monitors; the connection owns it.
+const xcb_screen_t& screenOf(xcb_connection_t* connection);
+
 /// The server's number for a name; `XCB_ATOM_NONE` when it can't be had.
 xcb_atom_t atom(xcb_connection_t* connection, std::string_view name);
+
+/// The window that owns a selection; `XCB_WINDOW_NONE` when none does or the server doesn't answer.
+xcb_window_t selectionOwner(xcb_connection_t* connection, xcb_atom_t selection);
+
+/// Keeps the server from serving anybody else, as long as it lives. What was asked for meanwhile has been
+/// sent when it goes.
+class ServerGrab {
+ public:
+  explicit ServerGrab(xcb_connection_t* connection) : connection_(connection) { xcb_grab_server(connection); }
+  ~ServerGrab() {
+    xcb_ungrab_server(connection_);
+    xcb_flush(connection_);
+  }
+  ServerGrab(const ServerGrab&) = delete;
+  ServerGrab& operator=(const ServerGrab&) = delete;
+
+ private:
+  xcb_connection_t* connection_;
+};
 
 /// Whether a compositing manager runs, which makes translucent windows translucent.
 bool hasCompositor(xcb_connection_t* connection);

@@ -132,7 +132,7 @@ std::optional<platform::Image> X11Displays::createImage(platform::DisplayID disp
   return image;
 }
 
-void X11Displays::waitForRepaint(const platform::DisplayID& display, const Mark& mark,
+void X11Displays::waitForRepaint(platform::DisplayID display, const Mark& mark,
                                  std::chrono::steady_clock::time_point since) const {
   // A ground that has changed meanwhile never comes back: then the time itself must do.
   constexpr auto longestRepaint = std::chrono::milliseconds(300);

@@ -75,7 +75,8 @@ class X11Displays : public platform::Displays {
   /// By the output's name. Any thread.
   void setToolkitScreens(std::map<std::string, ToolkitScreen> screens);
 
-  /// Null for none; it outlives its use here. Main thread.
+  // For the overlays, and on their thread, the main one.
+  /// Null for none; it outlives its use here.
   void setConcealer(OverlayConcealer* concealer);
   /// Called before an overlay over the display shows.
   OverlayGround overlayOpens(platform::DisplayID display);
@@ -96,7 +97,7 @@ class X11Displays : public platform::Displays {
   std::optional<Mark> knownMark(platform::DisplayID display) const;
   std::optional<std::uint32_t> pixelColor(platform::DisplayID display, int x, int y) const;
   /// Waits until the screen shows none of our overlays, for a third of a second from `since` at the most.
-  void waitForRepaint(const platform::DisplayID& display, const Mark& mark,
+  void waitForRepaint(platform::DisplayID display, const Mark& mark,
                       std::chrono::steady_clock::time_point since) const;
 
   mutable std::mutex mutex_;

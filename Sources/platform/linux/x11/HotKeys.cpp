@@ -38,7 +38,7 @@ std::uint16_t withLocks(std::uint16_t modifiers, std::uint16_t locks) {
 
 X11HotKeys::X11HotKeys(xcb_connection_t* connection, std::function<xcb_window_t()> keyTaker)
     : connection_(connection),
-      root_(xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root),
+      root_(screenOf(connection).root),
       keyTaker_(std::move(keyTaker)),
       keyboardEventType_(keyboardEventType(connection)),
       modifierMap_(ModifierMap::read(connection)),

@@ -16,13 +16,9 @@ bool own(const Connection& connection, xcb_atom_t selection) {
   xcb_create_window(x, 0, window, connection.root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
                     XCB_COPY_FROM_PARENT, 0, nullptr);
   // Of two that start at once one must see the other.
-  xcb_grab_server(x);
-  const Reply<xcb_get_selection_owner_reply_t> owner(
-      xcb_get_selection_owner_reply(x, xcb_get_selection_owner(x, selection), nullptr));
-  const bool isFree = !owner || owner->owner == XCB_WINDOW_NONE;
+  const ServerGrab grab(x);
+  const bool isFree = selectionOwner(x, selection) == XCB_WINDOW_NONE;
   if (isFree) xcb_set_selection_owner(x, window, selection, XCB_TIME_CURRENT_TIME);
-  xcb_ungrab_server(x);
-  xcb_flush(x);
   return isFree;
 }
 

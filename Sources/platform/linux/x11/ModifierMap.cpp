@@ -4,6 +4,7 @@
 #include <initializer_list>
 #include <span>
 
+#include "platform/HotKeys.h"
 #include "platform/linux/x11/Connection.h"
 
 namespace lumiscan::desktop::x11 {
@@ -95,12 +96,13 @@ ModifierMap ModifierMap::read(xcb_connection_t* connection) {
 
 std::optional<std::uint16_t> ModifierMap::mask(std::uint32_t carbonModifiers) const {
   unsigned mask = 0;
-  if (carbonModifiers & 0x0100) mask |= command_;
-  if (carbonModifiers & 0x0200) mask |= XCB_MOD_MASK_SHIFT;
-  if (carbonModifiers & 0x0800) mask |= option_;
-  if (carbonModifiers & 0x1000) mask |= XCB_MOD_MASK_CONTROL;
-  if ((carbonModifiers & 0x0100 && command_ == 0) || (carbonModifiers & 0x0800 && option_ == 0))
-    return std::nullopt;
+  if (carbonModifiers & platform::cmdKey) mask |= command_;
+  if (carbonModifiers & platform::shiftKey) mask |= XCB_MOD_MASK_SHIFT;
+  if (carbonModifiers & platform::optionKey) mask |= option_;
+  if (carbonModifiers & platform::controlKey) mask |= XCB_MOD_MASK_CONTROL;
+  const bool lacksCommand = (carbonModifiers & platform::cmdKey) && command_ == 0;
+  const bool lacksOption = (carbonModifiers & platform::optionKey) && option_ == 0;
+  if (lacksCommand || lacksOption) return std::nullopt;
   return static_cast<std::uint16_t>(mask);
 }
 

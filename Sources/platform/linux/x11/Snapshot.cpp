@@ -103,21 +103,6 @@ class SharedMemory {
   std::optional<xcb_shm_seg_t> segment_;
 };
 
-/// Keeps the server from serving anybody else.
-class ServerGrab {
- public:
-  explicit ServerGrab(xcb_connection_t* connection) : connection_(connection) { xcb_grab_server(connection); }
-  ~ServerGrab() {
-    xcb_ungrab_server(connection_);
-    xcb_flush(connection_);
-  }
-  ServerGrab(const ServerGrab&) = delete;
-  ServerGrab& operator=(const ServerGrab&) = delete;
-
- private:
-  xcb_connection_t* connection_;
-};
-
 std::optional<Image> sharedMemorySnapshot(const Connection& connection, xcb_drawable_t drawable,
                                           const PixelArea& area) {
   // Strips small enough to stay in the processor's cache, and enough of them to keep the server busy.

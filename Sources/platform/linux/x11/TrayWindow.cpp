@@ -74,16 +74,12 @@ TrayWindow::~TrayWindow() { undock(); }
 
 void TrayWindow::findTray() {
   // The tray must not go between the two requests, or its end would never be told.
-  xcb_grab_server(x_);
-  const Reply<xcb_get_selection_owner_reply_t> owner(
-      xcb_get_selection_owner_reply(x_, xcb_get_selection_owner(x_, atoms_[atomTray]), nullptr));
-  tray_ = owner ? owner->owner : static_cast<xcb_window_t>(XCB_WINDOW_NONE);
+  const ServerGrab grab(x_);
+  tray_ = selectionOwner(x_, atoms_[atomTray]);
   if (hasTray()) {
     const std::uint32_t structure = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(x_, tray_, XCB_CW_EVENT_MASK, &structure);
   }
-  xcb_ungrab_server(x_);
-  xcb_flush(x_);
 }
 
 std::optional<std::uint32_t> TrayWindow::trayProperty(Atom name, std::uint32_t offset) const {

@@ -2,10 +2,6 @@
 
 namespace lumiscan::desktop::x11 {
 
-const xcb_screen_t& screenOf(xcb_connection_t* connection) {
-  return *xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
-}
-
 xcb_visualid_t visualOfDepth(const xcb_screen_t& screen, std::uint8_t depth) {
   for (auto depths = xcb_screen_allowed_depths_iterator(&screen); depths.rem; xcb_depth_next(&depths)) {
     if (depths.data->depth != depth) continue;

@@ -6,9 +6,6 @@
 
 namespace lumiscan::desktop::x11 {
 
-/// The first screen of the display, which holds all monitors; the connection owns it.
-const xcb_screen_t& screenOf(xcb_connection_t* connection);
-
 /// A visual of that depth, which has an alpha channel where it is 32; 0 when the server has none.
 xcb_visualid_t visualOfDepth(const xcb_screen_t& screen, std::uint8_t depth);
 
