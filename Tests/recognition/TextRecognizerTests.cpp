@@ -164,6 +164,13 @@ TEST(TextRecognizer, ColumnsAreReadOneAfterTheOtherAndRowsAcross) {
   expected.insert(expected.end(), right.begin(), right.end());
   EXPECT_THAT(linesOf(columns), ElementsAreArray(expected));
 
+  const std::vector<std::string> shortEnd{"Text that is set in two", "columns ends anywhere --",
+                                          "in one line", "or another"};
+  const Image uneven = Page(520, 180).lay(pictureOf(shortEnd), 0, 0).lay(pictureOf(right), 260, 0).image();
+  expected = shortEnd;
+  expected.insert(expected.end(), right.begin(), right.end());
+  EXPECT_THAT(linesOf(uneven), ElementsAreArray(expected));
+
   const Image menu = Page(400, 130)
                          .lay(pictureOf({"New Window", "Open", "Save"}), 0, 0)
                          .lay(pictureOf({"Ctrl+N", "Ctrl+O", "Ctrl+S"}), 260, 0)

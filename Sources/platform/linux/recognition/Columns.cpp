@@ -75,7 +75,7 @@ bool isRunningText(const std::vector<TextLine>& lines, int usual) {
   for (const TextLine& line : lines) widths.push_back(line.box.right - line.box.left);
   const int widest = *std::max_element(widths.begin(), widths.end());
   return !isMonospaced(lines) && 10 * wordCount(lines, usual) >= 22 * lines.size() && widest > 12 * usual &&
-         levelAt(widths, 0.5) * 10 >= widest * 6;
+         levelAt(widths, 0.7) * 10 >= widest * 6;
 }
 
 }  // namespace
