@@ -113,16 +113,21 @@ void correctDashes(std::vector<Symbol>& symbols, const GreyBitmap& ink, const Te
 }
 
 void correctHexadecimals(std::vector<Symbol>& symbols) {
+  const auto goesOn = [&](std::size_t i) {
+    return i < symbols.size() && !symbols[i].spaceBefore && isWordCharacter(symbols[i]);
+  };
   const auto isHexadecimal = [](const Symbol& symbol) {
     return symbol.text.size() == 1 && std::isxdigit(static_cast<unsigned char>(symbol.text.front()));
   };
   for (std::size_t i = 0; i + 2 < symbols.size(); ++i) {
-    const bool starts = i == 0 || symbols[i].spaceBefore || !isWordCharacter(symbols[i - 1]);
     // Some fonts have a dot or a stroke in their zero.
     const bool isZero = symbols[i].text == "O" || symbols[i].text == "@";
-    if (starts && isZero && symbols[i + 1].text == "x" && !symbols[i + 1].spaceBefore &&
-        isHexadecimal(symbols[i + 2]) && !symbols[i + 2].spaceBefore)
-      symbols[i].text = "0";
+    const bool starts = i == 0 || symbols[i].spaceBefore || !isWordCharacter(symbols[i - 1]);
+    if (!starts || !isZero || symbols[i + 1].text != "x" || symbols[i + 1].spaceBefore || !goesOn(i + 2))
+      continue;
+    std::size_t end = i + 2;
+    while (goesOn(end) && isHexadecimal(symbols[end])) ++end;
+    if (!goesOn(end)) symbols[i].text.assign(1, '0');
   }
 }
 
