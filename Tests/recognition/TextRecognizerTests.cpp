@@ -184,6 +184,8 @@ TEST(TextRecognizer, InventsNothing) {
   EXPECT_THAT(linesOf(recognizer, Page(1, 200).image()), IsEmpty());
   EXPECT_THAT(linesOf(recognizer, Page(400, 300).image()), IsEmpty());
   EXPECT_THAT(linesOf(recognizer, codePicture(ZXing::BarcodeFormat::QRCode, "not for reading")), IsEmpty());
+  const Image corner = Page(63, 81).lay(invertedPicture(Page(20, 75).image()), 43, 6).image();
+  EXPECT_THAT(linesOf(recognizer, corner), IsEmpty());
   Page checks(200, 200);
   const Image square = Page(10, 10).image();
   for (int i = 0; i < 100; ++i) checks.lay(invertedPicture(square), i % 10 * 20, i / 10 * 20);

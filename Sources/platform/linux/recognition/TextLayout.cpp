@@ -238,6 +238,14 @@ std::vector<TextLine> linesInReadingOrder(const Glyphs& glyphs, Characters chara
   return linesOf(glyphs, characters);
 }
 
+/// Whether all there is lies in one corner of the image, as that of a window beside the selection does.
+bool isCorner(const Glyphs& glyphs, const GreyBitmap& image) {
+  if (glyphs.size() != 1) return false;
+  const PixelBox& box = glyphs.front().box;
+  return (box.left == 0) != (box.right == image.width - 1) &&
+         (box.top == 0) != (box.bottom == image.height - 1);
+}
+
 }  // namespace
 
 PixelBox boxAround(const std::vector<Glyph>& glyphs) {
@@ -260,6 +268,7 @@ std::vector<TextLine> findTextLines(const GreyBitmap& ink, Characters characters
   });
   if (const auto caret = caretIn(kept, usual, characters))
     kept.erase(kept.begin() + static_cast<std::ptrdiff_t>(*caret));
+  if (isCorner(kept, ink)) return {};
   return linesInReadingOrder(kept, characters);
 }
 
