@@ -106,6 +106,15 @@ TEST(TextRecognizer, ReadsSpacesByTheirWidthAndDashesByTheirStrokes) {
     EXPECT_THAT(linesOf(pictureOf(text, {size})), ElementsAreArray(text)) << size;
 }
 
+TEST(TextRecognizer, TellsCurlyMarksFromStraightOnes) {
+  const std::vector<std::string> curly{"She called it “no good” and left", "“Well,” he said, “that’s it.”"};
+  const std::vector<std::string> straight{"She called it \"no good\" and left",
+                                          "\"Well,\" he said, \"that's it.\""};
+  for (const auto& text : {curly, straight})
+    for (const double size : {18.0, 20.0, 24.0})
+      EXPECT_THAT(linesOf(pictureOf(text, {size})), ElementsAreArray(text)) << size;
+}
+
 TEST(TextRecognizer, ReadsSeveralLanguagesInOneText) {
   const std::vector<std::string> german{"Größere Änderungen über Nacht", "müssen öfter geprüft werden."};
   EXPECT_THAT(linesOf(pictureOf(german), {"en-US", "de-DE"}), ElementsAreArray(german));

@@ -48,6 +48,7 @@ struct QuoteMark {
   PixelBox box;
   int strokes;  // 1 or 2.
   bool straight;
+  double lean;  // See `Halves`.
 };
 
 /// How the upper and the lower half of a mark differ.
@@ -128,17 +129,49 @@ bool opens(const std::vector<Symbol>& symbols, std::size_t i) {
          std::string_view("([{<").find(symbols[i - 1].text) != std::string_view::npos;
 }
 
-/// Makes a single mark double that a double one closes: one of its strokes touches the letter behind it.
+bool isDouble(const Symbol& symbol) {
+  return symbol.text == "\"" || symbol.text == "“" || symbol.text == "”";
+}
+
+/// Makes a single mark double that faces a double one: one of its strokes touches the letter beside it.
 void matchDoubles(std::vector<Symbol>& symbols) {
-  Symbol* opening = nullptr;
+  const auto isMark = [&](std::size_t i) {
+    return (symbols[i].text == "'" || isCurlySingle(symbols[i]) || isDouble(symbols[i])) &&
+           !isWithinWord(symbols, i);
+  };
   for (std::size_t i = 0; i < symbols.size(); ++i) {
-    if ((symbols[i].text != "'" && symbols[i].text != "\"") || isWithinWord(symbols, i)) continue;
-    if (opens(symbols, i))
-      opening = &symbols[i];
-    else if (opening && symbols[i].text == "\"")
-      std::exchange(opening, nullptr)->text = symbols[i].text;
-    else
-      opening = nullptr;
+    if (!isMark(i) || !opens(symbols, i)) continue;
+    std::size_t next = i + 1;
+    while (next < symbols.size() && !isMark(next)) ++next;
+    if (next == symbols.size() || opens(symbols, next)) continue;
+    // An apostrophe may end a word amid the quotation.
+    const bool isLast =
+        std::none_of(symbols.begin() + static_cast<std::ptrdiff_t>(next) + 1, symbols.end(), isDouble);
+    if (!isDouble(symbols[i]) && isDouble(symbols[next]))
+      symbols[i].text = std::string(symbols[next].text == "\"" ? "\"" : "“");
+    else if (symbols[i].text == "“" && !isDouble(symbols[next]) && isLast)
+      symbols[next].text = std::string("”");
+  }
+}
+
+/// Makes all double marks straight or curly, as most of them are, and each curly one face what it surrounds.
+/// Whoever sets curly ones sets curly apostrophes.
+void agreeOnDoubles(std::vector<Symbol>& symbols) {
+  const auto isStraight = [](const Symbol& symbol) { return symbol.text == "\""; };
+  const auto all = std::count_if(symbols.begin(), symbols.end(), isDouble);
+  const auto straight = std::count_if(symbols.begin(), symbols.end(), isStraight);
+  const bool areCurly = 2 * straight < all;
+  // Where „ opens, “ closes.
+  const bool isGerman =
+      std::any_of(symbols.begin(), symbols.end(), [](const Symbol& symbol) { return symbol.text == "„"; });
+  for (std::size_t i = 0; i < symbols.size(); ++i) {
+    Symbol& symbol = symbols[i];
+    if (isDouble(symbol) && !areCurly)
+      symbol.text.assign(1, '"');
+    else if (isDouble(symbol) && (isStraight(symbol) || (!isGerman && !opens(symbols, i))))
+      symbol.text = std::string(opens(symbols, i) ? "“" : "”");
+    else if (areCurly && symbol.text == "'" && isWithinWord(symbols, i))
+      symbol.text = std::string("’");
   }
 }
 
@@ -193,8 +226,9 @@ std::vector<QuoteMark> quoteMarks(const std::vector<Glyph>& glyphs, const GreyBi
       mark.box.bottom = std::max(mark.box.bottom, stroke.bottom);
       // Of few pixels, one stroke alone may seem to lean.
       mark.straight = isStraight(mark.box, ink);
+      mark.lean = halvesOf(mark.box, ink).lean;
     } else {
-      marks.push_back({stroke, 1, isStraight(stroke, ink)});
+      marks.push_back({stroke, 1, isStraight(stroke, ink), halvesOf(stroke, ink).lean});
     }
   };
   for (const Glyph& glyph : glyphs) {
@@ -221,9 +255,15 @@ std::vector<QuoteMark> quoteMarks(const std::vector<Glyph>& glyphs, const GreyBi
   return marks;
 }
 
-/// Whether a single mark is curly, by its shape and by how it stands: at the size of a few pixels neither
-/// tells it for sure.
-bool isCurly(const QuoteMark& mark, LineShapes shapes) {
+bool leans(const QuoteMark& mark) {
+  constexpr double least = 0.03;  // Straight ones stand within it, at the size of a few pixels too.
+  return std::abs(mark.lean) >= least;
+}
+
+/// Whether an apostrophe is curly: it leans, and the engine or its shape says so.
+bool isCurly(const QuoteMark& mark, const Symbol& symbol, LineShapes shapes) {
+  if (!leans(mark)) return false;
+  if (symbol.text == "’") return true;
   for (std::size_t i = 0; i < shapes.clusters().size(); ++i) {
     const PixelBox box = shapes.box(i);
     if (box.left != mark.box.left || box.right != mark.box.right) continue;
@@ -296,21 +336,18 @@ void correctQuotes(std::vector<Symbol>& symbols, const std::vector<Glyph>& glyph
     const bool isApostrophe = mark.strokes == 1 && !line.cells && isWithinWord(symbols, place);
     // Within a word there are no opening marks.
     const bool becomesCurly =
-        isApostrophe && (isCurly(mark, {ink, line, glyphs}) ||
+        isApostrophe && (isCurly(mark, *nearest, {ink, line, glyphs}) ||
                          (!mark.straight && (nearest->text == "‘" || isElision(symbols, place))));
-    if (becomesCurly)
-      nearest->text = "’";
-    else if (mark.straight)
+    if (becomesCurly) nearest->text = "’";
+    // The engine tells straight double ones from curly ones.
+    else if (mark.straight && (mark.strokes == 1 || line.cells) && !(isCurlySingle(*nearest) && leans(mark)))
       nearest->text = std::string(1, mark.strokes == 1 ? '\'' : '"');
     else if (mark.strokes == 2)
       makeDouble(*nearest);
   }
   matchDoubles(symbols);
   matchSides(symbols, ink);
-  // Whoever sets straight ones sets them on both sides.
-  if (std::any_of(symbols.begin(), symbols.end(), [](const Symbol& symbol) { return symbol.text == "\""; }))
-    for (Symbol& symbol : symbols)
-      if (symbol.text == "“" || symbol.text == "”") symbol.text.assign(1, '"');
+  agreeOnDoubles(symbols);
 }
 
 }  // namespace lumiscan::desktop
