@@ -37,14 +37,15 @@ double underscoreWidth(const std::vector<Symbol>& symbols, const TextLine& line)
 /// Whether there is ink nearly everywhere in a box, as there is in that of hyphens that touch; a tilde leaves
 /// half of it free.
 bool isFilled(const PixelBox& box, const GreyBitmap& ink) {
-  int sum = 0;
+  constexpr double nearly = 0.72;
+  double sum = 0;
   int most = 0;
   for (int y = box.top; y <= box.bottom; ++y)
     for (int x = box.left; x <= box.right; ++x) {
       sum += ink.at(x, y);
       most = std::max<int>(most, ink.at(x, y));
     }
-  return 100 * sum >= 72 * most * box.width() * (box.bottom - box.top + 1);
+  return sum >= nearly * most * box.width() * (box.bottom - box.top + 1);
 }
 
 Symbol underscores(const Glyph& glyph, double width, bool spaceBefore) {
@@ -107,7 +108,7 @@ void correctDashes(std::vector<Symbol>& symbols, const GreyBitmap& ink, const Te
     if (!isDash || !isFlat || !symbol.hasOwnInk) continue;
     const std::size_t strokes = strokesAlong(ink, symbol.box).size();
     // Where characters have one width, dashes fill their place and hyphens don't.
-    const bool isHyphen = line.cells && symbol.box.right - symbol.box.left + 1 < 0.92 * line.cells->pitch;
+    const bool isHyphen = line.cells && !line.cells->areFilledBy(symbol.box.width());
     if (strokes > 1 || isHyphen) symbol.text = std::string(strokes, '-');
   }
 }
@@ -123,11 +124,13 @@ void correctHexadecimals(std::vector<Symbol>& symbols) {
     // Some fonts have a dot or a stroke in their zero.
     const bool isZero = symbols[i].text == "O" || symbols[i].text == "@";
     const bool starts = i == 0 || symbols[i].spaceBefore || !isWordCharacter(symbols[i - 1]);
-    if (!starts || !isZero || symbols[i + 1].text != "x" || symbols[i + 1].spaceBefore || !goesOn(i + 2))
+    if (!starts || !isZero || symbols[i + 1].text != "x" || symbols[i + 1].spaceBefore || !goesOn(i + 2) ||
+        !isHexadecimal(symbols[i + 2]))
       continue;
     std::size_t end = i + 2;
     while (goesOn(end) && isHexadecimal(symbols[end])) ++end;
-    if (!goesOn(end)) symbols[i].text.assign(1, '0');
+    // @x86_name is a name; a number may end in letters that say its type.
+    if (symbols[i].text == "O" || !goesOn(end)) symbols[i].text.assign(1, '0');
   }
 }
 

@@ -1,7 +1,6 @@
 #include "platform/linux/recognition/LoneMarks.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "platform/linux/recognition/Clusters.h"
 #include "platform/linux/recognition/QuotationMarks.h"
@@ -52,7 +51,6 @@ std::vector<Symbol> readColons(const std::vector<Glyph>& glyphs, const TextLine&
 /// their own there is no telling.
 std::vector<Symbol> readHyphens(const std::vector<Glyph>& glyphs, const GreyBitmap& ink,
                                 const TextLine& line) {
-  constexpr double most = 0.92;  // Of the place.
   if (!line.cells) return {};
   std::vector<Symbol> symbols;
   for (const Glyph& glyph : glyphs) {
@@ -60,7 +58,7 @@ std::vector<Symbol> readHyphens(const std::vector<Glyph>& glyphs, const GreyBitm
         (!symbols.empty() && glyph.box.left <= symbols.back().box.right))
       return {};
     for (const PixelBox& stroke : strokesAlong(ink, glyph.box)) {
-      if (Glyph{stroke}.width() > most * line.cells->pitch) return {};
+      if (line.cells->areFilledBy(stroke.width())) return {};
       symbols.push_back(mark("-", stroke, symbols, line));
     }
   }

@@ -90,8 +90,8 @@ double difference(const PixelBox& a, const PixelBox& b, bool turned, const GreyB
     const bool inside = x >= 0 && y >= 0 && box.left + x <= box.right && box.top + y <= box.bottom;
     return inside ? static_cast<int>(ink.at(box.left + x, box.top + y)) : 0;
   };
-  int differing = 0;
-  int all = 0;
+  double differing = 0;
+  double all = 0;
   for (int y = 0; y <= height; ++y)
     for (int x = 0; x <= width; ++x) {
       const int one = at(a, x, y);
@@ -99,7 +99,7 @@ double difference(const PixelBox& a, const PixelBox& b, bool turned, const GreyB
       differing += std::abs(one - other);
       all += std::max(one, other);
     }
-  return all == 0 ? 0 : static_cast<double>(differing) / all;
+  return all == 0 ? 0 : differing / all;
 }
 
 bool isCurlySingle(const Symbol& symbol) { return symbol.text == "‘" || symbol.text == "’"; }
@@ -117,7 +117,6 @@ std::string_view twinMarks(const Symbol& opening, const Symbol& closing, const G
   constexpr double clearly = 0.7;
   const double same = difference(opening.box, closing.box, false, ink);
   if (same > alike || same > clearly * difference(opening.box, closing.box, true, ink)) return {};
-  if (opening.text == "`" || closing.text == "`") return "`";
   if (opening.text == "'" || closing.text == "'") return "'";
   const double lean = halvesOf(opening.box, ink).lean;
   return lean > 0.15 ? "`" : std::abs(lean) < 0.1 ? "'" : std::string_view();

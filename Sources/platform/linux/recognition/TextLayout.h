@@ -23,6 +23,8 @@ struct Cells {
 
   /// How many places a position is behind that one; whole numbers in the middle of places.
   double placeOf(double x) const { return (x - middle) / pitch; }
+  /// Whether a stroke so wide fills its place, as dashes and underscores do and hyphens don't.
+  bool areFilledBy(int width) const { return width >= 0.92 * pitch; }
 };
 
 /// The glyphs of one line of text, from left to right.
