@@ -128,9 +128,10 @@ void correctHexadecimals(std::vector<Symbol>& symbols) {
         !isHexadecimal(symbols[i + 2]))
       continue;
     std::size_t end = i + 2;
-    while (goesOn(end) && isHexadecimal(symbols[end])) ++end;
-    // @x86_name is a name; a number may end in letters that say its type.
-    if (symbols[i].text == "O" || !goesOn(end)) symbols[i].text.assign(1, '0');
+    while (goesOn(end) && (isHexadecimal(symbols[end]) || symbols[end].text == "O")) ++end;
+    // Its type; @x86_name and Oxford are words.
+    while (goesOn(end) && std::string_view("uUlL").find(symbols[end].text) != std::string_view::npos) ++end;
+    if (!goesOn(end)) symbols[i].text.assign(1, '0');
   }
 }
 
