@@ -41,20 +41,35 @@ void correctByPitch(const std::vector<Pair>& pairs, double pitch) {
   }
 }
 
-/// The usual width of a gap that was read as a space, in hundredths of a letter's height.
-std::optional<int> usualSpace(const std::vector<Pair>& pairs, int letterHeight) {
+/// A line's gaps that were read as spaces, in pixels, and the width that hardly a gap within its words exceeds.
+struct Gaps {
+  std::vector<int> spaces;
+  int widestInWords = 0;
+};
+
+Gaps gapsOf(const std::vector<Pair>& pairs) {
+  Gaps gaps;
+  std::vector<int> inWords;
+  for (const Pair& pair : pairs) (pair.right->spaceBefore ? gaps.spaces : inWords).push_back(pair.gap());
+  if (inWords.empty()) return gaps;
+  gaps.widestInWords = std::max(0, levelAt(std::move(inWords), 0.9));
+  // What is no wider than those was read as a space by mistake.
+  std::erase_if(gaps.spaces, [&](int space) { return space <= gaps.widestInWords; });
+  return gaps;
+}
+
+/// The usual width of a space, in hundredths of a letter's height.
+std::optional<int> usualSpace(Gaps gaps, int letterHeight) {
   constexpr std::size_t fewest = 3;  // With few there is no telling.
-  std::vector<int> widths;
-  for (const Pair& pair : pairs)
-    if (pair.right->spaceBefore) widths.push_back(100 * pair.gap() / std::max(1, letterHeight));
-  if (widths.size() < fewest) return std::nullopt;
+  if (gaps.spaces.size() < fewest) return std::nullopt;
   // Some are the gaps between the columns of a table.
-  return levelAt(std::move(widths), 0.3);
+  return 100 * levelAt(std::move(gaps.spaces), 0.3) / std::max(1, letterHeight);
 }
 
 /// A gap as wide as most of a space is one whatever was read; one that is far narrower is none. A space that
 /// was measured in other lines tells less.
 void correctByWidth(const std::vector<Pair>& pairs, double space, bool isOfLine) {
+  const int widestInWords = gapsOf(pairs).widestInWords;
   for (const Pair& pair : pairs) {
     Symbol& right = *pair.right;
     if (!pair.left->hasOwnInk || !right.hasOwnInk) continue;
@@ -66,7 +81,9 @@ void correctByWidth(const std::vector<Pair>& pairs, double space, bool isOfLine)
     if (right.spaceBefore && !inWord && width < least) right.spaceBefore = false;
     // Digits have one width, and some much room in it.
     const bool atDigit = isDigit(*pair.left) || isDigit(right);
-    if (!right.spaceBefore && width > (atDigit || !inWord ? 1.0 : 0.8)) right.spaceBefore = true;
+    if (!right.spaceBefore && width > (atDigit || !inWord ? 1.0 : 0.8) &&
+        (!inWord || pair.gap() > 1.3 * widestInWords + 1))
+      right.spaceBefore = true;
   }
 }
 
@@ -80,7 +97,7 @@ bool isWordCharacter(const Symbol& symbol) {
 void correctSpaces(const std::vector<SpacedLine>& lines) {
   std::vector<int> spaces;
   for (const SpacedLine& each : lines)
-    if (const auto space = usualSpace(pairsOf(*each.symbols), each.line->letterHeight))
+    if (const auto space = usualSpace(gapsOf(pairsOf(*each.symbols)), each.line->letterHeight))
       spaces.push_back(*space);
   for (const SpacedLine& each : lines) {
     const std::vector<Pair> pairs = pairsOf(*each.symbols);
@@ -88,7 +105,7 @@ void correctSpaces(const std::vector<SpacedLine>& lines) {
       correctByPitch(pairs, each.line->cells->pitch);
       continue;
     }
-    std::optional<int> space = usualSpace(pairs, each.line->letterHeight);
+    std::optional<int> space = usualSpace(gapsOf(pairs), each.line->letterHeight);
     // In a line with many spaces that are none, they look narrow.
     const bool isOfLine = space && (spaces.empty() || 10 * *space >= 7 * levelAt(spaces, 0.5));
     if (!isOfLine && !spaces.empty()) space = levelAt(spaces, 0.5);
