@@ -292,6 +292,20 @@ void makeDouble(Symbol& symbol) {
     }
 }
 
+/// Of a double mark, whose symbol is at `place`, each stroke may have been read as a mark of its own.
+void dropOtherStroke(std::vector<Symbol>& symbols, std::size_t place, const PixelBox& mark) {
+  const auto isOtherStroke = [&](std::size_t i) {
+    return i < symbols.size() && isQuote(symbols[i].text) && symbols[i].box.left >= mark.left &&
+           symbols[i].box.right <= mark.right;
+  };
+  if (isOtherStroke(place + 1)) {
+    symbols.erase(symbols.begin() + static_cast<std::ptrdiff_t>(place) + 1);
+  } else if (place > 0 && isOtherStroke(place - 1)) {
+    symbols[place].spaceBefore = symbols[place - 1].spaceBefore;
+    symbols.erase(symbols.begin() + static_cast<std::ptrdiff_t>(place) - 1);
+  }
+}
+
 }  // namespace
 
 std::vector<Symbol> readQuotationMarks(const std::vector<Glyph>& glyphs, const GreyBitmap& ink,
@@ -343,6 +357,7 @@ void correctQuotes(std::vector<Symbol>& symbols, const std::vector<Glyph>& glyph
       nearest->text = std::string(1, mark.strokes == 1 ? '\'' : '"');
     else if (mark.strokes == 2)
       makeDouble(*nearest);
+    if (mark.strokes == 2) dropOtherStroke(symbols, place, mark.box);
   }
   matchDoubles(symbols);
   matchSides(symbols, ink);
