@@ -254,22 +254,30 @@ std::vector<QuoteMark> quoteMarks(const std::vector<Glyph>& glyphs, const GreyBi
   return marks;
 }
 
-bool leans(const QuoteMark& mark) {
-  constexpr double least = 0.03;  // Straight ones stand within it, at the size of a few pixels too.
-  return std::abs(mark.lean) >= least;
-}
+constexpr double leastLean = 0.03;  // Most straight marks stand within it, at the size of a few pixels too.
 
-/// Whether an apostrophe is curly: it leans, and the engine or its shape says so.
-bool isCurly(const QuoteMark& mark, const Symbol& symbol, LineShapes shapes) {
-  if (!leans(mark)) return false;
-  if (symbol.text == "’") return true;
+bool leans(const QuoteMark& mark) { return std::abs(mark.lean) >= leastLean; }
+
+/// How likely an apostrophe is to be curly, as the logarithm of the odds: by its shape, by what the engine
+/// read and by its lean. None of them alone tells at the size of a few pixels.
+double curliness(const QuoteMark& mark, const Symbol& symbol, LineShapes shapes) {
+  constexpr double engineTells = 1.5;
+  constexpr double straightLean = 0.05;  // Straight ones lean so far at most,
+  constexpr double mostLean = 0.25;      // more than this tells no more.
+  constexpr double leanTells = 30;
+  double odds = isCurlySingle(symbol) ? engineTells : -engineTells;
+  odds += leanTells * std::clamp(-mark.lean - straightLean, 0.0, mostLean - straightLean);
+  if (mark.box.width() < 3) odds -= 1;  // Pixels; hardly room for a tail,
+  const int height = mark.box.bottom - mark.box.top + 1;
+  if (height < 5 && mark.lean > -leastLean) odds -= 3;  // none to see here.
   for (std::size_t i = 0; i < shapes.clusters().size(); ++i) {
     const PixelBox box = shapes.box(i);
     if (box.left != mark.box.left || box.right != mark.box.right) continue;
+    constexpr double least = 0.02;
     const Classification& shape = shapes.classification(i);
-    return shape.of(U'’') > 0.5F || (!mark.straight && shape.of(U'’') > shape.of(U'\''));
+    odds += std::log((shape.of(U'’') + least) / (shape.of(U'\'') + least));
   }
-  return false;
+  return odds;
 }
 
 /// Whether a stroke belongs to the same mark as the one before: they share a place or, where characters have
@@ -347,11 +355,11 @@ void correctQuotes(std::vector<Symbol>& symbols, const std::vector<Glyph>& glyph
     const auto place = static_cast<std::size_t>(nearest - symbols.data());
     // What is set in cells is code, which has straight ones.
     const bool isApostrophe = mark.strokes == 1 && !line.cells && isWithinWord(symbols, place);
-    // Within a word there are no opening marks.
-    const bool becomesCurly =
-        isApostrophe && (isCurly(mark, *nearest, {ink, line, glyphs}) ||
+    const bool isCurly =
+        isApostrophe && (curliness(mark, *nearest, {ink, line, glyphs}) > 0 ||
                          (!mark.straight && (nearest->text == "‘" || isElision(symbols, place))));
-    if (becomesCurly) nearest->text = "’";
+    // Within a word there are no opening marks.
+    if (isApostrophe) nearest->text = std::string(isCurly ? "’" : "'");
     // The engine tells straight double ones from curly ones.
     else if (mark.straight && (mark.strokes == 1 || line.cells) && !(isCurlySingle(*nearest) && leans(mark)))
       nearest->text = std::string(1, mark.strokes == 1 ? '\'' : '"');

@@ -41,7 +41,8 @@ void correctByPitch(const std::vector<Pair>& pairs, double pitch) {
   }
 }
 
-/// A line's gaps that were read as spaces, in pixels, and the width that hardly a gap within its words exceeds.
+/// A line's gaps that were read as spaces, in pixels, and the width that hardly a gap within its words
+/// exceeds.
 struct Gaps {
   std::vector<int> spaces;
   int widestInWords = 0;
