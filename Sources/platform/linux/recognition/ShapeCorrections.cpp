@@ -39,6 +39,8 @@ struct Demand {
 Demand demandFor(char32_t read, char32_t seen, double confidence) {
   const bool isSure = confidence >= surely;
   const bool isTorn = confidence < 70;  // Readings differ.
+  // The engine takes zeros with a dot or a stroke for it.
+  if (read == U'@' && seen == U'0') return {0.5F, 0.5F};
   if (isQuote(seen) && !isLetter(read)) return {0.5F, 0.3F};
   if (isDigit(seen) && !isLetter(read)) return {0.8F, 0.05F};
   if (u_tolower(static_cast<UChar32>(read)) == u_tolower(static_cast<UChar32>(seen))) return {0.98F, 0.01F};
@@ -171,6 +173,16 @@ bool isLikely(const Symbol& symbol, const Classification& shape) {
   return shape.knows(character) ? shape.of(character) >= likely : symbol.confidence >= sure;
 }
 
+/// Whether a sign that was read just where a cluster stands surely is another one.
+bool isSurelyOther(const Symbol& symbol, const PixelBox& box, const Classification& shape) {
+  constexpr float sure = 0.99F;
+  constexpr float hardly = 0.01F;
+  const int middle = (symbol.box.left + symbol.box.right) / 2;
+  const char32_t read = onlyCodePoint(symbol.text);
+  return middle >= box.left && middle <= box.right && !isLetter(read) && !isDigit(read) &&
+         isSurelySign(shape) && shape.bestProbability() >= sure && shape.of(read) <= hardly;
+}
+
 /// Whether most of a cluster stands in the columns of ink that was read before it.
 bool liesBelow(const LineShapes& shapes, std::size_t cluster, const Match& before) {
   if (before.clusterCount == 0 || before.symbolCount == 0) return false;
@@ -217,9 +229,12 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
       continue;
     }
     if (match.clusterCount == 0 && isImagined(symbols[match.firstSymbol], shapes.line())) continue;
-    if (match.clusterCount > 0) divide(shapes.box(match.firstCluster, match.clusterCount), symbols, match);
     Symbol& first = symbols[match.firstSymbol];
     first.hasOwnInk = isOneToOne(match);
+    const bool isOther =
+        first.hasOwnInk && isSurelyOther(first, shapes.box(match.firstCluster, match.clusterCount),
+                                         shapes.classification(match.firstCluster, match.clusterCount));
+    if (match.clusterCount > 0) divide(shapes.box(match.firstCluster, match.clusterCount), symbols, match);
     constexpr double mild = 90;
     Neighbours beside;
     if (!corrected.empty() && !first.spaceBefore) beside.before = onlyCodePoint(corrected.back().text);
@@ -232,7 +247,8 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
       const bool isBlurred =
           shapes.isCut(match.firstCluster) && isLetter(onlyCodePoint(first.text)) &&
           (shape.bestProbability() < 0.999F || shape.of(onlyCodePoint(first.text)) > 1e-4F);
-      if (!isBlurred && (first.confidence < mild || isSteady(m))) correctSymbol(first, shape, beside);
+      if (!isBlurred && (first.confidence < mild || isOther || isSteady(m)))
+        correctSymbol(first, shape, beside);
       correctStroke(first, shape, beside, shapes.line());
     }
     first.isLikely =
