@@ -1,13 +1,11 @@
 #include "platform/linux/recognition/GlyphCorrections.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <iterator>
 #include <string_view>
 
 #include "platform/linux/recognition/Level.h"
-#include "platform/linux/recognition/Spacing.h"
 #include "platform/linux/recognition/Strokes.h"
 
 namespace lumiscan::desktop {
@@ -110,28 +108,6 @@ void correctDashes(std::vector<Symbol>& symbols, const GreyBitmap& ink, const Te
     // Where characters have one width, dashes fill their place and hyphens don't.
     const bool isHyphen = line.cells && !line.cells->areFilledBy(symbol.box.width());
     if (strokes > 1 || isHyphen) symbol.text = std::string(strokes, '-');
-  }
-}
-
-void correctHexadecimals(std::vector<Symbol>& symbols) {
-  const auto goesOn = [&](std::size_t i) {
-    return i < symbols.size() && !symbols[i].spaceBefore && isWordCharacter(symbols[i]);
-  };
-  const auto isHexadecimal = [](const Symbol& symbol) {
-    return symbol.text.size() == 1 && std::isxdigit(static_cast<unsigned char>(symbol.text.front()));
-  };
-  for (std::size_t i = 0; i + 2 < symbols.size(); ++i) {
-    // Some fonts have a dot or a stroke in their zero.
-    const bool isZero = symbols[i].text == "O" || symbols[i].text == "@";
-    const bool starts = i == 0 || symbols[i].spaceBefore || !isWordCharacter(symbols[i - 1]);
-    if (!starts || !isZero || symbols[i + 1].text != "x" || symbols[i + 1].spaceBefore || !goesOn(i + 2) ||
-        !isHexadecimal(symbols[i + 2]))
-      continue;
-    std::size_t end = i + 2;
-    while (goesOn(end) && (isHexadecimal(symbols[end]) || symbols[end].text == "O")) ++end;
-    // Its type; @x86_name and Oxford are words.
-    while (goesOn(end) && std::string_view("uUlL").find(symbols[end].text) != std::string_view::npos) ++end;
-    if (!goesOn(end)) symbols[i].text.assign(1, '0');
   }
 }
 

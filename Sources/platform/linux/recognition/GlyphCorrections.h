@@ -19,7 +19,4 @@ void insertUnderscores(std::vector<Symbol>& symbols, const std::vector<Glyph>& u
 /// Makes a dash as many hyphens where there are several strokes.
 void correctDashes(std::vector<Symbol>& symbols, const GreyBitmap& ink, const TextLine& line);
 
-/// Reads the zero in front of hexadecimal digits as one.
-void correctHexadecimals(std::vector<Symbol>& symbols);
-
 }  // namespace lumiscan::desktop

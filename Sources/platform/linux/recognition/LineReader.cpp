@@ -14,6 +14,7 @@
 #include "platform/linux/recognition/LineImage.h"
 #include "platform/linux/recognition/LineShapes.h"
 #include "platform/linux/recognition/LoneMarks.h"
+#include "platform/linux/recognition/Numbers.h"
 #include "platform/linux/recognition/Plausibility.h"
 #include "platform/linux/recognition/QuotationMarks.h"
 #include "platform/linux/recognition/Scripts.h"
@@ -171,7 +172,7 @@ std::vector<std::string> readLines(EngineCrew& crew, const std::vector<std::vect
     insertUnderscores(draft.symbols, draft.underscores, draft.letters, line);
     correctQuotes(draft.symbols, draft.letters, ink, line);
     correctDashes(draft.symbols, ink, line);
-    correctHexadecimals(draft.symbols);
+    correctNumbers(draft.symbols);
     if (draft.isWide) correctWideText(draft.symbols);
     result.text = join(draft.symbols);
     read.push_back(std::move(result));

@@ -1,0 +1,72 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/linux/recognition/Numbers.h"
+#include "platform/linux/recognition/Spacing.h"
+
+namespace lumiscan::desktop {
+namespace {
+
+/// A symbol for each character but the spaces, 8 pixels wide with a gap of 2 between letters and, where there
+/// is a space, of `space`.
+std::vector<Symbol> symbolsOf(std::string_view text, int space = 7) {
+  std::vector<Symbol> symbols;
+  int left = 0;
+  bool spaceBefore = false;
+  for (const char c : text) {
+    if (std::exchange(spaceBefore, c == ' ')) left += space - 2;
+    if (!spaceBefore) {
+      symbols.push_back({std::string(1, c), false, {left, 0, left + 7, 11}, 99, true, true});
+      left += 10;
+    }
+  }
+  std::size_t next = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == ' ') continue;
+    symbols[next++].spaceBefore = i > 0 && text[i - 1] == ' ';
+  }
+  return symbols;
+}
+
+std::string textOf(const std::vector<Symbol>& symbols) {
+  std::string text;
+  for (const Symbol& symbol : symbols) text += (symbol.spaceBefore ? " " : "") + symbol.text;
+  return text;
+}
+
+TEST(Corrections, LettersAndSignsWithinNumbersBecomeDigits) {
+  const std::pair<std::string_view, std::string_view> texts[] = {
+      {"if OxFFu or @x1O;", "if 0xFFu or 0x10;"},
+      {"Oxford, @x86_name, Oxy", "Oxford, @x86_name, Oxy"},
+      {"color: #ele4e8; #OOO; #f00", "color: #e1e4e8; #OOO; #f00"},
+      {"#all #IO1 #include #lll", "#all #101 #include #lll"},
+      {"margin: Opx lem l.5rem;", "margin: 0px 1em l.5rem;"},
+      {"them, item, px, Olem", "them, item, px, 01em"},
+  };
+  for (const auto& [read, meant] : texts) {
+    std::vector<Symbol> symbols = symbolsOf(read);
+    correctNumbers(symbols);
+    EXPECT_EQ(textOf(symbols), meant);
+  }
+}
+
+TEST(Corrections, SpacesAreMeasuredAgainstTheGapsWithinWords) {
+  TextLine line;
+  line.letterHeight = 12;
+  const auto corrected = [&](std::vector<Symbol> symbols) {
+    correctSpaces({{&symbols, &line}});
+    return textOf(symbols);
+  };
+  std::vector<Symbol> joined = symbolsOf("one two three four five");
+  joined[6].spaceBefore = false;  // three
+  EXPECT_EQ(corrected(std::move(joined)), "one two three four five");
+  // Of spaces as narrow as the gaps within words there is none to measure others by.
+  EXPECT_EQ(corrected(symbolsOf("a sign a mark no word", 2)), "a sign a mark no word");
+}
+
+}  // namespace
+}  // namespace lumiscan::desktop
