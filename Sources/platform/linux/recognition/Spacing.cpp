@@ -41,11 +41,11 @@ void correctByPitch(const std::vector<Pair>& pairs, double pitch) {
   }
 }
 
-/// A line's gaps that were read as spaces, in pixels, and the width that hardly a gap within its words
-/// exceeds.
+/// A line's gaps that were read as spaces, and how wide those within its words are, all in pixels.
 struct Gaps {
   std::vector<int> spaces;
-  int widestInWords = 0;
+  int wideInWords = 0;    // Three of four are no wider,
+  int widestInWords = 0;  // and hardly one is wider than this.
 };
 
 Gaps gapsOf(const std::vector<Pair>& pairs) {
@@ -53,6 +53,7 @@ Gaps gapsOf(const std::vector<Pair>& pairs) {
   std::vector<int> inWords;
   for (const Pair& pair : pairs) (pair.right->spaceBefore ? gaps.spaces : inWords).push_back(pair.gap());
   if (inWords.empty()) return gaps;
+  gaps.wideInWords = std::max(0, levelAt(inWords, 0.75));
   gaps.widestInWords = std::max(0, levelAt(std::move(inWords), 0.9));
   // What is no wider than those was read as a space by mistake.
   std::erase_if(gaps.spaces, [&](int space) { return space <= gaps.widestInWords; });
@@ -70,7 +71,7 @@ std::optional<int> usualSpace(Gaps gaps, int letterHeight) {
 /// A gap as wide as most of a space is one whatever was read; one that is far narrower is none. A space that
 /// was measured in other lines tells less.
 void correctByWidth(const std::vector<Pair>& pairs, double space, bool isOfLine) {
-  const int widestInWords = gapsOf(pairs).widestInWords;
+  const double leastInWord = 1.3 * gapsOf(pairs).wideInWords + 1;
   for (const Pair& pair : pairs) {
     Symbol& right = *pair.right;
     if (!pair.left->hasOwnInk || !right.hasOwnInk) continue;
@@ -83,7 +84,7 @@ void correctByWidth(const std::vector<Pair>& pairs, double space, bool isOfLine)
     // Digits have one width, and some much room in it.
     const bool atDigit = isDigit(*pair.left) || isDigit(right);
     if (!right.spaceBefore && width > (atDigit || !inWord ? 1.0 : 0.8) &&
-        (!inWord || pair.gap() > 1.3 * widestInWords + 1))
+        (!inWord || pair.gap() > leastInWord))
       right.spaceBefore = true;
   }
 }
