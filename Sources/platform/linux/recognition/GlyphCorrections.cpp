@@ -32,19 +32,25 @@ double underscoreWidth(const std::vector<Symbol>& symbols, const TextLine& line)
   return heights.empty() ? 1.05 * line.letterHeight : 0.93 * levelAt(std::move(heights), 0.5);
 }
 
-/// Whether there is ink nearly everywhere in a box, as there is in that of hyphens that touch; a tilde leaves
-/// half of it free.
-bool isFilled(const PixelBox& box, const GreyBitmap& ink) {
-  constexpr double nearly = 0.72;
-  double sum = 0;
-  int most = 0;
-  for (int y = box.top; y <= box.bottom; ++y)
-    for (int x = box.left; x <= box.right; ++x) {
-      sum += ink.at(x, y);
-      most = std::max<int>(most, ink.at(x, y));
+/// Whether the ink in a box lies at one height all along, as that of hyphens does; a tilde goes up and down.
+bool isLevel(const PixelBox& box, const GreyBitmap& ink) {
+  double highest = box.bottom;
+  double lowest = box.top;
+  for (int x = box.left; x <= box.right; ++x) {
+    double sum = 0;
+    double weight = 0;
+    for (int y = box.top; y <= box.bottom; ++y) {
+      sum += y * static_cast<double>(ink.at(x, y));
+      weight += static_cast<double>(ink.at(x, y));
     }
-  return sum >= nearly * most * box.width() * (box.bottom - box.top + 1);
+    if (weight == 0) continue;  // Between two hyphens.
+    highest = std::min(highest, sum / weight);
+    lowest = std::max(lowest, sum / weight);
+  }
+  return lowest - highest <= std::max(0.25, 0.15 * (box.bottom - box.top + 1));
 }
+
+bool isDash(const Symbol& symbol) { return symbol.text == "-" || symbol.text == "–" || symbol.text == "—"; }
 
 Symbol underscores(const Glyph& glyph, double width, bool spaceBefore) {
   const auto count = std::max(1L, std::lround(glyph.width() / width));
@@ -98,16 +104,25 @@ void insertUnderscores(std::vector<Symbol>& symbols, const std::vector<Glyph>& t
 }
 
 void correctDashes(std::vector<Symbol>& symbols, const GreyBitmap& ink, const TextLine& line) {
-  constexpr std::string_view dashes[] = {"-", "–", "—"};
-  for (Symbol& symbol : symbols) {
-    const bool isDash = std::find(std::begin(dashes), std::end(dashes), symbol.text) != std::end(dashes) ||
-                        (symbol.text == "~" && isFilled(symbol.box, ink));
+  for (std::size_t i = 0; i < symbols.size(); ++i) {
+    Symbol& symbol = symbols[i];
+    const bool isTilde = symbol.text == "~";
     const bool isFlat = 4 * (symbol.box.bottom - symbol.box.top + 1) <= line.letterHeight + 4;
-    if (!isDash || !isFlat || !symbol.hasOwnInk) continue;
-    const std::size_t strokes = strokesAlong(ink, symbol.box).size();
-    // Where characters have one width, dashes fill their place and hyphens don't.
-    const bool isHyphen = line.cells && !line.cells->areFilledBy(symbol.box.width());
-    if (strokes > 1 || isHyphen) symbol.text = std::string(strokes, '-');
+    if (!(isTilde || isDash(symbol)) || !isFlat) continue;
+    if (symbol.hasOwnInk && (!isTilde || isLevel(symbol.box, ink))) {
+      const std::size_t strokes = strokesAlong(ink, symbol.box).size();
+      // Where characters have one width, dashes fill their place and hyphens don't.
+      const bool isHyphen = line.cells && !line.cells->areFilledBy(symbol.box.width());
+      if (strokes > 1 || isHyphen) symbol.text = std::string(strokes, '-');
+    }
+    // Dashes are wide, and neither stand side by side nor in an arrow.
+    if (!isDash(symbol) || symbol.box.width() > line.letterHeight) continue;
+    const auto touches = [&](std::size_t other) {
+      return isDash(symbols[other]) || symbols[other].text == ">";
+    };
+    if ((i + 1 < symbols.size() && !symbols[i + 1].spaceBefore && touches(i + 1)) ||
+        (i > 0 && !symbol.spaceBefore && isDash(symbols[i - 1])))
+      symbol.text = std::string("-");
   }
 }
 

@@ -80,16 +80,17 @@ void correctSymbol(Symbol& symbol, const Classification& shape, const Neighbours
   if (shape.bestProbability() >= demand.least && shape.of(read) <= demand.most) symbol.text = utf8Of(seen);
 }
 
-/// 1, l, I and the bar are little more than one stroke: what is beside it says which it may be, and the shape
-/// which of these it is.
+/// 1, l, I, the bar and the exclamation mark are little more than one stroke: what is beside it says which it
+/// may be, and the shape which of these it is.
 void correctStroke(Symbol& symbol, const Classification& shape, const Neighbours& beside,
                    const TextLine& line) {
   const char32_t read = onlyCodePoint(symbol.text);
   // F1 is a key.
   const bool besideDigit = isDigit(beside.before) || isDigit(beside.after) || beside.before == U'F';
   const bool besideLetter = isLetter(beside.before) || isLetter(beside.after);
-  const bool isAlone =
-      beside.before == Classification::noCharacter && beside.after == Classification::noCharacter;
+  const bool opensWord = beside.before == Classification::noCharacter ||
+                         std::u32string_view(U"'\"‘“„«([").find(beside.before) != std::u32string_view::npos;
+  const bool isAlone = opensWord && beside.after == Classification::noCharacter;
   const auto become = [&](char c) { symbol.text.assign(1, c); };
   constexpr float possible = 0.05F;
   constexpr float rarely = 0.3F;
@@ -98,6 +99,8 @@ void correctStroke(Symbol& symbol, const Classification& shape, const Neighbours
   const bool endsOnLine = 8 * (symbol.box.bottom + 1 - line.baseline) <= line.letterHeight;
   if (read == U'|' && endsOnLine && shape.of(U'|') < rarely && shape.of(U'I') + shape.of(U'l') > mostly) {
     become(isLetter(beside.before) ? 'l' : 'I');
+  } else if (read == U'!' && shape.of(U'!') < 0.1F && shape.of(U'I') + shape.of(U'l') > 0.8F) {
+    if (isAlone) become('I');
   } else if (read == U'l' && isAlone) {
     if (shape.of(U'I') >= possible) become('I');
   } else if ((read == U'l' || read == U'I' || read == U'i') && besideDigit) {
