@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/linux/recognition/GlyphCorrections.h"
 #include "platform/linux/recognition/Numbers.h"
 #include "platform/linux/recognition/Spacing.h"
 
@@ -66,6 +67,30 @@ TEST(Corrections, SpacesAreMeasuredAgainstTheGapsWithinWords) {
   EXPECT_EQ(corrected(std::move(joined)), "one two three four five");
   // Of spaces as narrow as the gaps within words there is none to measure others by.
   EXPECT_EQ(corrected(symbolsOf("a sign a mark no word", 2)), "a sign a mark no word");
+}
+
+TEST(Corrections, HyphensAreToldFromTildesAndDashesByTheirInk) {
+  TextLine line;
+  line.letterHeight = 12;
+  GreyBitmap ink(60, 12, 0);
+  fillBox(ink, {10, 5, 13, 6}, 255);
+  fillBox(ink, {16, 5, 19, 6}, 255);
+  fillBox(ink, {30, 4, 34, 5}, 255);
+  fillBox(ink, {35, 5, 39, 6}, 255);
+  const PixelBox hyphens{10, 5, 19, 6};
+  const PixelBox tilde{30, 4, 39, 6};
+  const auto corrected = [&](std::vector<Symbol> symbols) {
+    correctDashes(symbols, ink, line);
+    return textOf(symbols);
+  };
+  EXPECT_EQ(corrected({{"~", false, hyphens, 99, true}}), "--");
+  EXPECT_EQ(corrected({{"~", false, tilde, 99, true}}), "~");
+  EXPECT_EQ(corrected({{"—", false, {10, 5, 13, 6}, 99, true}, {">", false, {16, 0, 23, 11}, 99, true}}),
+            "->");
+  EXPECT_EQ(corrected({{"—", false, {10, 5, 13, 6}, 99, true}, {"-", false, {16, 5, 19, 6}, 99, true}}),
+            "--");
+  EXPECT_EQ(corrected({{"—", false, {10, 5, 13, 6}, 99, true}, {"a", false, {16, 0, 23, 11}, 99, true}}),
+            "—a");
 }
 
 }  // namespace

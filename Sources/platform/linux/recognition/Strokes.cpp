@@ -13,7 +13,8 @@ std::vector<PixelBox> strokesAlong(const GreyBitmap& ink, const PixelBox& box) {
   for (int x = box.left; x <= box.right; ++x) {
     int most = 0;
     for (int y = box.top; y <= box.bottom; ++y) most = std::max<int>(most, ink.at(x, y));
-    if (strokes.empty() || (100 * valley <= fainter * peak && 100 * valley <= fainter * most)) {
+    const bool rises = most > valley && 100 * valley <= fainter * peak && 100 * valley <= fainter * most;
+    if (strokes.empty() || rises) {
       if (!strokes.empty()) strokes.back().right = faintest;
       strokes.push_back({x, box.top, box.right, box.bottom});
       peak = valley = most;
