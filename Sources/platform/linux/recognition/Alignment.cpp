@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-#include "platform/linux/recognition/Utf8.h"
+#include "platform/linux/recognition/CodePoints.h"
 
 namespace lumiscan::desktop {
 

@@ -1,4 +1,4 @@
-#include "platform/linux/recognition/Utf8.h"
+#include "platform/linux/recognition/CodePoints.h"
 
 #include <unicode/unistr.h>
 

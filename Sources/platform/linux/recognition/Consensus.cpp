@@ -7,9 +7,9 @@
 #include <string>
 
 #include "platform/linux/recognition/Clusters.h"
+#include "platform/linux/recognition/CodePoints.h"
 #include "platform/linux/recognition/GlyphClassifier.h"
 #include "platform/linux/recognition/GlyphShape.h"
-#include "platform/linux/recognition/Utf8.h"
 
 namespace lumiscan::desktop {
 

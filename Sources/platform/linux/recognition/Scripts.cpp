@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/linux/recognition/Utf8.h"
+#include "platform/linux/recognition/CodePoints.h"
 
 namespace lumiscan::desktop {
 

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "platform/linux/recognition/Alignment.h"
-#include "platform/linux/recognition/Utf8.h"
+#include "platform/linux/recognition/CodePoints.h"
 
 namespace lumiscan::desktop {
 
