@@ -1,11 +1,12 @@
-// Makes the pictures of this folder: pictures panel|menu|settings FOLDER [SCALE]. Runs the program on a
-// private desktop, light and dark, and saves what the screen shows of the panel, of the menu and the about
-// box, or of the settings window.
+// Makes the pictures of this folder: pictures overlay|panel|menu|settings FOLDER [SCALE]. Runs the program on
+// a private desktop, light and dark, and saves what the screen shows of a drag, of the panel, of the menu and
+// the about box, or of the settings window.
 
 #include <linux/input-event-codes.h>
 
 #include <QApplication>
 #include <QImage>
+#include <QLabel>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <cstdlib>
@@ -83,32 +84,59 @@ class Camera {
   const int scale_;
 };
 
+/// A drag around a text that can't be copied in any other way: with the hint, or at a larger scale from near.
+void photographOverlay(const Camera& camera) {
+  PrivateDesktop& screen = camera.screen();
+  const int scale = camera.scale();
+  Camera::use(false);
+  constexpr int margin = 24;
+  QLabel page(
+      "The backup of 24 November is not complete.\n"
+      "3 of 1,846 files could not be read: the disk reports error 0x51F4.\n"
+      "Their names are in the log.");
+  page.setWindowTitle("Backup");
+  page.setMargin(margin);
+  page.setAlignment(Qt::AlignTop);
+  page.setFixedSize(page.sizeHint() + QSize(0, margin));  // Room for the badge.
+  page.move((screen.width() / scale - page.width()) / 2, 110);
+  page.show();
+  const auto delegate = std::make_shared<AppDelegate>();
+  delegate->applicationDidFinishLaunching();
+  require([&] { return page.isActiveWindow() && screen.shortcutIsTaken(); }, "page");
+  screen.pressKeys({KEY_LEFTMETA, KEY_LEFTSHIFT, KEY_2});
+  require([&] { return camera.windows().size() == 2 && screen.inputIsTaken(); }, "overlay");
+
+  constexpr int around = 5;
+  const QRect text = page.rect()
+                         .marginsRemoved({margin, margin, margin, 2 * margin})
+                         .marginsAdded({around, around, around, around});
+  const auto mouse = [&](const QPoint& inPage) {
+    const QPoint point = page.mapToGlobal(inPage) * scale;
+    screen.moveMouse(point.x(), point.y());
+  };
+  mouse(text.topLeft());
+  screen.buttonDown();
+  mouse(text.center());
+  mouse(text.bottomRight());
+  if (scale == 1)
+    camera.save({200, 0, 600, 300}, "overlay");
+  else
+    camera.save(camera.placeOf(page), "overlay-" + std::to_string(scale) + "x");
+}
+
 void photographPanel(const Camera& camera) {
-  struct Message {
-    const char* name;
-    const char* title;
-    std::optional<std::string> preview;
-    bool isError = false;
-    std::optional<std::string> icon = std::nullopt;
-  };
-  const Message messages[] = {
-      {"success", "Copied", "The quick brown fox jumps over"},
-      {"error", "No text recognized", std::nullopt, true},
-      {"hint", "Drag to select an area", "Esc or click cancels", false, "text.magnifyingglass"},
-      {"long-preview", "Added to additive clipboard",
-       "Everything that was captured: the start and the end stay visible, whatever stands between them"},
-  };
-  for (const bool dark : {false, true}) {
-    Camera::use(dark);
-    const auto hud = std::make_shared<ResultHUD>();
-    for (const Message& message : messages) {
-      hud->show(message.title, message.preview, message.isError, message.icon);
-      const auto panels = [&] { return camera.screen().windowsOfClass("LumiscanPanel"); };
-      require([&] { return panels().size() == 1; }, "panel");
-      const xcb_rectangle_t at = camera.screen().geometryOf(panels()[0]);
-      camera.save(QRect(at.x, at.y, at.width, at.height).adjusted(-20, -12, 20, 20),
-                  std::string(message.name) + (dark ? "-dark" : "-light"));
-    }
+  const auto hud = std::make_shared<ResultHUD>();
+  for (const bool isError : {false, true}) {
+    Camera::use(isError);
+    if (isError)
+      hud->show("No text recognized", std::nullopt, true);
+    else
+      hud->show("Copied", "The quick brown fox jumps over");
+    const auto panels = [&] { return camera.screen().windowsOfClass("LumiscanPanel"); };
+    require([&] { return panels().size() == 1; }, "panel");
+    const xcb_rectangle_t at = camera.screen().geometryOf(panels()[0]);
+    camera.save(QRect(at.x, at.y, at.width, at.height).adjusted(-20, -12, 20, 20),
+                isError ? "error-dark" : "success-light");
   }
 }
 
@@ -188,11 +216,13 @@ void photographSettings(const Camera& camera) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const std::map<std::string, void (*)(const Camera&)> topics = {
-      {"panel", photographPanel}, {"menu", photographMenu}, {"settings", photographSettings}};
+  const std::map<std::string, void (*)(const Camera&)> topics = {{"overlay", photographOverlay},
+                                                                 {"panel", photographPanel},
+                                                                 {"menu", photographMenu},
+                                                                 {"settings", photographSettings}};
   const auto topic = topics.find(argc > 1 ? argv[1] : "");
   if (topic == topics.end() || argc < 3) {
-    std::cerr << "usage: pictures panel|menu|settings FOLDER [SCALE]" << std::endl;
+    std::cerr << "usage: pictures overlay|panel|menu|settings FOLDER [SCALE]" << std::endl;
     return EXIT_FAILURE;
   }
   const int scale = argc > 3 ? std::atoi(argv[3]) : 1;

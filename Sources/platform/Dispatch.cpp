@@ -11,9 +11,9 @@ namespace MainQueue {
 
 void async(std::function<void()> work) { Desktop::current().dispatcher().async(std::move(work)); }
 
-void asyncAfter(double seconds, std::shared_ptr<WorkItem> item) {
+void asyncAfter(double seconds, const std::shared_ptr<WorkItem>& item) {
   assertCurrent();
-  Desktop::current().dispatcher().asyncAfter(seconds, [item = std::move(item)] { item->perform(); });
+  item->setStopWaiting(Desktop::current().dispatcher().asyncAfter(seconds, [item] { item->perform(); }));
 }
 
 void assertCurrent() { assert(Desktop::current().dispatcher().isMainThread()); }

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
 
 namespace lumiscan::platform {
 
@@ -16,9 +17,11 @@ class Dispatcher {
 
   /// Any thread. Runs `work` on the main thread after the current event; in the order of submission.
   virtual void async(std::function<void()> work) = 0;
-  /// Any thread. Runs `work` on the main thread once `seconds` have passed; of works that become due at the
-  /// same moment any may be first. Delays don't count time in which the machine sleeps.
-  virtual void asyncAfter(double seconds, std::function<void()> work) = 0;
+  /// Main thread. Runs `work` there once `seconds` have passed; of works that become due at the same moment
+  /// any may be first. Delays don't count time in which the machine sleeps. Returns what drops the work, and
+  /// with it the delay, for which the process would wake up in vain; that may be called at any time, also
+  /// when the work has run or the dispatcher has gone.
+  virtual std::function<void()> asyncAfter(double seconds, std::function<void()> work) = 0;
   /// Any thread. Runs `work` on a background thread.
   virtual void detach(TaskPriority priority, std::function<void()> work) = 0;
   /// Any thread. Whether the caller is on the main thread.
@@ -30,15 +33,21 @@ class WorkItem {
  public:
   explicit WorkItem(std::function<void()> work) : work_(std::move(work)) {}
 
-  /// From now on `perform` does nothing.
-  void cancel() { work_ = nullptr; }
+  /// From now on `perform` does nothing, and a queue that was to call it no longer waits.
+  void cancel() {
+    work_ = nullptr;
+    if (const auto stopWaiting = std::exchange(stopWaiting_, nullptr)) stopWaiting();
+  }
   void perform() {
     // A copy, since the work may drop the last reference to this item.
     if (const auto work = work_) work();
   }
+  /// Called by `cancel`: drops the item from the queue that it was given to last.
+  void setStopWaiting(std::function<void()> stopWaiting) { stopWaiting_ = std::move(stopWaiting); }
 
  private:
   std::function<void()> work_;
+  std::function<void()> stopWaiting_;
 };
 
 namespace MainQueue {
@@ -47,8 +56,8 @@ namespace MainQueue {
 void async(std::function<void()> work);
 
 /// Main thread. Performs `item` after `seconds`, unless it was cancelled by then. The queue shares the
-/// ownership until then.
-void asyncAfter(double seconds, std::shared_ptr<WorkItem> item);
+/// ownership until either.
+void asyncAfter(double seconds, const std::shared_ptr<WorkItem>& item);
 
 /// Ends a debug build when the caller isn't on the main thread.
 void assertCurrent();

@@ -52,6 +52,9 @@ TYPED_TEST_P(DispatchContract, DelayedWorkRunsInOrderOfTimeUnlessCancelled) {
   platform::MainQueue::asyncAfter(3600, item(5));
   platform::MainQueue::async([&] { ran.push_back(2); });
   cancelled->cancel();
+  this->desktop.processEvents();
+  // Nothing waits for it, which would wake the process up.
+  EXPECT_EQ(cancelled.use_count(), 1);
   this->desktop.passTime(0.08);
   EXPECT_EQ(ran, (std::vector{2, 3, 4}));
 }

@@ -198,6 +198,19 @@ TEST_F(SettingsWindowTest, TheKeyboardReachesEveryControlByItsName) {
   press({KEY_TAB});
   press({KEY_SPACE});
   EXPECT_TRUE(becomes("playSound", false));
+
+  // The focus stays through what another program or a hotkey does to the keyboard, and while the wheel
+  // scrolls past a control.
+  ASSERT_TRUE(screen().grabKeyboard());
+  constexpr double untilTheToolkitNotices = 0.3;  // Three times as long as it takes.
+  passTime(untilTheToolkitNotices);
+  EXPECT_EQ(focused(), "Play sound after capture");
+  screen().ungrab();
+  QWidget* const choice = control("Line breaks");
+  const QPoint middle = choice->mapToGlobal(choice->rect().center());
+  screen().click(middle.x(), middle.y(), XCB_BUTTON_INDEX_5);
+  EXPECT_TRUE(waitFor([&] { return choice->mapToGlobal(choice->rect().center()) != middle; }));
+  EXPECT_EQ(focused(), "Play sound after capture");
 }
 
 TEST_F(SettingsWindowTest, ComesToTheFrontEachTimeItIsOpened) {

@@ -11,6 +11,7 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <map>
 
 #include "desktop/PrivateDesktop.h"
 #include "desktop/Servers.h"
@@ -153,6 +154,26 @@ TEST_F(StatusItemTest, APanelReadsAndChoosesOverTheBus) {
   ASSERT_TRUE(waitFor([this] { return windows() == 2; }));
   click("Quit Lumiscan");
   EXPECT_EQ(program_->waitForEnd(processEvents), 0) << "the box keeps nobody";
+}
+
+TEST_F(StatusItemTest, TellsTheInstalledIconsNameToPanelsThatTintIt) {
+  unsetenv("XDG_DATA_HOME");
+  const auto icons = screen_.home() / ".local/share/icons/hicolor/symbolic/apps";
+  std::filesystem::create_directories(icons);
+  std::ofstream(icons / "com.varnholt.Lumiscan-symbolic.svg") << "<svg/>";
+  for (const auto& [desktop, name] : std::map<const char*, QString>{
+           {"ubuntu:GNOME", "com.varnholt.Lumiscan-symbolic"}, {"Lubuntu:LXQt", ""}}) {
+    setenv("XDG_CURRENT_DESKTOP", desktop, 1);
+    ASSERT_TRUE(panel_.start());
+    startProgram();
+    ASSERT_TRUE(isInPanel());
+    const auto told =
+        call("/StatusNotifierItem", propertiesInterface, "Get", {"org.kde.StatusNotifierItem", "IconName"});
+    EXPECT_EQ(qdbus_cast<QDBusVariant>(told.arguments().at(0)).variant().toString(), name) << desktop;
+    program_ = nullptr;
+    ASSERT_TRUE(panel_.stop());
+  }
+  unsetenv("XDG_CURRENT_DESKTOP");
 }
 
 TEST_F(StatusItemTest, TheAboutBoxComesBeforeTheSettingsWindow) {

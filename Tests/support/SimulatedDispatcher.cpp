@@ -6,8 +6,15 @@ namespace lumiscan::testing {
 
 void SimulatedDispatcher::async(std::function<void()> work) { asyncAfter(0, std::move(work)); }
 
-void SimulatedDispatcher::asyncAfter(double seconds, std::function<void()> work) {
-  mainQueue_.emplace(std::pair{now_ + std::max(seconds, 0.0), submissions_++}, std::move(work));
+std::function<void()> SimulatedDispatcher::asyncAfter(double seconds, std::function<void()> work) {
+  const Queue::key_type key{now_ + std::max(seconds, 0.0), submissions_++};
+  mainQueue_->emplace(key, std::move(work));
+  return [key, weakQueue = std::weak_ptr(mainQueue_)] {
+    const auto queue = weakQueue.lock();
+    if (!queue) return;
+    // Dropping a work may lead here again.
+    queue->extract(key);
+  };
 }
 
 void SimulatedDispatcher::detach(platform::TaskPriority priority, std::function<void()> work) {
@@ -24,8 +31,8 @@ void SimulatedDispatcher::advance(double seconds) {
 
 void SimulatedDispatcher::runDueUntil(double time) {
   afterEvent_();  // What the test itself did counts as an event that ends here.
-  while (!mainQueue_.empty() && mainQueue_.begin()->first.first <= time) {
-    auto next = mainQueue_.extract(mainQueue_.begin());
+  while (!mainQueue_->empty() && mainQueue_->begin()->first.first <= time) {
+    auto next = mainQueue_->extract(mainQueue_->begin());
     now_ = std::max(now_, next.key().first);
     handleEvent(next.mapped());
   }
@@ -56,8 +63,8 @@ void SimulatedDispatcher::handleEvent(const std::function<void()>& handle) {
 
 void SimulatedDispatcher::clear() {
   // Dropping work may submit more.
-  while (!mainQueue_.empty() || !tasks_.empty()) {
-    std::exchange(mainQueue_, {});
+  while (!mainQueue_->empty() || !tasks_.empty()) {
+    std::exchange(*mainQueue_, {});
     std::exchange(tasks_, {});
   }
 }

@@ -5,6 +5,7 @@
 #include <deque>
 #include <functional>
 #include <map>
+#include <memory>
 #include <utility>
 
 #include "platform/Dispatch.h"
@@ -19,7 +20,7 @@ class SimulatedDispatcher : public platform::Dispatcher {
   explicit SimulatedDispatcher(std::function<void()> afterEvent) : afterEvent_(std::move(afterEvent)) {}
 
   void async(std::function<void()> work) override;
-  void asyncAfter(double seconds, std::function<void()> work) override;
+  std::function<void()> asyncAfter(double seconds, std::function<void()> work) override;
   void detach(platform::TaskPriority priority, std::function<void()> work) override;
   bool isMainThread() const override { return onMainThread_; }
 
@@ -48,7 +49,10 @@ class SimulatedDispatcher : public platform::Dispatcher {
   double now_ = 0;
   bool onMainThread_ = true;
   std::uint64_t submissions_ = 0;
-  std::map<std::pair<double, std::uint64_t>, std::function<void()>> mainQueue_;
+  /// By the time at which they are due, then by submission.
+  using Queue = std::map<std::pair<double, std::uint64_t>, std::function<void()>>;
+  /// Shared, so that what drops a work may be called when this has gone.
+  std::shared_ptr<Queue> mainQueue_ = std::make_shared<Queue>();
   std::deque<std::pair<platform::TaskPriority, std::function<void()>>> tasks_;
 };
 

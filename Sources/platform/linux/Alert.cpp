@@ -49,7 +49,7 @@ void QtAlerts::runModal(const platform::Alert& alert) {
   };
   followColorScheme();
   QObject::connect(&colorScheme_, &ColorScheme::changed, &box, followColorScheme);
-  box.setWindowIcon(box.iconPixmap());
+  box.setWindowIcon(programIcon());
   box.setStandardButtons(QMessageBox::Ok);
   box.button(QMessageBox::Ok)->setIcon({});
   box.exec();

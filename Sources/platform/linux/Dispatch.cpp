@@ -1,8 +1,10 @@
 #include "platform/linux/Dispatch.h"
 
 #include <QMetaObject>
+#include <QPointer>
 #include <QTimer>
 #include <algorithm>
+#include <cassert>
 
 #include "platform/linux/StandingThreads.h"
 
@@ -19,14 +21,21 @@ void QtDispatcher::async(std::function<void()> work) {
   QMetaObject::invokeMethod(&mainContext_, std::move(work), Qt::QueuedConnection);
 }
 
-void QtDispatcher::asyncAfter(double seconds, std::function<void()> work) {
-  if (!isMainThread()) {
-    async([this, seconds, work = std::move(work)] { asyncAfter(seconds, work); });
-    return;
-  }
-  const auto delay = std::chrono::ceil<std::chrono::milliseconds>(std::chrono::duration<double>(seconds));
+std::function<void()> QtDispatcher::asyncAfter(double seconds, std::function<void()> work) {
+  assert(isMainThread());
+  auto* const timer = new QTimer(&mainContext_);
+  timer->setSingleShot(true);
   // Any other type may fire too early.
-  QTimer::singleShot(delay, Qt::PreciseTimer, &mainContext_, std::move(work));
+  timer->setTimerType(Qt::PreciseTimer);
+  QObject::connect(timer, &QTimer::timeout, timer, [timer, work = std::move(work)] {
+    timer->deleteLater();
+    work();
+  });
+  timer->start(std::chrono::ceil<std::chrono::milliseconds>(std::chrono::duration<double>(seconds)));
+  // A timer that isn't active has done its work, or is about it and calls this.
+  return [timer = QPointer(timer)] {
+    if (timer && timer->isActive()) delete timer.data();
+  };
 }
 
 void QtDispatcher::detach(platform::TaskPriority priority, std::function<void()> work) {

@@ -16,7 +16,7 @@ class QtDispatcher : public platform::Dispatcher {
   QtDispatcher();
 
   void async(std::function<void()> work) override;
-  void asyncAfter(double seconds, std::function<void()> work) override;
+  std::function<void()> asyncAfter(double seconds, std::function<void()> work) override;
   void detach(platform::TaskPriority priority, std::function<void()> work) override;
   bool isMainThread() const override;
 

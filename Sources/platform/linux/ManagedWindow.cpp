@@ -39,9 +39,7 @@ ManagedWindow::ManagedWindow(platform::Window& window, ColorScheme& colorScheme)
       colorScheme_(colorScheme),
       form_(content_.form()) {
   setWindowTitle(QString::fromStdString(window.attributes().title));
-  constexpr int iconSide = 48;  // Pixels; title bars reduce it.
-  setWindowIcon(
-      QPixmap::fromImage(symbolPicture("text.viewfinder", iconSide, palette().color(QPalette::WindowText))));
+  setWindowIcon(programIcon());
   setCentralWidget(&form_);
   const QSize content = toolkitSize(window.frame().size);
   setFixedSize(content.expandedTo(toolkitSize(content_.form().minimumSize)));

@@ -1,8 +1,10 @@
 #include "platform/linux/StatusIcon.h"
 
 #include <QFont>
+#include <QLinearGradient>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPixmap>
 #include <QTransform>
 #include <string>
 
@@ -43,6 +45,22 @@ QPainterPath haloAround(const QPainterPath& path) {
   return pen.createStroke(path).united(path);
 }
 
+QImage programPicture(int side) {
+  QImage picture = emptyPicture(side);
+  QPainter painter(&picture);
+  painter.setRenderHint(QPainter::Antialiasing);
+  QLinearGradient ground(0, 0, 0, side);
+  ground.setColorAt(0, QColor(0x3F, 0x7F, 0xD6));
+  ground.setColorAt(1, QColor(0x1F, 0x4F, 0xA3));
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(ground);
+  painter.drawRoundedRect(picture.rect(), side / 5.0, side / 5.0);
+  const int margin = side / 12;
+  painter.translate(margin, margin);
+  painter.fillPath(symbolPath("text.viewfinder", side - 2 * margin), Qt::white);
+  return picture;
+}
+
 }  // namespace
 
 QImage symbolPicture(std::string_view name, int side, const QColor& color) {
@@ -66,6 +84,18 @@ QImage statusPicture(const platform::StatusItemButton& button, int side, const Q
   }
   painter.fillPath(path, color);
   return picture;
+}
+
+QIcon programIcon() {
+  QIcon icon;
+  // Title bars and task bars take the nearest.
+  for (const int side : {24, 32, 48, 64, 128}) icon.addPixmap(QPixmap::fromImage(programPicture(side)));
+  // At its own size the symbol's lines would run together.
+  constexpr int smallest = 16;
+  icon.addPixmap(
+      QPixmap::fromImage(programPicture(2 * smallest)
+                             .scaled(smallest, smallest, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)));
+  return icon;
 }
 
 QColor iconColor(bool onDark) { return onDark ? QColor(0xF2, 0xF2, 0xF2) : QColor(0x2E, 0x2E, 0x2E); }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QColor>
+#include <QIcon>
 #include <QImage>
 #include <string_view>
 
@@ -18,6 +19,9 @@ enum class Halo { none, opposite };
 
 /// What shows for the status item: its image, or else its title. In a square of `side` pixels.
 QImage statusPicture(const platform::StatusItemButton& button, int side, const QColor& color, Halo halo);
+
+/// That of the program, for its windows: readable on title bars and task bars of any colour.
+QIcon programIcon();
 
 /// The colour of icons on a dark or a light panel.
 QColor iconColor(bool onDark);

@@ -24,6 +24,7 @@ ChoiceItem::ChoiceItem(const platform::Choice& choice) {
   label_.setTextFormat(Qt::PlainText);
   // To assistive programs the name of such a box is what is chosen; what it is for they take from its label.
   label_.setBuddy(&box_);
+  box_.setFocusPolicy(Qt::StrongFocus);  // The toolkit's own would take the focus by the wheel, too.
   // Only what the user does: `currentIndexChanged` would tell of our own changes, too.
   connect(&box_, &QComboBox::activated, this, [this](int index) {
     if (const auto select = select_) select(static_cast<std::size_t>(index));

@@ -25,6 +25,12 @@ const QString installedIcon = QStringLiteral("%1-symbolic").arg(platform::applic
 /// What panels have room for, in pixels: most take the nearest and scale it.
 constexpr int iconSides[] = {16, 18, 20, 22, 24, 28, 32, 36, 40, 44, 48};
 
+/// Whether the user's panel gives an icon that it knows by name the colour that its ground needs. LXQt's
+/// draws it as it is, dark on dark; the name must not even be told, since it goes before the pictures.
+bool panelTintsNamedIcons() {
+  return !qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':').contains(QStringLiteral("LXQt"));
+}
+
 Pixmap pixmapOf(const QImage& picture) {
   const QImage image = picture.convertToFormat(QImage::Format_ARGB32);
   Pixmap pixmap{image.width(), image.height(), QByteArray(image.sizeInBytes(), Qt::Uninitialized)};
@@ -120,7 +126,7 @@ ItemAdaptor::ItemAdaptor(Item& item) : QDBusAbstractAdaptor(&item), item_(item) 
 QString ItemAdaptor::iconName() const {
   const QString file = QStringLiteral("icons/hicolor/symbolic/apps/%1.svg").arg(installedIcon);
   const bool installed = !QStandardPaths::locate(QStandardPaths::GenericDataLocation, file).isEmpty();
-  return item_.button().image && installed ? installedIcon : QString();
+  return item_.button().image && installed && panelTintsNamedIcons() ? installedIcon : QString();
 }
 
 QString ItemAdaptor::iconDescription() const {

@@ -126,12 +126,10 @@ bool X11HotKeys::nativeEventFilter(const QByteArray& eventType, void* message, q
     case XCB_KEY_RELEASE:
       heldKey_.released(reinterpret_cast<const xcb_key_release_event_t&>(event));
       return false;
-    case XCB_FOCUS_OUT: {
-      // While a hotkey is held, its grab has the keyboard. The toolkit would take the focus away meanwhile
-      // from the window that is about to get the key.
-      const auto& focusOut = reinterpret_cast<const xcb_focus_out_event_t&>(event);
-      return focusOut.mode == XCB_NOTIFY_MODE_GRAB && focusOut.event == keyTaker_();
-    }
+    case XCB_FOCUS_OUT:
+      // While a hotkey is held or a session has the keyboard, the focus stays where it is. The toolkit would
+      // take it from its window meanwhile: a field would miss the key, any other control lose its ring.
+      return reinterpret_cast<const xcb_focus_out_event_t&>(event).mode == XCB_NOTIFY_MODE_GRAB;
     default:
       break;
   }
