@@ -55,8 +55,8 @@ void endWithTheConnection(QtMsgType type, const QMessageLogContext& context, con
 }
 
 /// The toolkit keeps what it has painted of buttons, boxes and icons by the palette or picture that they were
-/// painted with. Each window here brings its own, so pictures of windows that are gone are never found again:
-/// the program would grow by the toolkit's limit of ten MiB. A page of the settings fits in this.
+/// painted with. Each window here brings its own, so pictures of windows that are gone are never found again,
+/// and the program would grow by the toolkit's limit of ten MiB. What doesn't fit is painted anew.
 void keepFewPaintedPictures() {
   constexpr int kibibytes = 1024;
   QPixmapCache::setCacheLimit(kibibytes);
