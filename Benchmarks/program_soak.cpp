@@ -12,6 +12,7 @@
 #include <thread>
 
 #include "RandomUse.h"
+#include "platform/linux/LinuxDesktop.h"
 
 namespace {
 
@@ -121,6 +122,8 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "usage: program_soak --seconds N\n");
     return 2;
   }
+  // Where its log goes when the preferences' file can't be changed at once, which is no reason to end.
+  const lumiscan::desktop::LinuxDesktop desktop(argc, argv);
   try {
     return soak(std::chrono::seconds(seconds)) ? EXIT_SUCCESS : EXIT_FAILURE;
   } catch (const std::exception& exception) {
