@@ -46,7 +46,7 @@ TEST(Corrections, LettersAndSignsWithinNumbersBecomeDigits) {
       {"color: #ele4e8; #OOO; #f00", "color: #e1e4e8; #OOO; #f00"},
       {"#all #IO1 #include #lll", "#all #101 #include #lll"},
       {"margin: Opx lem l.5rem;", "margin: 0px 1em l.5rem;"},
-      {"them, item, px, Olem", "them, item, px, 01em"},
+      {"them, @em, px, Olem", "them, @em, px, 01em"},
   };
   for (const auto& [read, meant] : texts) {
     std::vector<Symbol> symbols = symbolsOf(read);

@@ -46,8 +46,9 @@ bool isColour(std::string_view word) {
          std::any_of(word.begin(), word.end(), isDigit);
 }
 
-/// How many characters before the unit of a length are its digits; 0 where it is none.
+/// How many characters before the unit of a length are its digits; 0 where it is none, as @em.
 std::size_t digitsOfLength(std::string_view word) {
+  if (word.starts_with('@')) return 0;
   for (const std::string_view unit : {"px", "rem", "em"}) {
     if (word.size() <= unit.size() || !word.ends_with(unit)) continue;
     const std::string digits = withDigits(word.substr(0, word.size() - unit.size()));
