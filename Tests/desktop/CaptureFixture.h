@@ -69,8 +69,6 @@ class CaptureTest : public ::testing::Test {
   bool waitForOverlays(std::size_t count) {
     return waitUntil([&] { return overlays() == count; });
   }
-  bool pageHasFocus() const { return desktop_.focusedWindow() == desktop_.windowsOfClass("Page").at(0); }
-
   void dragOverThePage() { desktop_.drag(left - 8, top - 8, right, bottom); }
   void captureThePage() {
     pressShortcut();

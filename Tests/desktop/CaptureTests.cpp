@@ -15,20 +15,6 @@
 namespace lumiscan::testing {
 namespace {
 
-TEST_F(CaptureTest, ADragBecomesTextOnThePasteboard) {
-  captureThePage();
-  EXPECT_TRUE(waitForClipboard(joined(pageLines, "\n"))) << PrivateDesktop::clipboard().value_or("no text");
-  EXPECT_TRUE(waitUntil([this] { return pageHasFocus(); }));
-
-  // Again, with the user's other choice of line breaks made while the program runs.
-  desktop_.writePreferences(R"({"keepLineBreaksByDefault": false})");
-  pressShortcut();
-  ASSERT_TRUE(waitUntil([this] { return overlays() == 1 && desktop_.inputIsTaken(); }));
-  EXPECT_TRUE(pageHasFocus()) << "the page's looks must not change";
-  dragOverThePage();
-  EXPECT_TRUE(waitForClipboard(joined(pageLines, " "))) << PrivateDesktop::clipboard().value_or("no text");
-}
-
 /// Captures in every mode, with the program started in one way or another.
 class EveryModeTest : public CaptureTest, public ::testing::WithParamInterface<std::vector<std::string>> {
  protected:
@@ -56,6 +42,7 @@ class EveryModeTest : public CaptureTest, public ::testing::WithParamInterface<s
         for (int x = 520; x < 740; ++x) ++(pixels[desktop_.indexOf(x, y)] == 0 ? dark : light);
       return dark > 10000 && light > 10000;
     }));
+    ASSERT_TRUE(waitUntil([this] { return desktop_.focusedWindow() == desktop_.windowsOfClass("Code")[0]; }));
   }
 
   /// Where the secret is found, but for the file that is shown and the preferences.
@@ -114,10 +101,12 @@ TEST_P(EveryModeTest, CapturesWithoutANetworkAndLeavesTheTextOnlyWhereItBelongs)
       {{KEY_LEFTCTRL, KEY_LEFTALT, KEY_LEFTMETA, KEY_R}, false, page + "\n" + page + "\n" + page},
       {{KEY_LEFTCTRL, KEY_LEFTALT, KEY_LEFTMETA, KEY_B}, true, code},
   };
+  const xcb_window_t focused = desktop_.focusedWindow();
   for (const Mode& mode : modes) {
     desktop_.pressKeys(mode.keys);
     if (mode.drags) {
-      ASSERT_TRUE(waitForOverlays(1));
+      ASSERT_TRUE(waitUntil([this] { return overlays() == 1 && desktop_.inputIsTaken(); }));
+      EXPECT_EQ(desktop_.focusedWindow(), focused) << "its window's looks must not change";
       if (mode.clipboard == code)
         desktop_.drag(495, 325, 1279, 799);
       else
@@ -126,6 +115,7 @@ TEST_P(EveryModeTest, CapturesWithoutANetworkAndLeavesTheTextOnlyWhereItBelongs)
     ASSERT_TRUE(waitForClipboard(mode.clipboard)) << PrivateDesktop::clipboard().value_or("no text");
     ASSERT_TRUE(waitUntil([this] { return desktop_.windowsOfClass("LumiscanPanel").size() == 1; }));
     EXPECT_THAT(placesOfTheSecret(), ::testing::IsEmpty());
+    EXPECT_TRUE(waitUntil([&] { return desktop_.focusedWindow() == focused; }));
   }
   program_->signal(SIGTERM);
   EXPECT_EQ(program_->waitForEnd(), 0);

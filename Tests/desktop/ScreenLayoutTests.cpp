@@ -54,6 +54,18 @@ TEST(ScreenLayout, FindsTheMouseOnEachScreenAndBetweenThem) {
   EXPECT_EQ(layout.mouseLocation({2550, 0}), (Point{-7.6, 1847.6}));
 }
 
+TEST(ScreenLayout, OfMonitorsThatOverlapTheFirstCounts) {
+  const ScreenLayout overlapping({
+      {"RIGHT", {{50, 0}, {100, 100}}, false, 2, {}},
+      {"MAIN", {{0, 0}, {100, 100}}, true, 1, {}},
+      {"MIRROR", {{50, 0}, {100, 100}}, false, 1, {}},
+  });
+  ASSERT_EQ(overlapping.screens().size(), 2U);
+  EXPECT_EQ(overlapping.screens()[1].displayID, ScreenLayout::displayID("RIGHT"));
+  EXPECT_EQ(overlapping.mouseLocation({60, 10}), (Point{60.5, 89.5}));
+  EXPECT_EQ(overlapping.place({{60, 80}, {10, 10}})->display, ScreenLayout::displayID("MAIN"));
+}
+
 TEST(ScreenLayout, FindsThePixelsOfARectangle) {
   for (const auto& screen : layout.screens()) {
     const auto place = layout.place(screen.frame);

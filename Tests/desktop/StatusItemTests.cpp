@@ -227,8 +227,11 @@ TEST_F(StatusItemTest, StandsInWhateverTrayComesAndComesAgain) {
   };
   /// Opens the menu and chooses its first item, at 0, or its last, at 1.
   const auto chooseByMouse = [this](int place) {
-    screen_.click(screen_.width() - side / 2, side / 2);
-    ASSERT_TRUE(waitFor([this] { return windows() == 1; }));
+    screen_.moveMouse(screen_.width() - side / 2, side / 2);
+    screen_.buttonDown();
+    ASSERT_TRUE(waitFor([this] { return windows() == 1 && screen_.inputIsTaken(); }));
+    screen_.buttonUp();
+    ASSERT_TRUE(screen_.inputIsTaken()) << "by the menu, no more by the press";
     const xcb_rectangle_t menu = screen_.geometryOf(screen_.windowsOfClass("Lumiscan")[0]);
     const int y = place == 0 ? menu.y + side / 2 : menu.y + menu.height - side / 2;
     int x = menu.x + menu.width / 2;

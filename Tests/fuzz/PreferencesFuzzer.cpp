@@ -1,8 +1,6 @@
 // Arbitrary bytes as the preferences file: whatever it holds, a value written is read again by the next start
 // of the program, and the other members of a file that can be read stay.
 
-#include <unistd.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -11,23 +9,10 @@
 #include "fuzz/Require.h"
 #include "platform/linux/UserDefaults.h"
 #include "support/SimulatedDesktop.h"
+#include "support/TemporaryFolder.h"
 
 namespace lumiscan::fuzzing {
 namespace {
-
-/// One for each input, so that no input depends on those before it.
-class Folder {
- public:
-  ~Folder() { std::filesystem::remove_all(path_); }
-  Folder() { std::filesystem::create_directories(path_); }
-  Folder(const Folder&) = delete;
-  Folder& operator=(const Folder&) = delete;
-  std::filesystem::path file() const { return path_ / "preferences.json"; }
-
- private:
-  const std::filesystem::path path_ =
-      std::filesystem::temp_directory_path() / ("lumiscan-fuzz-" + std::to_string(getpid()));
-};
 
 nlohmann::json parsed(const std::filesystem::path& file) {
   std::ifstream stream(file, std::ios::binary);
@@ -59,9 +44,11 @@ void useFile(const std::filesystem::path& file) {
 }  // namespace lumiscan::fuzzing
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const lumiscan::fuzzing::Folder folder;
-  std::ofstream(folder.file(), std::ios::binary)
+  // One for each input, so that no input depends on those before it.
+  const lumiscan::testing::TemporaryFolder folder;
+  const std::filesystem::path file = folder.path() / "preferences.json";
+  std::ofstream(file, std::ios::binary)
       .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
-  lumiscan::fuzzing::useFile(folder.file());
+  lumiscan::fuzzing::useFile(file);
   return 0;
 }

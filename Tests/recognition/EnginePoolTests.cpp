@@ -1,11 +1,13 @@
 #include "platform/linux/recognition/EnginePool.h"
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <atomic>
 #include <future>
 #include <thread>
 
+#include "platform/linux/recognition/EngineCrew.h"
 #include "platform/linux/recognition/LanguageData.h"
 
 namespace lumiscan::desktop {
@@ -75,6 +77,20 @@ TEST_F(EnginePoolTest, AFailureReachesTheBorrowerAndIsNotKept) {
   EXPECT_EQ(result.error().text, "no engine today");
   failing_ = false;
   EXPECT_TRUE(pool_.borrow(english).ok());
+}
+
+TEST(EngineCrew, WorksOnItsCallersThreadWhereNoOtherCanBeStarted) {
+  pthread_attr_t before, hugeStacks;
+  pthread_getattr_default_np(&before);
+  pthread_getattr_default_np(&hugeStacks);
+  pthread_attr_setstacksize(&hugeStacks, std::size_t{1} << 50);
+  ASSERT_EQ(pthread_setattr_default_np(&hugeStacks), 0);
+  int done = 0;
+  EngineCrew crew({Engine::load(english, LanguageData().folder()).value()},
+                  [](std::size_t) { return nullptr; });
+  crew.run(std::vector(3, EngineCrew::Task{0, 1000, [&done](Engine&) { ++done; }}));
+  pthread_setattr_default_np(&before);
+  EXPECT_EQ(done, 3);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "platform/Appearance.h"
 #include "platform/Application.h"
@@ -14,9 +15,7 @@
 #include "support/SimulatedDispatcher.h"
 #include "support/SimulatedDisplays.h"
 #include "support/SimulatedHotKeys.h"
-#include "support/SimulatedLoginItem.h"
 #include "support/SimulatedParts.h"
-#include "support/SimulatedPasteboard.h"
 #include "support/SimulatedRecognition.h"
 #include "support/SimulatedStatusBar.h"
 #include "support/SimulatedWindows.h"
@@ -30,7 +29,12 @@ class SimulatedApplication : public platform::Application {
 
   void setDelegate(platform::ApplicationDelegate* newDelegate) override { delegate = newDelegate; }
   void setActivationPolicy(platform::ActivationPolicy newPolicy) override { policy = newPolicy; }
-  void run() override;
+  void run() override {
+    dispatcher_.handleEvent([this] {
+      if (delegate) delegate->applicationDidFinishLaunching();
+    });
+    dispatcher_.settle();
+  }
   void terminate() override { terminated = true; }
   void activateIgnoringOtherApps() override { ++activations; }
   void disableSuddenTermination() override { suddenTerminationDisabled = true; }
@@ -51,12 +55,28 @@ class SimulatedApplication : public platform::Application {
 class SimulatedDesktop : public platform::Desktop {
  public:
   /// One screen of 1440 by 900 points is attached, display 1.
-  explicit SimulatedDesktop(std::shared_ptr<Preferences> preferences = std::make_shared<Preferences>());
-  ~SimulatedDesktop() override;
+  explicit SimulatedDesktop(std::shared_ptr<Preferences> preferences = std::make_shared<Preferences>())
+      : dispatcher_([this] {
+          pasteboard_.publish();
+          hotKeys_.releaseUnregistered();
+        }),
+        userDefaults_(std::move(preferences), effects_) {
+    Desktop::install(this);
+    displays_.attach(1, {{0, 0}, {1440, 900}});
+  }
+  ~SimulatedDesktop() override {
+    // Work that still waits and singletons may own windows or timers, which need the desktop to go.
+    dispatcher_.clear();
+    dropSingletons();
+    Desktop::install(nullptr);
+  }
 
   std::optional<std::string> interactiveModeProblem() override { return problem; }
   bool claimInstance() override { return true; }
-  SimulatedApplication& application() override;
+  SimulatedApplication& application() override {
+    if (!application_) application_ = std::make_unique<SimulatedApplication>(dispatcher_);
+    return *application_;
+  }
   SimulatedDispatcher& dispatcher() override { return dispatcher_; }
   /// A day and the virtual clock's seconds after the reference date.
   platform::Date currentDate() override { return {86400 + dispatcher_.now()}; }

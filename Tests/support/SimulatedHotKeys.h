@@ -1,47 +1,73 @@
 #pragma once
 
+#include <algorithm>
 #include <set>
 #include <utility>
 #include <vector>
 
+#include "platform/Dispatch.h"
 #include "platform/HotKeys.h"
+#include "support/SimulatedDispatcher.h"
 
 namespace lumiscan::testing {
-
-class SimulatedDispatcher;
 
 /// Global hotkeys that a test presses.
 class SimulatedHotKeys : public platform::HotKeys {
  public:
   explicit SimulatedHotKeys(SimulatedDispatcher& dispatcher) : dispatcher_(dispatcher) {}
 
-  struct Combination {
-    std::uint32_t keyCode = 0;
-    std::uint32_t modifiers = 0;
-    friend bool operator==(const Combination&, const Combination&) = default;
-    friend bool operator<(const Combination& a, const Combination& b) {
-      return std::pair(a.keyCode, a.modifiers) < std::pair(b.keyCode, b.modifiers);
-    }
-  };
+  /// A virtual key code and a mask of modifiers.
+  using Combination = std::pair<std::uint32_t, std::uint32_t>;
   struct Registration {
     Combination combination;
     platform::HotKeyID id;
     platform::HotKeyRef ref = 0;
   };
 
-  void installEventHandler(Handler handler) override;
+  void installEventHandler(Handler handler) override {
+    platform::MainQueue::assertCurrent();
+    handler_ = std::move(handler);
+    ++handlersInstalled;
+  }
   platform::HotKeyRegistration registerEventHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
-                                                   platform::HotKeyID id) override;
-  void unregisterEventHotKey(platform::HotKeyRef ref) override;
+                                                   platform::HotKeyID id) override {
+    platform::MainQueue::assertCurrent();
+    constexpr std::uint32_t lastVirtualKeyCode = 0x7F;
+    const Combination combination{keyCode, modifiers};
+    if (keyCode > lastVirtualKeyCode) return {platform::hotKeyInvalidErr, 0};
+    if (find(combination) != registrations_.end() || takenByOthers.contains(combination))
+      return {platform::hotKeyExistsErr, 0};
+    registrations_.push_back({combination, id, ++lastRef_});
+    return {platform::noErr, lastRef_};
+  }
+  void unregisterEventHotKey(platform::HotKeyRef ref) override {
+    platform::MainQueue::assertCurrent();
+    const auto found = std::ranges::find(registrations_, ref, &Registration::ref);
+    if (found == registrations_.end()) return;
+    unregistered_.insert(found->combination);
+    registrations_.erase(found);
+  }
 
   /// The user presses the combination, as an event of its own. Returns whether the program holds it.
-  bool press(std::uint32_t keyCode, std::uint32_t modifiers);
+  bool press(std::uint32_t keyCode, std::uint32_t modifiers) {
+    const auto found = find({keyCode, modifiers});
+    if (found == registrations_.end()) return false;
+    const platform::HotKeyEvent event{found->id};
+    dispatcher_.handleEvent([&] { deliver(&event); });
+    return true;
+  }
   /// Hands any event, or none, to the program's handler and returns its status.
-  platform::HotKeyStatus deliver(const platform::HotKeyEvent* event);
+  platform::HotKeyStatus deliver(const platform::HotKeyEvent* event) {
+    return handler_ ? handler_(event) : platform::noErr;
+  }
   /// The program's registrations in the order in which they were made.
   const std::vector<Registration>& registrations() const { return registrations_; }
   /// Called when an event has been handled: what isn't registered again is free for other programs.
-  void releaseUnregistered();
+  void releaseUnregistered() {
+    for (const Registration& registration : registrations_) unregistered_.erase(registration.combination);
+    released.insert(released.end(), unregistered_.begin(), unregistered_.end());
+    unregistered_.clear();
+  }
 
   /// Combinations that other programs hold.
   std::set<Combination> takenByOthers;
@@ -50,6 +76,10 @@ class SimulatedHotKeys : public platform::HotKeys {
   int handlersInstalled = 0;
 
  private:
+  std::vector<Registration>::const_iterator find(const Combination& combination) const {
+    return std::ranges::find(registrations_, combination, &Registration::combination);
+  }
+
   SimulatedDispatcher& dispatcher_;
   Handler handler_;
   platform::HotKeyRef lastRef_ = 0;

@@ -15,19 +15,34 @@
 #include "platform/Cursor.h"
 #include "platform/Dispatch.h"
 #include "platform/Logger.h"
+#include "platform/LoginItem.h"
+#include "platform/Pasteboard.h"
 #include "platform/QRCode.h"
 #include "platform/Sound.h"
 #include "platform/SpeechSynthesizer.h"
 #include "platform/Typesetter.h"
+#include "platform/UTF8.h"
 #include "platform/UserDefaults.h"
 #include "platform/Workspace.h"
-#include "support/Effects.h"
 #include "support/RecordingGraphicsContext.h"
 #include "support/TestImages.h"
 
 // The parts of the simulated desktop that are little more than a value.
 
 namespace lumiscan::testing {
+
+/// What the program did that the user or the next start of the program can tell, across all parts of the
+/// desktop, in order: "pasteboard TEXT", "store KEY", "play SOUND", "beep", "show SYMBOL TITLE / PREVIEW",
+/// "speak LANGUAGE TEXT", "stop speaking".
+class Effects {
+ public:
+  void add(std::string effect) { list_.push_back(std::move(effect)); }
+  /// The effects since this was last called.
+  std::vector<std::string> take() { return std::exchange(list_, {}); }
+
+ private:
+  std::vector<std::string> list_;
+};
 
 class SimulatedCursors : public platform::CursorStack {
  public:
@@ -74,6 +89,70 @@ class SimulatedUserDefaults : public platform::UserDefaults {
  private:
   std::shared_ptr<Preferences> preferences_;
   Effects& effects_;
+};
+
+/// The pasteboard as other programs see it.
+class SimulatedPasteboard : public platform::Pasteboard {
+ public:
+  explicit SimulatedPasteboard(Effects& effects) : effects_(effects) {}
+
+  void clearContents() override {
+    platform::MainQueue::assertCurrent();
+    pending_.reset();
+    owned_ = true;
+    changed_ = true;
+  }
+  void setString(std::string_view string) override {
+    platform::MainQueue::assertCurrent();
+    if (!owned_) return;  // Only who has taken the pasteboard over has something to offer.
+    pending_ = platform::validUTF8(string);
+    effects_.add("pasteboard " + *pending_);
+    changed_ = true;
+  }
+
+  /// Called when an event has been handled: other programs see what was written in it.
+  void publish() {
+    if (!std::exchange(changed_, false)) return;
+    text = pending_;
+    ++changeCount;
+  }
+  /// Another program takes the pasteboard over.
+  void takeOver(std::string_view string) {
+    owned_ = false;
+    text = string;
+  }
+
+  /// What other programs read; nothing when the pasteboard holds no text.
+  std::optional<std::string> text;
+  /// How often other programs have seen the pasteboard change.
+  int changeCount = 0;
+
+ private:
+  Effects& effects_;
+  bool owned_ = false;
+  bool changed_ = false;
+  std::optional<std::string> pending_;
+};
+
+/// A login item that does what it is asked unless a test refuses it.
+class SimulatedLoginItem : public platform::LoginItem {
+ public:
+  platform::LoginItemStatus status() const override { return current; }
+  bool registerItem() override { return change("register", platform::LoginItemStatus::enabled); }
+  bool unregisterItem() override { return change("unregister", platform::LoginItemStatus::notRegistered); }
+
+  platform::LoginItemStatus current = platform::LoginItemStatus::notRegistered;
+  bool refuses = false;
+  std::vector<std::string> asked;
+
+ private:
+  bool change(const char* what, platform::LoginItemStatus wanted) {
+    asked.emplace_back(what);
+    // What is so already can't fail.
+    if (refuses && current != wanted) return false;
+    current = wanted;
+    return true;
+  }
 };
 
 class SimulatedSounds : public platform::Sounds {

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "platform/Dispatch.h"
-#include "support/Effects.h"
 #include "support/SimulatedDispatcher.h"
+#include "support/SimulatedParts.h"
 
 namespace lumiscan::testing {
 

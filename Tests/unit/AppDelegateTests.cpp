@@ -28,7 +28,7 @@ TEST_F(AppDelegateTest, RecognizesAndDecodesOffTheMainThreadInTheUsersLanguages)
   ASSERT_EQ(desktop.textRecognizer().requests.size(), 1U);
   const auto& text = desktop.textRecognizer().requests[0];
   EXPECT_EQ(describe(text.image), "100,550 300×150");
-  EXPECT_THAT(text.request.recognitionLanguages, ElementsAre("de-DE", "en-US"));
+  EXPECT_THAT(text.asked.recognitionLanguages, ElementsAre("de-DE", "en-US"));
   EXPECT_FALSE(text.onMainThread);
   EXPECT_EQ(desktop.textRecognizer().prepared.size(), 1U);
   ASSERT_EQ(desktop.barcodeDetector().requests.size(), 1U);

@@ -3,13 +3,24 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <iostream>
+#include <sstream>
+
 #include "app/CommandLine.h"
 #include "selftest/SelfTest.h"
-#include "support/CapturedOutput.h"
 #include "support/SimulatedDesktop.h"
 
 namespace lumiscan {
 namespace {
+
+/// The status that `run` returns, and what it prints.
+std::pair<int, std::string> printed(int (*run)()) {
+  std::ostringstream output;
+  std::streambuf* const original = std::cout.rdbuf(output.rdbuf());
+  const int status = run();
+  std::cout.rdbuf(original);
+  return {status, output.str()};
+}
 
 TEST(CommandLine, FlagsCountAnywhereButOnlyWhole) {
   struct Case {
@@ -35,26 +46,15 @@ TEST(CommandLine, FlagsCountAnywhereButOnlyWhole) {
 
 TEST(CommandLine, ProbeTellsTheAnswerWithoutPromptingOrAnApplication) {
   testing::SimulatedDesktop desktop;
-  for (const bool granted : {true, false}) {
-    desktop.displays().accessGranted = granted;
-    const testing::CapturedOutput output;
-    EXPECT_EQ(runPermissionProbe(), granted ? 0 : 1);
-    EXPECT_EQ(output.text(),
-              granted ? "Screen recording granted: true\n" : "Screen recording granted: false\n");
-  }
+  EXPECT_EQ(printed(runPermissionProbe), std::pair(0, std::string("Screen recording granted: true\n")));
+  desktop.displays().accessGranted = false;
+  EXPECT_EQ(printed(runPermissionProbe), std::pair(1, std::string("Screen recording granted: false\n")));
   EXPECT_EQ(desktop.displays().accessRequests, 0);
   EXPECT_FALSE(desktop.applicationMade());
 }
 
 class SelfTestTest : public ::testing::Test {
  protected:
-  /// The status and what was printed.
-  std::pair<int, std::string> run() {
-    const testing::CapturedOutput output;
-    const int status = SelfTest::run();
-    return {status, output.text()};
-  }
-
   testing::SimulatedDesktop desktop;
   const std::string product = "https://varnholt.com/lumiscan";
 };
@@ -103,7 +103,7 @@ TEST_F(SelfTestTest, ReportsWhatWasRead) {
       desktop.textRecognizer().result = platform::Error{"no engine"};
       desktop.barcodeDetector().result = platform::Error{"no detector"};
     }
-    EXPECT_EQ(run(), std::pair(&each == &cases.front() ? 0 : 1, each.output));
+    EXPECT_EQ(printed(SelfTest::run), std::pair(&each == &cases.front() ? 0 : 1, each.output));
   }
   EXPECT_FALSE(desktop.applicationMade());
 }
@@ -111,23 +111,23 @@ TEST_F(SelfTestTest, ReportsWhatWasRead) {
 TEST_F(SelfTestTest, StopsWhereAnImageCannotBeMade) {
   desktop.textRecognizer().recognizes({"Lumiscan 24680"});
   desktop.drawing().qrCode = std::nullopt;
-  EXPECT_EQ(run(), std::pair(1, std::string("PASS  OCR recognizes the app name\n"
-                                            "PASS  OCR recognizes digits\n"
-                                            "PASS  Line collapsing\n"
-                                            "FAIL  QR generation returned nil\n")));
+  EXPECT_EQ(printed(SelfTest::run), std::pair(1, std::string("PASS  OCR recognizes the app name\n"
+                                                             "PASS  OCR recognizes digits\n"
+                                                             "PASS  Line collapsing\n"
+                                                             "FAIL  QR generation returned nil\n")));
   desktop.drawing().makesContexts = false;
-  EXPECT_EQ(run(), std::pair(1, std::string("FAIL  text rendering returned nil\n")));
+  EXPECT_EQ(printed(SelfTest::run), std::pair(1, std::string("FAIL  text rendering returned nil\n")));
 }
 
 TEST_F(SelfTestTest, DrawsTheTextAndTheCodeThatItReads) {
-  run();
+  printed(SelfTest::run);
   ASSERT_EQ(desktop.drawing().images.size(), 1U);
   EXPECT_THAT(
       desktop.drawing().images[0].operations,
       ::testing::ElementsAre("fill rgba(1, 1, 1, 1) 1000×220 at (0, 0) radius 0",
                              "text rgba(0, 0, 0, 1) sans 72 bold at (40, 103): Lumiscan 24680 varnholt"));
   const auto& text = desktop.textRecognizer().requests.at(0);
-  EXPECT_EQ(text.request.recognitionLanguages, std::vector<std::string>{"en-US"});
+  EXPECT_EQ(text.asked.recognitionLanguages, std::vector<std::string>{"en-US"});
   EXPECT_EQ(text.image.width(), 1000);
   EXPECT_EQ(text.image.height(), 220);
 

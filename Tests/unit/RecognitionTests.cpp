@@ -31,8 +31,8 @@ TEST(OCRService, JoinsTheBestReadingsOfTheLinesAndHandsErrorsOn) {
     EXPECT_EQ(text.value(), each.text);
   }
   const auto& request = desktop.textRecognizer().requests.back();
-  EXPECT_EQ(request.request.recognitionLevel, platform::RecognitionLevel::accurate);
-  EXPECT_TRUE(request.request.usesLanguageCorrection);
+  EXPECT_EQ(request.asked.recognitionLevel, platform::RecognitionLevel::accurate);
+  EXPECT_TRUE(request.asked.usesLanguageCorrection);
   EXPECT_EQ(request.image.row(0), image.row(0)) << "the image is handed over as it is";
   desktop.textRecognizer().result = platform::Error{"no engine"};
   const auto text = OCRService::recognizeText(image, {"en-US"});
@@ -86,7 +86,7 @@ TEST(BarcodeService, AsksForItsTenSymbologiesAndGivesEveryTextPayloadOrTheError)
   EXPECT_THAT(payloads.value(), ElementsAre("same", "", "same"));
   ASSERT_EQ(desktop.barcodeDetector().requests.size(), 1U);
   const auto& request = desktop.barcodeDetector().requests[0];
-  EXPECT_THAT(request.symbologies,
+  EXPECT_THAT(request.asked,
               ElementsAre(Symbology::qr, Symbology::aztec, Symbology::dataMatrix, Symbology::pdf417,
                           Symbology::ean13, Symbology::ean8, Symbology::code128, Symbology::code39,
                           Symbology::code93, Symbology::upce));

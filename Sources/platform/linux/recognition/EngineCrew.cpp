@@ -5,6 +5,7 @@
 #include <exception>
 #include <mutex>
 #include <optional>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -23,7 +24,11 @@ class EngineCrew::Shift {
 
   void run() {
     std::thread helper;
-    if (tasks_.size() > 1 && effortLeft() >= 2 * worthwhile) helper = std::thread([this] { work(true); });
+    try {
+      if (tasks_.size() > 1 && effortLeft() >= 2 * worthwhile) helper = std::thread([this] { work(true); });
+    } catch (const std::system_error&) {
+      // The caller's thread does without.
+    }
     work(false);
     if (helper.joinable()) helper.join();
     if (failure_) std::rethrow_exception(failure_);

@@ -165,6 +165,7 @@ OverlayGround X11Displays::overlayOpens(platform::DisplayID display) {
     if (!ground.mark) ground.mark = placeMark(display);
   } else {
     ground.frozenDesktop = frozen(display);
+    if (ground.frozenDesktop && ground.frozenDesktop->isLost()) ground.frozenDesktop = nullptr;
     ground.isToBeFrozen = !ground.frozenDesktop;
   }
   const std::lock_guard lock(mutex_);

@@ -40,6 +40,9 @@ class FrozenDesktop {
   /// The pixels of the X screen that it shows.
   const platform::Rect& pixels() const { return pixels_; }
 
+  /// Whether its connection is broken, as where memory was too short for an answer: then so is all of this.
+  bool isLost() const { return xcb_connection_has_error(connection_->get()) != 0; }
+
   /// All of it; the first call fetches it. Nothing when that fails.
   std::optional<platform::Image> image() const;
   /// A part of it: whole pixels from its own top left. Nothing when that fails.
