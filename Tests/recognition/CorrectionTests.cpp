@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/linux/recognition/CutLines.h"
 #include "platform/linux/recognition/GlyphCorrections.h"
 #include "platform/linux/recognition/Numbers.h"
 #include "platform/linux/recognition/Spacing.h"
@@ -91,6 +92,30 @@ TEST(Corrections, HyphensAreToldFromTildesAndDashesByTheirInk) {
             "--");
   EXPECT_EQ(corrected({{"—", false, {10, 5, 13, 6}, 99, true}, {"a", false, {16, 0, 23, 11}, 99, true}}),
             "—a");
+}
+
+TEST(CutLines, GoWhereTheSelectionShowsLessThanHalf) {
+  const GreyBitmap ink(100, 60, 0);
+  const auto line = [](int top, int bottom) {
+    TextLine made;
+    for (int x = 0; x < 80; x += 10) made.glyphs.push_back({{x, top, x + 6, bottom}});
+    made.box = boxAround(made.glyphs);
+    return made;
+  };
+  const auto tops = [&](std::vector<TextLine> lines) {
+    dropCutLines(lines, ink);
+    std::vector<int> left;
+    for (const TextLine& each : lines) left.push_back(each.box.top);
+    return left;
+  };
+  using Tops = std::vector<int>;
+  EXPECT_EQ(tops({line(0, 3), line(8, 21), line(28, 41), line(55, 59)}), (Tops{8, 28})) << "slices";
+  EXPECT_EQ(tops({line(8, 21), line(28, 41), line(54, 58)}), (Tops{8, 28, 54})) << "a caption within";
+  EXPECT_EQ(tops({line(8, 21), line(28, 41), line(49, 59)}), (Tops{8, 28, 49})) << "most of a line";
+  EXPECT_EQ(tops({line(0, 3), line(55, 59)}), (Tops{0, 55})) << "nothing to compare with";
+  TextLine caption = line(54, 57);
+  caption.glyphs[3].box.bottom = caption.box.bottom = 59;  // The foot of a letter.
+  EXPECT_EQ(tops({line(8, 21), line(28, 41), caption}), (Tops{8, 28, 54})) << "a caption at the edge";
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "platform/linux/recognition/Cells.h"
 #include "platform/linux/recognition/Columns.h"
 #include "platform/linux/recognition/Consensus.h"
+#include "platform/linux/recognition/CutLines.h"
 #include "platform/linux/recognition/GlyphCorrections.h"
 #include "platform/linux/recognition/LanguageChoice.h"
 #include "platform/linux/recognition/LineImage.h"
@@ -149,6 +150,7 @@ std::vector<std::string> readLines(EngineCrew& crew, const std::vector<std::vect
                                    const GreyBitmap& ink) {
   const bool wide = std::any_of(languages.begin(), languages.end(), hasWideCharacters);
   std::vector<TextLine> lines = findTextLines(ink, wide ? Characters::wide : Characters::alphabetic);
+  dropCutLines(lines, ink);
   if (!wide) {
     findCells(lines, ink);
     settleBaselines(lines, ink);
