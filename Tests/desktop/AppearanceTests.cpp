@@ -33,6 +33,9 @@ class Portal : public QDBusVirtualObject {
     EXPECT_TRUE(bus_.registerService("org.freedesktop.portal.Desktop"));
   }
   ~Portal() override {
+    // A question that waits is refused by its connection, which must be there yet, and none may come after.
+    bus_.unregisterObject(path);
+    QCoreApplication::removePostedEvents(this);
     for (const char* side : {"portal", "program"}) QDBusConnection::disconnectFromBus(side);
   }
   Portal(const Portal&) = delete;
