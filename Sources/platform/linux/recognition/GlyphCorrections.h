@@ -16,7 +16,8 @@ std::vector<Glyph> takeUnderscores(std::vector<Glyph>& glyphs, const TextLine& l
 void insertUnderscores(std::vector<Symbol>& symbols, const std::vector<Glyph>& underscores,
                        const std::vector<Glyph>& letters, const TextLine& line);
 
-/// Makes a dash as many hyphens where there are several strokes.
+/// Makes dashes, and tildes whose ink is level, as many hyphens as there are strokes; and those hyphens that
+/// touch another or make an arrow.
 void correctDashes(std::vector<Symbol>& symbols, const GreyBitmap& ink, const TextLine& line);
 
 }  // namespace lumiscan::desktop

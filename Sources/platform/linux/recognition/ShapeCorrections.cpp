@@ -99,8 +99,8 @@ void correctStroke(Symbol& symbol, const Classification& shape, const Neighbours
   const bool endsOnLine = 8 * (symbol.box.bottom + 1 - line.baseline) <= line.letterHeight;
   if (read == U'|' && endsOnLine && shape.of(U'|') < rarely && shape.of(U'I') + shape.of(U'l') > mostly) {
     become(isLetter(beside.before) ? 'l' : 'I');
-  } else if (read == U'!' && shape.of(U'!') < 0.1F && shape.of(U'I') + shape.of(U'l') > 0.8F) {
-    if (isAlone) become('I');
+  } else if (read == U'!' && isAlone && shape.of(U'!') < 0.1F && shape.of(U'I') + shape.of(U'l') > 0.8F) {
+    become('I');
   } else if (read == U'l' && isAlone) {
     if (shape.of(U'I') >= possible) become('I');
   } else if ((read == U'l' || read == U'I' || read == U'i') && besideDigit) {

@@ -28,6 +28,7 @@ std::vector<Pair> pairsOf(std::vector<Symbol>& symbols) {
 
 unsigned char firstByte(const Symbol& symbol) { return static_cast<unsigned char>(symbol.text.front()); }
 bool isDigit(const Symbol& symbol) { return std::isdigit(firstByte(symbol)) != 0; }
+
 /// A space is a place left free.
 void correctByPitch(const std::vector<Pair>& pairs, double pitch) {
   for (const Pair& pair : pairs) {
@@ -69,9 +70,9 @@ std::optional<int> usualSpace(Gaps gaps, int letterHeight) {
 }
 
 /// A gap as wide as most of a space is one whatever was read; one that is far narrower is none. A space that
-/// was measured in other lines tells less.
-void correctByWidth(const std::vector<Pair>& pairs, double space, bool isOfLine) {
-  const double leastInWord = 1.3 * gapsOf(pairs).wideInWords + 1;
+/// was measured in other lines tells less. A space within a word must stand out among the gaps of words, too.
+void correctByWidth(const std::vector<Pair>& pairs, int wideInWords, double space, bool isOfLine) {
+  const double leastInWord = 1.3 * wideInWords + 1;
   for (const Pair& pair : pairs) {
     Symbol& right = *pair.right;
     if (!pair.left->hasOwnInk || !right.hasOwnInk) continue;
@@ -107,11 +108,13 @@ void correctSpaces(const std::vector<SpacedLine>& lines) {
       correctByPitch(pairs, each.line->cells->pitch);
       continue;
     }
-    std::optional<int> space = usualSpace(gapsOf(pairs), each.line->letterHeight);
+    const Gaps gaps = gapsOf(pairs);
+    std::optional<int> space = usualSpace(gaps, each.line->letterHeight);
     // In a line with many spaces that are none, they look narrow.
     const bool isOfLine = space && (spaces.empty() || 10 * *space >= 7 * levelAt(spaces, 0.5));
     if (!isOfLine && !spaces.empty()) space = levelAt(spaces, 0.5);
-    if (space && *space > 0) correctByWidth(pairs, *space * each.line->letterHeight / 100.0, isOfLine);
+    if (space && *space > 0)
+      correctByWidth(pairs, gaps.wideInWords, *space * each.line->letterHeight / 100.0, isOfLine);
   }
 }
 
