@@ -159,6 +159,14 @@ TEST(TextRecognizer, EveryRegionHasItsOwnGround) {
           .lay(pictureOf({"Cancel"}, {14, Color::white(), {0.7, 0.1, 0.1, 1}}), 20, 120)
           .image();
   EXPECT_THAT(linesOf(page), ElementsAre("Title of the window", "Plain words on the page", "Cancel"));
+  // The chosen row covers more than the list shows beside it.
+  const Image first = pictureOf({"First row"});
+  const Image chosen = pictureOf({"Chosen row"}, {20, Color::white(), {0.2, 0.5, 0.9, 1}});
+  const Image list = Page(chosen.width() + 4, first.height() + chosen.height() + 2)
+                         .lay(first, 2, 0)
+                         .lay(chosen, 2, first.height())
+                         .image();
+  EXPECT_THAT(linesOf(list), ElementsAre("First row", "Chosen row"));
 }
 
 TEST(TextRecognizer, ColumnsAreReadOneAfterTheOtherAndRowsAcross) {

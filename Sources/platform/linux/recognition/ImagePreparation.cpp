@@ -23,6 +23,13 @@ bool sameSurface(std::uint32_t a, std::uint32_t b) {
 struct Surface {
   std::size_t area = 0;
   int left, top, right, bottom;  // Of its box, both ends included.
+
+  int width() const { return right - left + 1; }
+  int height() const { return bottom - top + 1; }
+  double boxArea() const { return static_cast<double>(width()) * height(); }
+  bool isWithin(const Surface& outer) const {
+    return left >= outer.left && right <= outer.right && top >= outer.top && bottom <= outer.bottom;
+  }
 };
 
 class Colors {
@@ -106,20 +113,29 @@ class Colors {
     const auto largest = std::max_element(surfaces_.begin(), surfaces_.end(), larger);
     isGround_[static_cast<std::size_t>(largest - surfaces_.begin())] = true;
     for (std::uint32_t label = 0; label < surfaces_.size(); ++label)
-      if (!isGround_[label] && isBox(label)) isGround_[label] = true;
+      if (!isGround_[label] && isBox(label, *largest)) isGround_[label] = true;
   }
 
-  bool isBox(std::uint32_t label) const {
+  /// Precondition: `largest` is a ground. What it covers of the box around it, as the chosen row of a list
+  /// does, says nothing about that box, nor does the border that it may have.
+  bool isBox(std::uint32_t label, const Surface& largest) const {
     constexpr int leastHeight = 10;
     constexpr int leastWidth = 14;
+    constexpr int mostBorder = 3;
     constexpr double leastOwn = 0.45;    // Of the box's pixels are the surface's;
     constexpr double leastSpan = 0.955;  // of them lie between the surface's first and last in their row.
     const Surface& surface = surfaces_[label];
-    const int width = surface.right - surface.left + 1;
-    const int height = surface.bottom - surface.top + 1;
-    const double boxArea = static_cast<double>(width) * height;
-    if (width < leastWidth || height < leastHeight || width < height / 2) return false;
-    if (static_cast<double>(surface.area) < leastOwn * boxArea) return false;
+    const double boxArea = surface.boxArea();
+    if (surface.width() < leastWidth || surface.height() < leastHeight ||
+        surface.width() < surface.height() / 2)
+      return false;
+    const bool surroundsLargest = largest.isWithin(surface);
+    const double covered = surroundsLargest ? largest.boxArea() : 0;
+    if (static_cast<double>(surface.area) < leastOwn * (boxArea - covered)) return false;
+    const auto isCovered = [&](int x, int y) {
+      return surroundsLargest && x >= largest.left - mostBorder && x <= largest.right + mostBorder &&
+             y >= largest.top - mostBorder && y <= largest.bottom + mostBorder;
+    };
     double span = 0;
     double inside = 0;
     double enclosed = 0;
@@ -131,14 +147,13 @@ class Colors {
       span += last - first + 1;
       for (int x = first; x <= last; ++x) {
         const Surface& other = surfaces_[labels_[index(x, y)]];
-        if (&other == &surface) continue;
+        if (&other == &surface || isCovered(x, y)) continue;
         ++inside;
-        enclosed += other.left >= surface.left && other.right <= surface.right && other.top >= surface.top &&
-                    other.bottom <= surface.bottom;
+        enclosed += other.isWithin(surface);
       }
     }
     // What is inside a letter's box is the page around it.
-    return span >= leastSpan * boxArea && inside > 0.02 * boxArea && enclosed >= 0.9 * inside;
+    return span >= leastSpan * boxArea && inside > 0.02 * (boxArea - covered) && enclosed >= 0.9 * inside;
   }
 
   /// Every pixel outside a ground gets the colour of the nearest pixel of one.
