@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/linux/recognition/Clusters.h"
 #include "platform/linux/recognition/CutLines.h"
 #include "platform/linux/recognition/GlyphCorrections.h"
 #include "platform/linux/recognition/Numbers.h"
@@ -70,6 +71,47 @@ TEST(Corrections, SpacesAreMeasuredAgainstTheGapsWithinWords) {
   EXPECT_EQ(corrected(symbolsOf("a sign a mark no word", 2)), "a sign a mark no word");
 }
 
+TEST(Corrections, BackticksStandNarrowInTheirPlaces) {
+  TextLine line;
+  line.letterHeight = 12;
+  std::vector<Symbol> symbols = symbolsOf("see the :func:` name` of it", 10);
+  symbols[13].box.left -= 4;  // n
+  correctSpaces({{&symbols, &line}});
+  EXPECT_EQ(textOf(symbols), "see the :func:`name` of it");
+}
+
+TEST(Corrections, ShortUnderscoresSayHowManyALongerOneIs) {
+  TextLine line;
+  line.letterHeight = 12;
+  line.baseline = 12;
+  const auto inserted = [&](std::vector<Glyph> strokes) {
+    std::vector<Symbol> symbols;
+    insertUnderscores(symbols, strokes, {}, line);
+    std::string text;
+    for (const Symbol& symbol : symbols) text += symbol.text;
+    return text;
+  };
+  const Glyph single{{0, 14, 15, 14}};
+  const Glyph twice{{40, 14, 71, 14}};
+  EXPECT_EQ(inserted({single, twice}), "___");
+  EXPECT_EQ(inserted({{{0, 14, 11, 14}}, {{40, 14, 50, 14}}}), "__");
+  EXPECT_EQ(inserted({{{0, 14, 23, 14}}, {{40, 14, 62, 14}}}), "____");
+}
+
+TEST(Clusters, PointsBeneathQuotationMarksAreNoPartsOfThem) {
+  const Glyph first{{10, 0, 11, 5}}, second{{14, 0, 15, 5}};
+  const auto boxes = [](const std::vector<Glyph>& glyphs) {
+    std::vector<int> lefts;
+    for (const Cluster& cluster : clustersOf(glyphs)) lefts.push_back(cluster.box.left);
+    return lefts;
+  };
+  using Lefts = std::vector<int>;
+  EXPECT_EQ(boxes({first, {{13, 15, 15, 17}}, second}), (Lefts{10, 14, 13})) << "behind";
+  EXPECT_EQ(boxes({{{9, 15, 11, 17}}, first, second}), (Lefts{9, 10, 14})) << "before";
+  EXPECT_EQ(boxes({{{10, 0, 11, 11}}, {{10, 15, 11, 17}}}), (Lefts{10})) << "an exclamation mark";
+  EXPECT_EQ(boxes({{{10, 6, 11, 8}}, {{10, 15, 11, 17}}}), (Lefts{10})) << "a colon";
+}
+
 TEST(Corrections, HyphensAreToldFromTildesAndDashesByTheirInk) {
   TextLine line;
   line.letterHeight = 12;
@@ -92,6 +134,32 @@ TEST(Corrections, HyphensAreToldFromTildesAndDashesByTheirInk) {
             "--");
   EXPECT_EQ(corrected({{"—", false, {10, 5, 13, 6}, 99, true}, {"a", false, {16, 0, 23, 11}, 99, true}}),
             "—a");
+}
+
+/// Ink with letters in a line, as high as an x, and what else is given.
+GreyBitmap lineWith(std::initializer_list<PixelBox> others, int letters = 6) {
+  GreyBitmap ink(200, 40, 0);
+  for (int i = 0; i < letters; ++i) fillBox(ink, {40 + 14 * i, 14, 47 + 14 * i, 25}, 255);
+  for (const PixelBox& box : others) fillBox(ink, box, 255);
+  return ink;
+}
+
+TEST(TextLayout, ALineStaysOneWhateverItBeginsWith) {
+  const PixelBox star{2, 5, 12, 16};
+  const PixelBox capital{20, 9, 30, 25};
+  EXPECT_EQ(findTextLines(lineWith({star, capital}), Characters::alphabetic).size(), 1U);
+}
+
+TEST(TextLayout, ATextCursorAtTheEdgeIsNoBarHoweverHighTheBracketsAre) {
+  const PixelBox bracket{130, 8, 133, 27};
+  const PixelBox cursor{197, 8, 198, 28};
+  const auto glyphs = [](const GreyBitmap& ink) {
+    const auto lines = findTextLines(ink, Characters::alphabetic);
+    return lines.empty() ? 0 : lines.front().glyphs.size();
+  };
+  EXPECT_EQ(glyphs(lineWith({bracket, cursor})), 7U);
+  const PixelBox bar{2, 8, 3, 28};
+  EXPECT_EQ(glyphs(lineWith({bar, bracket, cursor})), 9U) << "bars around a cell";
 }
 
 TEST(CutLines, GoWhereTheSelectionShowsLessThanHalf) {

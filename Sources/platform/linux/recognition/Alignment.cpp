@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "platform/linux/recognition/CodePoints.h"
+#include "platform/linux/recognition/QuotationPairs.h"
 
 namespace lumiscan::desktop {
 
@@ -86,8 +87,9 @@ class Aligner {
 
   /// Whether the last of the clusters may be a piece of the symbol with the others.
   bool mayBeOne(std::size_t c, std::size_t count, std::size_t s) const {
-    // The engine now and then reads three points as one.
-    if (symbols_[s].text == "." && shapes_.isPoint(c + count - 1)) return false;
+    // The engine now and then reads three points as one, and passes over one beside a quotation mark.
+    const bool standsAlone = symbols_[s].text == "." || isQuote(symbols_[s].text);
+    if (standsAlone && shapes_.isPoint(c + count - 1)) return false;
     const auto& clusters = shapes_.clusters();
     const PixelBox& last = clusters[c + count - 1].box;
     return 5 * (last.left - clusters[c + count - 2].box.right) <= 2 * letterHeight_ + 5 &&

@@ -13,11 +13,29 @@ bool areStacked(const Glyph& a, const Glyph& b) {
   const Glyph& upper = a.middle() < b.middle() ? a : b;
   const Glyph& lower = &upper == &a ? b : a;
   const int overlap = std::min(a.box.right, b.box.right) - std::max(a.box.left, b.box.left) + 1;
-  if (upper.box.bottom < lower.box.top) return 2 * overlap >= std::min(a.width(), b.width());
+  if (upper.box.bottom < lower.box.top)
+    return 2 * overlap >= std::min(a.width(), b.width()) && !isBeneathQuotationMark(lower, upper);
   return overlap == upper.width() && upper.box.bottom < lower.middle();
 }
 
+/// Puts a point beneath the second stroke of a double mark behind it, however far to the left it reaches.
+void orderPoints(std::vector<Cluster>& clusters) {
+  for (std::size_t i = 1; i + 1 < clusters.size(); ++i) {
+    const Glyph& before = clusters[i - 1].glyphs.front();
+    const Glyph& stroke = clusters[i + 1].glyphs.front();
+    const bool arePair = before.box.top == stroke.box.top && before.box.bottom == stroke.box.bottom &&
+                         stroke.box.left - before.box.right <= stroke.height();
+    if (arePair && isBeneathQuotationMark(clusters[i].glyphs.front(), stroke))
+      std::swap(clusters[i], clusters[i + 1]);
+  }
+}
+
 }  // namespace
+
+bool isBeneathQuotationMark(const Glyph& point, const Glyph& stroke) {
+  return stroke.height() >= std::max(3, 2 * stroke.width()) && 2 * point.height() <= 3 * stroke.height() &&
+         point.box.top - stroke.box.bottom > stroke.height();
+}
 
 std::vector<Cluster> clustersOf(const std::vector<Glyph>& glyphs) {
   std::vector<Cluster> clusters;
@@ -35,6 +53,7 @@ std::vector<Cluster> clustersOf(const std::vector<Glyph>& glyphs) {
   }
   std::sort(clusters.begin(), clusters.end(),
             [](const Cluster& a, const Cluster& b) { return a.box.left < b.box.left; });
+  orderPoints(clusters);
   return clusters;
 }
 

@@ -53,7 +53,7 @@ double confidenceOfWide(double ofSymbols) {
 constexpr Rendition usualRendition{36, 0.3};
 constexpr Rendition otherRenditions[] = {{36, 0.2}, {30, 0.25}};
 /// Now and then the engine finds nothing in what it reads well when it is drawn a little differently.
-constexpr Rendition lastRenditions[] = {{33, 0.2}, {30, 0.25}};
+constexpr Rendition lastRenditions[] = {{33, 0.2}, {30, 0.25}, {26, 0.25}};
 
 /// Whether a line is worth reading more than once: the engine isn't sure of a symbol, less so where it
 /// doesn't look like it.

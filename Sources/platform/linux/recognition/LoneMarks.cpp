@@ -1,8 +1,12 @@
 #include "platform/linux/recognition/LoneMarks.h"
 
 #include <algorithm>
+#include <string>
+#include <string_view>
 
 #include "platform/linux/recognition/Clusters.h"
+#include "platform/linux/recognition/CodePoints.h"
+#include "platform/linux/recognition/LineShapes.h"
 #include "platform/linux/recognition/QuotationMarks.h"
 #include "platform/linux/recognition/Strokes.h"
 
@@ -18,7 +22,8 @@ bool isSpaceBetween(const PixelBox& left, const PixelBox& right, const TextLine&
   return right.left + right.right - left.left - left.right > 3 * line.cells->pitch;
 }
 
-Symbol mark(const char* text, const PixelBox& box, const std::vector<Symbol>& before, const TextLine& line) {
+Symbol mark(const std::string& text, const PixelBox& box, const std::vector<Symbol>& before,
+            const TextLine& line) {
   const bool spaceBefore = !before.empty() && isSpaceBetween(before.back().box, box, line);
   return {text, spaceBefore, box, sure, true, true};
 }
@@ -65,6 +70,23 @@ std::vector<Symbol> readHyphens(const std::vector<Glyph>& glyphs, const GreyBitm
   return symbols;
 }
 
+/// Signs of source code, as those that open and close a comment or a block: the engine, which knows words,
+/// takes a few of them for letters. Without the places of code they may be icons.
+std::vector<Symbol> readSigns(const std::vector<Glyph>& glyphs, const GreyBitmap& ink, const TextLine& line) {
+  if (!line.cells) return {};
+  LineShapes shapes(ink, line, glyphs);
+  std::vector<Symbol> symbols;
+  for (std::size_t i = 0; i < shapes.clusters().size(); ++i) {
+    const Classification& shape = shapes.classification(i);
+    const PixelBox box = shapes.box(i);
+    const bool isTwo = line.cells->placeOf(box.right) - line.cells->placeOf(box.left) > 1;
+    const bool isSign = std::u32string_view(U"/*{}()[];").find(shape.best()) != std::u32string_view::npos;
+    if (!isSign || isTwo || !isSurelySign(shape)) return {};
+    symbols.push_back(mark(utf8Of(shape.best()), box, symbols, line));
+  }
+  return symbols;
+}
+
 }  // namespace
 
 std::vector<Symbol> readLoneMarks(const std::vector<Glyph>& glyphs, const GreyBitmap& ink,
@@ -72,6 +94,7 @@ std::vector<Symbol> readLoneMarks(const std::vector<Glyph>& glyphs, const GreyBi
   std::vector<Symbol> symbols = readQuotationMarks(glyphs, ink, line);
   if (symbols.empty()) symbols = readColons(glyphs, line);
   if (symbols.empty()) symbols = readHyphens(glyphs, ink, line);
+  if (symbols.empty()) symbols = readSigns(glyphs, ink, line);
   return symbols;
 }
 

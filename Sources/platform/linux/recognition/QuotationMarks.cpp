@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/linux/recognition/Clusters.h"
 #include "platform/linux/recognition/LineShapes.h"
 #include "platform/linux/recognition/QuotationPairs.h"
 #include "platform/linux/recognition/QuotationShapes.h"
@@ -62,7 +63,7 @@ std::vector<QuoteMark> quoteMarks(const std::vector<Glyph>& glyphs, const GreyBi
     // Dots and accents have their letter below them.
     const bool overLetter = std::any_of(glyphs.begin(), glyphs.end(), [&](const Glyph& other) {
       return other.box.top > glyph.box.bottom && other.box.left <= glyph.box.right &&
-             other.box.right >= glyph.box.left;
+             other.box.right >= glyph.box.left && !isBeneathQuotationMark(other, glyph);
     });
     if (overLetter) continue;
     if (isSlender(glyph.box)) {

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <iterator>
+#include <numeric>
 #include <utility>
 
 #include "platform/linux/recognition/Level.h"
@@ -23,10 +24,14 @@ int medianOf(const Glyphs& glyphs, Measure measure) {
 
 Row rowOf(const Glyph& letter) { return {{letter}, letter.box.top, letter.box.bottom}; }
 
-void addLetter(Row& row, const Glyph& letter) {
-  row.glyphs.push_back(letter);
+void settle(Row& row) {
   row.top = medianOf(row.glyphs, [](const Glyph& glyph) { return glyph.box.top; });
   row.bottom = medianOf(row.glyphs, [](const Glyph& glyph) { return glyph.box.bottom; });
+}
+
+void addLetter(Row& row, const Glyph& letter) {
+  row.glyphs.push_back(letter);
+  settle(row);
 }
 
 int overlap(const Row& row, const Glyph& glyph) {
@@ -39,13 +44,16 @@ int distance(const Row& row, const Glyph& glyph) {
 
 int middle(const Row& row) { return (row.top + row.bottom) / 2; }
 
+/// Whether a glyph shares half of its height with a row, or of the row's.
+bool sharesHeight(const Row& row, const Glyph& glyph) {
+  return 2 * overlap(row, glyph) >= std::min(glyph.height(), row.bottom - row.top + 1);
+}
+
 /// The row with which a glyph shares most of its height; null where it is none's.
 Row* homeOf(const Glyph& glyph, std::vector<Row>& rows) {
   Row* best = nullptr;
   for (Row& row : rows)
-    if (2 * overlap(row, glyph) >= std::min(glyph.height(), row.bottom - row.top + 1) &&
-        (!best || overlap(row, glyph) > overlap(*best, glyph)))
-      best = &row;
+    if (sharesHeight(row, glyph) && (!best || overlap(row, glyph) > overlap(*best, glyph))) best = &row;
   return best;
 }
 
@@ -65,6 +73,30 @@ std::vector<Row> rowsOfLetters(const Glyphs& letters) {
   return rows;
 }
 
+/// Joins rows that a star at the start has parted: letters behind it that share enough with it to be in its
+/// row, and others that don't. Half of a row's letters in the other's height make them one.
+void joinPartedRows(std::vector<Row>& rows) {
+  const auto isPart = [](const Row& a, const Row& b) {
+    const Row& few = a.glyphs.size() < b.glyphs.size() ? a : b;
+    const Row& many = &few == &a ? b : a;
+    const auto within = std::count_if(few.glyphs.begin(), few.glyphs.end(),
+                                      [&](const Glyph& glyph) { return sharesHeight(many, glyph); });
+    return 2 * static_cast<std::size_t>(within) >= few.glyphs.size();
+  };
+  for (std::size_t i = 1; i < rows.size();) {
+    const auto end = rows.begin() + static_cast<std::ptrdiff_t>(i);
+    const auto home =
+        std::find_if(rows.begin(), end, [&](const Row& other) { return isPart(other, rows[i]); });
+    if (home == end) {
+      ++i;
+      continue;
+    }
+    home->glyphs.insert(home->glyphs.end(), end->glyphs.begin(), end->glyphs.end());
+    settle(*home);
+    rows.erase(end);
+  }
+}
+
 /// Small letters, or large marks: where they stand in a row of larger ones, they say nothing about it. Others
 /// have rows of their own, which are added.
 void addSmallLetters(std::vector<Row>& rows, const Glyphs& letters) {
@@ -82,12 +114,17 @@ void addSmallLetters(std::vector<Row>& rows, const Glyphs& letters) {
 /// Commas and stars may be as high as a small letter, and stand so low or high that they share little of its
 /// height with the row. Real lines don't reach into each other's letters.
 void joinRowsOfMarks(std::vector<Row>& rows, int usual) {
+  // Letters that touch are one glyph.
+  const auto inkWidth = [](const Row& row) {
+    return std::accumulate(row.glyphs.begin(), row.glyphs.end(), 0,
+                           [](int sum, const Glyph& glyph) { return sum + glyph.width(); });
+  };
   for (auto row = rows.begin(); row != rows.end();) {
     const bool low = std::all_of(row->glyphs.begin(), row->glyphs.end(), [usual](const Glyph& glyph) {
       return glyph.height() <= usual && 2 * glyph.width() <= 3 * glyph.height();
     });
     const auto home = std::find_if(rows.begin(), rows.end(), [&](const Row& other) {
-      return &other != &*row && other.glyphs.size() > row->glyphs.size() && other.top <= row->bottom &&
+      return &other != &*row && inkWidth(other) > inkWidth(*row) && other.top <= row->bottom &&
              other.bottom >= row->top;
     });
     if (!low || home == rows.end()) {
@@ -188,6 +225,7 @@ std::vector<Row> rowsOf(const Glyphs& glyphs, int usual, Characters characters) 
   });
   std::vector<Row> rows = rowsOfLetters({letters.begin(), low});
   addLetters(rows, {low, letters.end()});
+  joinPartedRows(rows);
   if (characters == Characters::alphabetic) {
     addSmallLetters(rows, smallLetters);
     joinRowsOfMarks(rows, usual);

@@ -97,17 +97,29 @@ void correctStroke(Symbol& symbol, const Classification& shape, const Neighbours
   constexpr float mostly = 0.6F;
   // Below which bars reach.
   const bool endsOnLine = 8 * (symbol.box.bottom + 1 - line.baseline) <= line.letterHeight;
+  // In code, names have digits at their end, too.
+  const bool isOne = line.cells && shape.of(U'1') > 0.75F && shape.of(U'1') > 5 * shape.of(read);
   if (read == U'|' && endsOnLine && shape.of(U'|') < rarely && shape.of(U'I') + shape.of(U'l') > mostly) {
     become(isLetter(beside.before) ? 'l' : 'I');
   } else if (read == U'!' && isAlone && shape.of(U'!') < 0.1F && shape.of(U'I') + shape.of(U'l') > 0.8F) {
     become('I');
   } else if (read == U'l' && isAlone) {
     if (shape.of(U'I') >= possible) become('I');
-  } else if ((read == U'l' || read == U'I' || read == U'i') && besideDigit) {
-    if (3 * shape.of(U'1') > shape.of(read)) become('1');
+  } else if (read == U'l' || read == U'I' || read == U'i') {
+    if (isOne || (besideDigit && 3 * shape.of(U'1') > shape.of(read))) become('1');
   } else if (read == U'1' && besideLetter && !besideDigit) {
     if (shape.of(U'l') > 3 * shape.of(U'1')) become('l');
   }
+}
+
+/// A zero is an O amid letters, or behind capitals, unless it is more like a zero than an O ever is: with a
+/// dot or a stroke.
+void correctZero(Symbol& symbol, const Classification& shape, const Neighbours& beside,
+                 std::size_t capitalsBefore) {
+  constexpr float surelyZero = 0.9F;
+  if (symbol.text != "0" || shape.of(U'0') >= surelyZero || shape.of(U'O') < 0.2F) return;
+  const bool isAmid = isLetter(beside.before) && isLetter(beside.after);
+  if (isAmid || (capitalsBefore >= 2 && !isDigit(beside.after))) symbol.text.assign(1, 'O');
 }
 
 /// Shares the ink of a cluster among symbols that touch.
@@ -194,6 +206,17 @@ bool liesBelow(const LineShapes& shapes, std::size_t cluster, const Match& befor
   return 2 * shared > box.width();
 }
 
+/// How many capitals end what was read so far, side by side.
+std::size_t capitalsAtEnd(const std::vector<Symbol>& symbols) {
+  std::size_t count = 0;
+  for (auto symbol = symbols.rbegin(); symbol != symbols.rend(); ++symbol) {
+    if (!u_isupper(static_cast<UChar32>(onlyCodePoint(symbol->text)))) break;
+    ++count;
+    if (symbol->spaceBefore) break;
+  }
+  return count;
+}
+
 bool isOneToOne(const Match& match) { return match.clusterCount > 0 && match.symbolCount == 1; }
 
 }  // namespace
@@ -253,6 +276,7 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
       if (!isBlurred && (first.confidence < mild || isOther || isSteady(m)))
         correctSymbol(first, shape, beside);
       correctStroke(first, shape, beside, shapes.line());
+      correctZero(first, shape, beside, first.spaceBefore ? 0 : capitalsAtEnd(corrected));
     }
     first.isLikely =
         first.hasOwnInk && isLikely(first, shapes.classification(match.firstCluster, match.clusterCount));

@@ -70,7 +70,8 @@ std::optional<int> usualSpace(Gaps gaps, int letterHeight) {
 }
 
 /// A gap as wide as most of a space is one whatever was read; one that is far narrower is none. A space that
-/// was measured in other lines tells less. A space within a word must stand out among the gaps of words, too.
+/// was measured in other lines tells less. A space within a word must stand out among the gaps of words, too;
+/// one beside a backtick is wider than others, since the mark is narrow in its place.
 void correctByWidth(const std::vector<Pair>& pairs, int wideInWords, double space, bool isOfLine) {
   const double leastInWord = 1.3 * wideInWords + 1;
   for (const Pair& pair : pairs) {
@@ -80,7 +81,8 @@ void correctByWidth(const std::vector<Pair>& pairs, int wideInWords, double spac
     const bool inWord = isWordCharacter(*pair.left) && isWordCharacter(right);
     // Signs have room of their own; letters may reach over their neighbours, in italics most of all.
     const bool atLetter = isWordCharacter(*pair.left) || isWordCharacter(right);
-    const double least = !isOfLine ? 0.35 : atLetter ? 0.6 : 0.8;
+    const bool atBacktick = pair.left->text == "`" || right.text == "`";
+    const double least = atBacktick ? 0.85 : !isOfLine ? 0.35 : atLetter ? 0.6 : 0.8;
     if (right.spaceBefore && !inWord && width < least) right.spaceBefore = false;
     // Digits have one width, and some much room in it.
     const bool atDigit = isDigit(*pair.left) || isDigit(right);

@@ -167,16 +167,24 @@ std::optional<std::size_t> caretIn(const Glyphs& glyphs, int usual, Characters c
   return static_cast<std::size_t>(stroke - glyphs.begin());
 }
 
-/// A text cursor that the selection's edge almost cuts off: a thin stroke there, higher than any letter
-/// beside it.
+/// A text cursor that the selection's edge almost cuts off: a thin stroke there, higher than anything beside
+/// it, or than letters are and the only one of its kind. Vertical bars in text seldom come alone.
 bool isCaretAtEdge(const Glyph& stroke, const Glyphs& all, int usual, int imageWidth) {
   const int nearEdge = std::max(2, usual / 4);
   const bool atEdge = stroke.box.left <= nearEdge || imageWidth - 1 - stroke.box.right <= nearEdge;
-  if (!atEdge || stroke.height() < 6 * stroke.width() || 5 * stroke.height() < 6 * usual) return false;
-  return std::all_of(all.begin(), all.end(), [&](const Glyph& other) {
+  const auto isStroke = [&](const Glyph& glyph) {
+    return glyph.height() >= 6 * glyph.width() && 5 * glyph.height() >= 6 * usual;
+  };
+  if (!atEdge || !isStroke(stroke)) return false;
+  const bool isHighest = std::all_of(all.begin(), all.end(), [&](const Glyph& other) {
     const bool beside = other.box.top <= stroke.box.bottom && other.box.bottom >= stroke.box.top;
     return &other == &stroke || !beside || 20 * stroke.height() >= 27 * other.height();
   });
+  const bool isOnlyOne =
+      10 * stroke.height() >= 16 * usual && std::none_of(all.begin(), all.end(), [&](const Glyph& other) {
+        return &other != &stroke && isStroke(other) && 10 * other.height() >= 9 * stroke.height();
+      });
+  return isHighest || isOnlyOne;
 }
 
 /// Whether a line is of short upright strokes alone, as those that open and close a longer text are: they
