@@ -80,7 +80,7 @@ class Writer {
   std::size_t count_ = 0;
 };
 
-void addSheet(const GreyBitmap& ink, const std::vector<std::vector<std::u32string>>& truth, Writer& writer) {
+void addSheet(GreyBitmap ink, const std::vector<std::vector<std::u32string>>& truth, Writer& writer) {
   const std::vector<TextLine> lines =
       lumiscan::desktop::findTextLines(ink, lumiscan::desktop::Characters::alphabetic);
   if (!truth.empty() && lines.size() != truth.size()) return;

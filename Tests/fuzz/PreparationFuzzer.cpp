@@ -13,7 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   using namespace lumiscan;
   constexpr std::size_t mostPixels = 40'000;
   const platform::Image image = fuzzing::imageFromBytes({data, size}, mostPixels);
-  const desktop::GreyBitmap ink = desktop::inkOf(image);
+  desktop::GreyBitmap ink = desktop::inkOf(image);
   for (const desktop::TextLine& line : desktop::findTextLines(ink, desktop::Characters::wide)) {
     if (line.glyphs.empty()) std::abort();
     for (const desktop::Glyph& glyph : line.glyphs)

@@ -80,6 +80,31 @@ TEST(Corrections, BackticksStandNarrowInTheirPlaces) {
   EXPECT_EQ(textOf(symbols), "see the :func:`name` of it");
 }
 
+TEST(Corrections, NarrowCharactersOfCodeAmidTextHaveNoSpacesBesideThem) {
+  TextLine line;
+  line.letterHeight = 12;
+  const auto corrected = [&](int narrowBy) {
+    std::vector<Symbol> symbols = symbolsOf("as a clippy. out to see");
+    Symbol& i = symbols[5];
+    i.box = {i.box.left + 3, 0, i.box.right - 3, 11};
+    symbols[6].spaceBefore = true;  // p, behind a gap of 5.
+    symbols[5].box.left -= narrowBy;
+    correctSpaces({{&symbols, &line}});
+    return textOf(symbols);
+  };
+  EXPECT_EQ(corrected(0), "as a clippy. out to see");
+  EXPECT_EQ(corrected(5), "as a cli ppy. out to see") << "touching the letter before";
+}
+
+TEST(Corrections, StrokesThatGoOnBehindADescenderUnderlineToo) {
+  TextLine line;
+  line.letterHeight = 12;
+  line.baseline = 12;
+  std::vector<Glyph> glyphs{{{0, 0, 9, 11}}, {{-2, 14, 12, 14}}, {{14, 0, 20, 17}}, {{22, 14, 30, 14}}};
+  EXPECT_TRUE(takeUnderscores(glyphs, line).empty());
+  EXPECT_EQ(glyphs.size(), 2U);
+}
+
 TEST(Corrections, ShortUnderscoresSayHowManyALongerOneIs) {
   TextLine line;
   line.letterHeight = 12;
@@ -147,19 +172,34 @@ GreyBitmap lineWith(std::initializer_list<PixelBox> others, int letters = 6) {
 TEST(TextLayout, ALineStaysOneWhateverItBeginsWith) {
   const PixelBox star{2, 5, 12, 16};
   const PixelBox capital{20, 9, 30, 25};
-  EXPECT_EQ(findTextLines(lineWith({star, capital}), Characters::alphabetic).size(), 1U);
+  GreyBitmap ink = lineWith({star, capital});
+  EXPECT_EQ(findTextLines(ink, Characters::alphabetic).size(), 1U);
 }
 
 TEST(TextLayout, ATextCursorAtTheEdgeIsNoBarHoweverHighTheBracketsAre) {
   const PixelBox bracket{130, 8, 133, 27};
   const PixelBox cursor{197, 8, 198, 28};
-  const auto glyphs = [](const GreyBitmap& ink) {
+  const auto glyphs = [](GreyBitmap ink) {
     const auto lines = findTextLines(ink, Characters::alphabetic);
     return lines.empty() ? 0 : lines.front().glyphs.size();
   };
   EXPECT_EQ(glyphs(lineWith({bracket, cursor})), 7U);
   const PixelBox bar{2, 8, 3, 28};
   EXPECT_EQ(glyphs(lineWith({bar, bracket, cursor})), 9U) << "bars around a cell";
+}
+
+TEST(TextLayout, UnderlinesAreErasedFromTheLettersThatTheyTouch) {
+  const PixelBox underline{36, 27, 130, 27};
+  const PixelBox foot{54, 26, 61, 26};
+  const PixelBox descender{97, 26, 100, 31};
+  GreyBitmap ink = lineWith({underline, foot, descender});
+  const auto lines = findTextLines(ink, Characters::alphabetic);
+  ASSERT_EQ(lines.size(), 1U);
+  EXPECT_EQ(lines.front().glyphs.size(), 6U);
+  EXPECT_EQ(boxAround(lines.front().glyphs).bottom, 31) << "a letter that crosses it stays whole";
+  GreyBitmap alone = lineWith({{130, 30, 190, 31}});
+  findTextLines(alone, Characters::alphabetic);
+  EXPECT_EQ(alone.at(150, 30), 255) << "underscores";
 }
 
 TEST(CutLines, GoWhereTheSelectionShowsLessThanHalf) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <iterator>
 #include <string_view>
 
@@ -64,16 +65,25 @@ Symbol underscores(const Glyph& glyph, double width, bool spaceBefore) {
 }  // namespace
 
 std::vector<Glyph> takeUnderscores(std::vector<Glyph>& glyphs, const TextLine& line) {
-  std::vector<Glyph> taken;
   const auto kept = std::stable_partition(glyphs.begin(), glyphs.end(),
                                           [&](const Glyph& glyph) { return !isUnderscore(glyph, line); });
-  // With letters above it a stroke underlines them.
-  std::copy_if(kept, glyphs.end(), std::back_inserter(taken), [&](const Glyph& stroke) {
-    return std::none_of(glyphs.begin(), kept, [&](const Glyph& letter) {
+  std::vector<Glyph> taken(kept, glyphs.end());
+  glyphs.erase(kept, glyphs.end());
+  // With letters above it a stroke underlines them, and so does what goes on behind a letter that reaches
+  // through it.
+  const auto underlines = [&](const Glyph& stroke) {
+    return std::any_of(glyphs.begin(), glyphs.end(), [&](const Glyph& letter) {
       return middleOf(letter.box) > stroke.box.left && middleOf(letter.box) < stroke.box.right;
     });
+  };
+  const auto end = std::stable_partition(taken.begin(), taken.end(), std::not_fn(underlines));
+  const std::vector<Glyph> underlining(end, taken.end());
+  taken.erase(end, taken.end());
+  std::erase_if(taken, [&](const Glyph& stroke) {
+    return std::any_of(underlining.begin(), underlining.end(), [&](const Glyph& other) {
+      return stroke.box.top == other.box.top && stroke.box.bottom == other.box.bottom;
+    });
   });
-  glyphs.erase(kept, glyphs.end());
   return taken;
 }
 

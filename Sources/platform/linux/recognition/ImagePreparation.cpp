@@ -47,13 +47,53 @@ class Colors {
     chooseGrounds();
     spreadGrounds();
     GreyBitmap result(width_, height_, 0);
-    for (std::size_t i = 0; i < colors_.size(); ++i) result.pixels[i] = distance(colors_[i], ground_[i]);
+    for (std::size_t i = 0; i < colors_.size(); ++i)
+      if (!isGround_[labels_[i]]) result.pixels[i] = inkAt(i);
     return result;
   }
 
  private:
   std::size_t index(int x, int y) const {
     return static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) + static_cast<std::size_t>(x);
+  }
+
+  /// Calls back with the pixels beside and above and below one.
+  template <typename Visit>
+  void visitNeighbours(std::size_t i, Visit&& visit) const {
+    const auto w = static_cast<std::size_t>(width_);
+    if (i % w > 0) visit(i - 1);
+    if (i % w + 1 < w) visit(i + 1);
+    if (i >= w) visit(i - w);
+    if (i + w < colors_.size()) visit(i + w);
+  }
+
+  /// How far a pixel is from what is behind it. Where two grounds meet, as at the rounded corner of a box, it
+  /// may be a mixture of both.
+  std::uint8_t inkAt(std::size_t i) const {
+    std::uint8_t ink = distance(colors_[i], ground_[i]);
+    visitNeighbours(i, [&](std::size_t n) {
+      if (!sameSurface(ground_[i], ground_[n]))
+        ink = std::min(ink, distance(colors_[i], mixtureLike(colors_[i], ground_[i], ground_[n])));
+    });
+    return ink;
+  }
+
+  /// The mixture of two colours that is most like another one.
+  static std::uint32_t mixtureLike(std::uint32_t color, std::uint32_t a, std::uint32_t b) {
+    double along = 0;
+    double length = 0;
+    for (const int shift : {16, 8, 0}) {
+      const double step = channel(b, shift) - channel(a, shift);
+      along += step * (channel(color, shift) - channel(a, shift));
+      length += step * step;
+    }
+    const double share = std::clamp(along / length, 0.0, 1.0);
+    std::uint32_t mixture = 0;
+    for (const int shift : {16, 8, 0})
+      mixture |= static_cast<std::uint32_t>(
+                     std::lround(channel(a, shift) + share * (channel(b, shift) - channel(a, shift))))
+                 << shift;
+    return mixture;
   }
 
   static std::uint8_t distance(std::uint32_t a, std::uint32_t b) {
@@ -161,24 +201,17 @@ class Colors {
     ground_ = colors_;
     std::vector<bool> known(colors_.size());
     std::vector<std::size_t> front;
-    const auto neighbours = [&](std::size_t i, auto&& visit) {
-      const auto w = static_cast<std::size_t>(width_);
-      if (i % w > 0) visit(i - 1);
-      if (i % w + 1 < w) visit(i + 1);
-      if (i >= w) visit(i - w);
-      if (i + w < colors_.size()) visit(i + w);
-    };
     for (std::size_t i = 0; i < colors_.size(); ++i) known[i] = isGround_[labels_[i]];
     for (std::size_t i = 0; i < colors_.size(); ++i) {
       if (!known[i]) continue;
       bool atEdge = false;
-      neighbours(i, [&](std::size_t n) { atEdge = atEdge || !known[n]; });
+      visitNeighbours(i, [&](std::size_t n) { atEdge = atEdge || !known[n]; });
       if (atEdge) front.push_back(i);
     }
     while (!front.empty()) {
       std::vector<std::size_t> next;
       for (const std::size_t i : front)
-        neighbours(i, [&](std::size_t n) {
+        visitNeighbours(i, [&](std::size_t n) {
           if (known[n]) return;
           known[n] = true;
           ground_[n] = ground_[i];

@@ -147,7 +147,7 @@ std::string join(const std::vector<Symbol>& symbols) {
 }  // namespace
 
 std::vector<std::string> readLines(EngineCrew& crew, const std::vector<std::vector<std::string>>& languages,
-                                   const GreyBitmap& ink) {
+                                   GreyBitmap ink) {
   const bool wide = std::any_of(languages.begin(), languages.end(), hasWideCharacters);
   std::vector<TextLine> lines = findTextLines(ink, wide ? Characters::wide : Characters::alphabetic);
   dropCutLines(lines, ink);

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <optional>
+#include <string_view>
 
 #include "platform/linux/recognition/Level.h"
 
@@ -18,6 +19,11 @@ struct Pair {
   Symbol* right;
 
   int gap() const { return right->box.left - left->box.right - 1; }
+  /// Between the middles.
+  double distance() const {
+    return (right->box.left + right->box.right - left->box.left - left->box.right) / 2.0;
+  }
+  bool isOfOwnInk() const { return left->hasOwnInk && right->hasOwnInk; }
 };
 
 std::vector<Pair> pairsOf(std::vector<Symbol>& symbols) {
@@ -32,10 +38,8 @@ bool isDigit(const Symbol& symbol) { return std::isdigit(firstByte(symbol)) != 0
 /// A space is a place left free.
 void correctByPitch(const std::vector<Pair>& pairs, double pitch) {
   for (const Pair& pair : pairs) {
-    if (!pair.left->hasOwnInk || !pair.right->hasOwnInk) continue;
-    const double places =
-        (pair.right->box.left + pair.right->box.right - pair.left->box.left - pair.left->box.right) / 2.0 /
-        pitch;
+    if (!pair.isOfOwnInk()) continue;
+    const double places = pair.distance() / pitch;
     // Commas and brackets stand at one side of their place.
     if (places < 1.4) pair.right->spaceBefore = false;
     if (places > 1.6) pair.right->spaceBefore = true;
@@ -69,14 +73,25 @@ std::optional<int> usualSpace(Gaps gaps, int letterHeight) {
   return 100 * levelAt(std::move(gaps.spaces), 0.3) / std::max(1, letterHeight);
 }
 
+/// The widest gap within words near one: in code amid text they are wider than elsewhere in the line.
+int widestAround(const std::vector<Pair>& pairs, const Pair& pair) {
+  constexpr std::ptrdiff_t reach = 4;
+  const std::ptrdiff_t at = &pair - pairs.data();
+  const auto size = static_cast<std::ptrdiff_t>(pairs.size());
+  std::vector<int> gaps;
+  for (std::ptrdiff_t i = std::max<std::ptrdiff_t>(0, at - reach); i <= std::min(size - 1, at + reach); ++i)
+    if (i != at && !pairs[static_cast<std::size_t>(i)].right->spaceBefore)
+      gaps.push_back(pairs[static_cast<std::size_t>(i)].gap());
+  return gaps.empty() ? 0 : std::max(0, *std::max_element(gaps.begin(), gaps.end()));
+}
+
 /// A gap as wide as most of a space is one whatever was read; one that is far narrower is none. A space that
 /// was measured in other lines tells less. A space within a word must stand out among the gaps of words, too;
 /// one beside a backtick is wider than others, since the mark is narrow in its place.
 void correctByWidth(const std::vector<Pair>& pairs, int wideInWords, double space, bool isOfLine) {
-  const double leastInWord = 1.3 * wideInWords + 1;
   for (const Pair& pair : pairs) {
     Symbol& right = *pair.right;
-    if (!pair.left->hasOwnInk || !right.hasOwnInk) continue;
+    if (!pair.isOfOwnInk()) continue;
     const double width = pair.gap() / space;
     const bool inWord = isWordCharacter(*pair.left) && isWordCharacter(right);
     // Signs have room of their own; letters may reach over their neighbours, in italics most of all.
@@ -84,11 +99,79 @@ void correctByWidth(const std::vector<Pair>& pairs, int wideInWords, double spac
     const bool atBacktick = pair.left->text == "`" || right.text == "`";
     const double least = atBacktick ? 0.85 : !isOfLine ? 0.35 : atLetter ? 0.6 : 0.8;
     if (right.spaceBefore && !inWord && width < least) right.spaceBefore = false;
+    const double leastInWord = 1.3 * std::max(wideInWords, widestAround(pairs, pair)) + 1;
     // Digits have one width, and some much room in it.
     const bool atDigit = isDigit(*pair.left) || isDigit(right);
     if (!right.spaceBefore && width > (atDigit || !inWord ? 1.0 : 0.8) &&
         (!inWord || pair.gap() > leastInWord))
       right.spaceBefore = true;
+  }
+}
+
+bool isNarrow(const Symbol& symbol) {
+  return symbol.text.size() == 1 &&
+         std::string_view("ijl.,:;'|!-").find(symbol.text) != std::string_view::npos;
+}
+
+/// Words among others whose characters have one width, as code amid text has: pairs that are equally far
+/// apart, but for the places of underscores.
+class FixedWidthRun {
+ public:
+  /// Of the pairs on both sides of one that fit the usual distance around it.
+  FixedWidthRun(const std::vector<Pair>& pairs, std::size_t at) : pairs_(pairs), first_(at), last_(at) {
+    std::vector<int> distances;  // Twice as long, to be whole numbers.
+    for (std::size_t i = at < 2 ? 0 : at - 2; i < std::min(pairs.size(), at + 3); ++i)
+      distances.push_back(static_cast<int>(2 * pairs[i].distance()));
+    pitch_ = levelAt(std::move(distances), 0.5) / 2.0;
+    isOne_ = fits(at);
+    while (first_ > 0 && fits(first_ - 1)) --first_;
+    while (last_ + 1 < pairs.size() && fits(last_ + 1)) ++last_;
+  }
+
+  /// Whether they are several letters and more, from the start of a word to the end of one, and large enough
+  /// to tell their distances from others.
+  bool isOne() const {
+    constexpr int fewest = 4;
+    constexpr double least = 7.5;
+    int letters = 0;
+    for (std::size_t i = first_; i <= last_; ++i)
+      letters += isWordCharacter(*pairs_[i].left) && isWordCharacter(*pairs_[i].right);
+    return isOne_ && letters >= fewest && pitch_ >= least && (first_ == 0 || isAtEdge(first_ - 1)) &&
+           (last_ + 1 == pairs_.size() || isAtEdge(last_ + 1));
+  }
+  bool has(std::size_t pair) const { return pair >= first_ && pair <= last_; }
+
+ private:
+  bool fits(std::size_t pair) const {
+    // Digits have one width in most fonts.
+    const Pair& it = pairs_[pair];
+    if (!it.isOfOwnInk() || isDigit(*it.left) || isDigit(*it.right)) return false;
+    const double tolerance = std::max(1.0, 0.18 * pitch_);
+    return std::abs(it.distance() - pitch_) <= tolerance ||
+           (!it.right->spaceBefore && std::abs(it.distance() - 2 * pitch_) <= tolerance);
+  }
+  bool isAtEdge(std::size_t pair) const {
+    const Pair& it = pairs_[pair];
+    return it.right->spaceBefore || !isWordCharacter(*it.left) || !isWordCharacter(*it.right);
+  }
+
+  const std::vector<Pair>& pairs_;
+  double pitch_ = 0;
+  bool isOne_ = false;
+  std::size_t first_, last_;
+};
+
+/// In code amid text narrow characters have wide gaps on both sides, which are no spaces.
+void joinFixedWidth(const std::vector<Pair>& pairs) {
+  for (std::size_t i = 0; i < pairs.size(); ++i) {
+    if (!pairs[i].right->spaceBefore) continue;
+    const FixedWidthRun run(pairs, i);
+    const auto isAsWide = [&](std::size_t other) {
+      return run.has(other) && 5 * pairs[other].gap() >= 3 * pairs[i].gap();
+    };
+    const bool isAtNarrow = (isNarrow(*pairs[i].left) && i > 0 && isAsWide(i - 1)) ||
+                            (isNarrow(*pairs[i].right) && isAsWide(i + 1));
+    if (isAtNarrow && run.isOne()) pairs[i].right->spaceBefore = false;
   }
 }
 
@@ -117,6 +200,7 @@ void correctSpaces(const std::vector<SpacedLine>& lines) {
     if (!isOfLine && !spaces.empty()) space = levelAt(spaces, 0.5);
     if (space && *space > 0)
       correctByWidth(pairs, gaps.wideInWords, *space * each.line->letterHeight / 100.0, isOfLine);
+    joinFixedWidth(pairs);
   }
 }
 

@@ -14,6 +14,7 @@
 #include "platform/linux/recognition/Columns.h"
 #include "platform/linux/recognition/Level.h"
 #include "platform/linux/recognition/Rows.h"
+#include "platform/linux/recognition/Underlines.h"
 
 namespace lumiscan::desktop {
 
@@ -181,7 +182,7 @@ bool isCaretAtEdge(const Glyph& stroke, const Glyphs& all, int usual, int imageW
     return &other == &stroke || !beside || 20 * stroke.height() >= 27 * other.height();
   });
   const bool isOnlyOne =
-      10 * stroke.height() >= 16 * usual && std::none_of(all.begin(), all.end(), [&](const Glyph& other) {
+      2 * stroke.height() >= 3 * usual && std::none_of(all.begin(), all.end(), [&](const Glyph& other) {
         return &other != &stroke && isStroke(other) && 10 * other.height() >= 9 * stroke.height();
       });
   return isHighest || isOnlyOne;
@@ -264,12 +265,13 @@ PixelBox boxAround(const std::vector<Glyph>& glyphs) {
   return box;
 }
 
-std::vector<TextLine> findTextLines(const GreyBitmap& ink, Characters characters) {
+std::vector<TextLine> findTextLines(GreyBitmap& ink, Characters characters) {
   const std::optional<int> threshold = inkThreshold(ink);
   if (!threshold) return {};
-  const Glyphs glyphs = connectedPieces(ink, *threshold);
+  Glyphs glyphs = connectedPieces(ink, *threshold);
   const int usual = usualHeightWithin(glyphs, characters);
   if (usual == 0) return {};
+  if (eraseUnderlines(ink, glyphs, usual, *threshold)) glyphs = connectedPieces(ink, *threshold);
   Glyphs kept;
   std::copy_if(glyphs.begin(), glyphs.end(), std::back_inserter(kept), [&](const Glyph& glyph) {
     return !isRuleOrFrame(glyph, glyphs, usual, ink) && !isCaretAtEdge(glyph, glyphs, usual, ink.width);

@@ -43,8 +43,9 @@ enum class Characters {
 };
 
 /// The lines of text in reading order: column by column where the text is set in columns, from top to
-/// bottom in each. What can't be text, such as frames and rules, is in no line.
-std::vector<TextLine> findTextLines(const GreyBitmap& ink, Characters characters);
+/// bottom in each. What can't be text, such as frames and rules, is in no line. Underlines that touch letters
+/// are erased from the ink.
+std::vector<TextLine> findTextLines(GreyBitmap& ink, Characters characters);
 
 /// The smallest box around all glyphs. Precondition: there is one.
 PixelBox boxAround(const std::vector<Glyph>& glyphs);
