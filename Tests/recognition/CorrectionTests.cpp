@@ -221,9 +221,27 @@ TEST(CutLines, GoWhereTheSelectionShowsLessThanHalf) {
   EXPECT_EQ(tops({line(8, 21), line(28, 41), line(54, 58)}), (Tops{8, 28, 54})) << "a caption within";
   EXPECT_EQ(tops({line(8, 21), line(28, 41), line(49, 59)}), (Tops{8, 28, 49})) << "most of a line";
   EXPECT_EQ(tops({line(0, 3), line(55, 59)}), (Tops{0, 55})) << "nothing to compare with";
+  EXPECT_EQ(tops({line(0, 2), line(44, 59)}), (Tops{44})) << "a line that ends at the other edge";
   TextLine caption = line(54, 57);
   caption.glyphs[3].box.bottom = caption.box.bottom = 59;  // The foot of a letter.
   EXPECT_EQ(tops({line(8, 21), line(28, 41), caption}), (Tops{8, 28, 54})) << "a caption at the edge";
+  TextLine underscores = line(1, 1);
+  underscores.glyphs.push_back({{80, 0, 82, 2}});
+  underscores.box.top = 0;
+  EXPECT_EQ(tops({underscores, line(8, 21)}), (Tops{8})) << "with one descender";
+}
+
+TEST(CutLines, LeaveNoSlicesInTheirNeighbours) {
+  const GreyBitmap ink(100, 40, 0);
+  const Glyph letter{{0, 10, 8, 21}}, tall{{10, 6, 12, 21}}, accent{{0, 4, 8, 6}}, above{{20, 0, 24, 1}},
+      below{{20, 37, 24, 39}};
+  const auto left = [&](std::vector<Glyph> glyphs) {
+    std::vector<TextLine> lines{{glyphs, boxAround(glyphs), 12, 22}};
+    dropCutLines(lines, ink);
+    return lines.front().glyphs.size();
+  };
+  EXPECT_EQ(left({letter, tall, above, below}), 2U);
+  EXPECT_EQ(left({letter, accent, above}), 3U) << "near the line's own marks";
 }
 
 }  // namespace
