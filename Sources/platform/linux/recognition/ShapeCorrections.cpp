@@ -83,7 +83,7 @@ void correctSymbol(Symbol& symbol, const Classification& shape, const Neighbours
 /// 1, l, I, the bar and the exclamation mark are little more than one stroke: what is beside it says which it
 /// may be, and the shape which of these it is.
 void correctStroke(Symbol& symbol, const Classification& shape, const Neighbours& beside,
-                   const TextLine& line) {
+                   std::size_t capitalsBefore, const TextLine& line) {
   const char32_t read = onlyCodePoint(symbol.text);
   // F1 is a key.
   const bool besideDigit = isDigit(beside.before) || isDigit(beside.after) || beside.before == U'F';
@@ -105,6 +105,11 @@ void correctStroke(Symbol& symbol, const Classification& shape, const Neighbours
     become('I');
   } else if (read == U'l' && isAlone) {
     if (shape.of(U'I') >= possible) become('I');
+  } else if (read == U'l' && capitalsBefore > 0 && !isLetter(beside.after) && !besideDigit) {
+    // An acronym; behind one capital it may be a short name.
+    if (shape.of(U'I') >= (capitalsBefore > 1 ? possible : rarely)) become('I');
+  } else if (read == U'1' && opensWord && !besideLetter && !besideDigit) {
+    if (shape.of(U'1') < possible && shape.of(U'I') + shape.of(U'l') > mostly) become('I');
   } else if (read == U'l' || read == U'I' || read == U'i') {
     if (isOne || (besideDigit && 3 * shape.of(U'1') > shape.of(read))) become('1');
   } else if (read == U'1' && besideLetter && !besideDigit) {
@@ -275,8 +280,9 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
           (shape.bestProbability() < 0.999F || shape.of(onlyCodePoint(first.text)) > 1e-4F);
       if (!isBlurred && (first.confidence < mild || isOther || isSteady(m)))
         correctSymbol(first, shape, beside);
-      correctStroke(first, shape, beside, shapes.line());
-      correctZero(first, shape, beside, first.spaceBefore ? 0 : capitalsAtEnd(corrected));
+      const std::size_t capitalsBefore = first.spaceBefore ? 0 : capitalsAtEnd(corrected);
+      correctStroke(first, shape, beside, capitalsBefore, shapes.line());
+      correctZero(first, shape, beside, capitalsBefore);
     }
     first.isLikely =
         first.hasOwnInk && isLikely(first, shapes.classification(match.firstCluster, match.clusterCount));
