@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -14,6 +15,8 @@
 #include <thread>
 
 #include "Pictures.h"
+#include "platform/linux/drawing/BitmapContext.h"
+#include "platform/linux/recognition/ImagePreparation.h"
 #include "platform/linux/recognition/LanguageData.h"
 #include "support/TemporaryFolder.h"
 
@@ -167,6 +170,23 @@ TEST(TextRecognizer, EveryRegionHasItsOwnGround) {
                          .lay(chosen, 2, first.height())
                          .image();
   EXPECT_THAT(linesOf(list), ElementsAre("First row", "Chosen row"));
+}
+
+TEST(ImagePreparation, RoundedCornersOfABoxAreNoInk) {
+  const auto context = CairoBitmapContext::create(160, 60);
+  context->fill(platform::BezierPath::rect({{0, 0}, {160, 60}}), {0.1, 0.1, 0.15, 1});
+  context->fill(platform::BezierPath::roundedRect({{30, 15}, {100, 30}}, 6), {0.95, 0.95, 0.95, 1});
+  context->draw("code", {45, 22}, {{platform::Font::Design::monospaced, 18}, Color::black()});
+  const GreyBitmap ink = inkOf(context->makeImage());
+  const auto inkIn = [&](int firstX, int lastX) {
+    int most = 0;
+    for (int y = 0; y < ink.height; ++y)
+      for (int x = firstX; x <= lastX; ++x) most = std::max<int>(most, ink.at(x, y));
+    return most;
+  };
+  EXPECT_LT(inkIn(26, 38), 8);
+  EXPECT_LT(inkIn(122, 134), 8);
+  EXPECT_GT(inkIn(45, 80), 200);
 }
 
 TEST(TextRecognizer, ColumnsAreReadOneAfterTheOtherAndRowsAcross) {
