@@ -109,7 +109,7 @@ TEST(Corrections, ShortUnderscoresSayHowManyALongerOneIs) {
   TextLine line;
   line.letterHeight = 12;
   line.baseline = 12;
-  const auto inserted = [&](std::vector<Glyph> strokes) {
+  const auto inserted = [&](const std::vector<Glyph>& strokes) {
     std::vector<Symbol> symbols;
     insertUnderscores(symbols, strokes, {}, line);
     std::string text;
@@ -229,6 +229,7 @@ TEST(CutLines, GoWhereTheSelectionShowsLessThanHalf) {
   underscores.glyphs.push_back({{80, 0, 82, 2}});
   underscores.box.top = 0;
   EXPECT_EQ(tops({underscores, line(8, 21)}), (Tops{8})) << "with one descender";
+  EXPECT_EQ(tops({line(4, 5), line(20, 33)}), (Tops{4, 20})) << "hyphens within";
 }
 
 TEST(CutLines, LeaveNoSlicesInTheirNeighbours) {

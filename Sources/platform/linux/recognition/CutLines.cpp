@@ -45,7 +45,8 @@ void dropCutLines(std::vector<TextLine>& lines, const GreyBitmap& ink) {
     const auto cut = std::count_if(line.glyphs.begin(), line.glyphs.end(), [&](const Glyph& glyph) {
       return isAtEdge(glyph.box) || glyph.width() >= 3 * glyph.height();
     });
-    return 2 * line.box.height() < usual && 2 * static_cast<std::size_t>(cut) > line.glyphs.size();
+    return isAtEdge(line.box) && 2 * line.box.height() < usual &&
+           2 * static_cast<std::size_t>(cut) > line.glyphs.size();
   });
 }
 

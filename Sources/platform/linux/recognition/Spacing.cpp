@@ -97,7 +97,7 @@ void correctByWidth(const std::vector<Pair>& pairs, int wideInWords, double spac
     // Signs have room of their own; letters may reach over their neighbours, in italics most of all.
     const bool atLetter = isWordCharacter(*pair.left) || isWordCharacter(right);
     const bool atBacktick = pair.left->text == "`" || right.text == "`";
-    const double least = atBacktick ? 0.85 : !isOfLine ? 0.35 : atLetter ? 0.6 : 0.8;
+    const double least = atBacktick ? 0.75 : !isOfLine ? 0.35 : atLetter ? 0.6 : 0.8;
     if (right.spaceBefore && !inWord && width < least) right.spaceBefore = false;
     const double leastInWord = 1.3 * std::max(wideInWords, widestAround(pairs, pair)) + 1;
     // Digits have one width, and some much room in it.
