@@ -82,10 +82,15 @@ TEST(Durability, AKilledProgramLeavesTheLastCompleteState) {
     EXPECT_TRUE(appended == newest || appended == newest + 1) << appended << " and " << newest;
   }
   desktop::FileUserDefaults(file).setBool("flag", true);
+  // What the last write replaced goes when the disk has the new version.
   std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(file.parent_path()))
-    names.push_back(entry.path().filename());
-  std::ranges::sort(names);
+  waitUntil([&] {
+    names.clear();
+    for (const auto& entry : std::filesystem::directory_iterator(file.parent_path()))
+      names.push_back(entry.path().filename());
+    std::ranges::sort(names);
+    return names.size() == 2;
+  });
   EXPECT_EQ(names, (std::vector<std::string>{"preferences.json", "preferences.json.lock"}));
 }
 
