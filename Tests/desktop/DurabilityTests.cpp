@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -24,8 +25,10 @@
 namespace lumiscan::testing {
 namespace {
 
-/// Stores one capture after the other, each with its number, and reports it. Never returns.
+/// Stores one capture after the other, each with its number, and reports it, until it is killed or the test
+/// has ended.
 [[noreturn]] void capture(int report) {
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
   char name[] = "test";
   char* argv[] = {name, nullptr};
   int argc = 1;
