@@ -7,7 +7,6 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVariant>
-#include <QDBusVirtualObject>
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -26,6 +25,7 @@
 #include <vector>
 
 #include "TextPage.h"
+#include "desktop/BusObject.h"
 #include "desktop/PrivateDesktop.h"
 #include "desktop/Servers.h"
 
@@ -49,16 +49,14 @@ double millisecondsSince(Clock::time_point start) {
 }
 
 /// The place where tray icons are announced, with a panel that shows them.
-class TrayWatcher : public QDBusVirtualObject {
+class TrayWatcher : public lumiscan::testing::BusObject {
  public:
-  explicit TrayWatcher(const QString& address) : bus_(QDBusConnection::connectToBus(address, "tray")) {
-    require(bus_.registerVirtualObject("/StatusNotifierWatcher", this), "no place on the bus");
-    require(bus_.registerService("org.kde.StatusNotifierWatcher"), "no name on the bus");
+  explicit TrayWatcher(const QString& address) : BusObject(address, "tray", "/StatusNotifierWatcher") {
+    require(bus().registerService("org.kde.StatusNotifierWatcher"), "no name on the bus");
   }
   std::atomic<int> icons = 0;
 
  private:
-  QString introspect(const QString&) const override { return {}; }
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
     if (message.member() == "RegisterStatusNotifierItem") ++icons;
     if (message.member() == "Get") {
@@ -68,8 +66,6 @@ class TrayWatcher : public QDBusVirtualObject {
     }
     return connection.send(message.createReply());
   }
-
-  QDBusConnection bus_;
 };
 
 /// The number behind a word in a file of the kernel's, which has one a line.

@@ -18,8 +18,8 @@ struct Data {
 using DefaultsValue = std::variant<bool, double, std::string, std::vector<std::string>, Data>;
 
 /// The user's preferences of this program: typed values by key, kept across launches. Every operation may
-/// be called from any thread. A write is on the disk when it returns; one that can't be written is logged
-/// and its value lives on in memory.
+/// be called from any thread. What was written when a write returns outlives the program, however that ends;
+/// the disk has it soon after. A write that fails is logged, and its value lives on in memory.
 class UserDefaults {
  public:
   virtual ~UserDefaults() = default;

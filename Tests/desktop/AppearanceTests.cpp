@@ -5,12 +5,12 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVariant>
-#include <QDBusVirtualObject>
 #include <QTimer>
 #include <atomic>
 #include <csignal>
 #include <memory>
 
+#include "desktop/BusObject.h"
 #include "desktop/LinuxFixture.h"
 #include "desktop/Servers.h"
 #include "desktop/TrayPanel.h"
@@ -25,23 +25,15 @@ const QString interface = "org.freedesktop.portal.Settings";
 const QString space = "org.freedesktop.appearance";
 
 /// Answers what a portal answers: a number in a variant in a variant. With it ends the program's connection.
-class Portal : public QDBusVirtualObject {
+class Portal : public BusObject {
  public:
-  explicit Portal(const std::string& address)
-      : bus_(QDBusConnection::connectToBus(QString::fromStdString(address), "portal")) {
-    EXPECT_TRUE(bus_.registerVirtualObject(path, this));
-    EXPECT_TRUE(bus_.registerService("org.freedesktop.portal.Desktop"));
+  explicit Portal(const std::string& address) : BusObject(QString::fromStdString(address), "portal", path) {
+    EXPECT_TRUE(bus().registerService("org.freedesktop.portal.Desktop"));
   }
-  ~Portal() override {
-    // A question that waits is refused by its connection, which must be there yet, and none may come after.
-    bus_.unregisterObject(path);
-    QCoreApplication::removePostedEvents(this);
-    for (const char* side : {"portal", "program"}) QDBusConnection::disconnectFromBus(side);
-  }
+  ~Portal() override { QDBusConnection::disconnectFromBus("program"); }
   Portal(const Portal&) = delete;
   Portal& operator=(const Portal&) = delete;
 
-  QString introspect(const QString&) const override { return {}; }
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
     EXPECT_EQ(message.interface(), interface);
     EXPECT_EQ(message.arguments(), (QVariantList{space, "color-scheme"}));
@@ -55,12 +47,9 @@ class Portal : public QDBusVirtualObject {
     signal << space << key << QVariant::fromValue(QDBusVariant(value));
     send(signal);
   }
-  void send(const QDBusMessage& signal) { EXPECT_TRUE(bus_.send(signal)); }
+  void send(const QDBusMessage& signal) { EXPECT_TRUE(bus().send(signal)); }
   std::atomic<unsigned> scheme = 1;
   std::atomic<int> questions = 0;
-
- private:
-  QDBusConnection bus_;
 };
 
 constexpr unsigned dark = 1;

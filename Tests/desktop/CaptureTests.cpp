@@ -45,6 +45,14 @@ class EveryModeTest : public CaptureTest, public ::testing::WithParamInterface<s
     ASSERT_TRUE(waitUntil([this] { return desktop_.focusedWindow() == desktop_.windowsOfClass("Code")[0]; }));
   }
 
+  /// The preferences, or a version of them that the disk doesn't have or that it replaces.
+  bool isOfThePreferences(const std::filesystem::path& file) const {
+    return file.parent_path() == preferences_ && file.filename().string().starts_with("preferences.json");
+  }
+  /// Whether other versions than the one that counts have gone.
+  bool onlyTheLastVersionIsThere() const {
+    return std::distance(std::filesystem::directory_iterator(preferences_), {}) == 2;  // And the lock.
+  }
   /// Where the secret is found, but for the file that is shown and the preferences.
   std::vector<std::string> placesOfTheSecret() const {
     namespace fs = std::filesystem;
@@ -57,7 +65,7 @@ class EveryModeTest : public CaptureTest, public ::testing::WithParamInterface<s
     for (const std::string& content : desktop_.windowProperties()) look("a window's property", content);
     for (const auto& entry : fs::recursive_directory_iterator(desktop_.home()))
       if (entry.is_regular_file() && entry.path() != desktop_.home() / "page" &&
-          entry.path().filename() != "preferences.json")
+          !isOfThePreferences(entry.path()))
         look(entry.path(), contentOf(entry));
     std::error_code gone;
     for (const auto& entry : fs::directory_iterator(fs::temp_directory_path(), gone))
@@ -66,14 +74,16 @@ class EveryModeTest : public CaptureTest, public ::testing::WithParamInterface<s
     // Open files may have no name, and other programs that were started, such as the voices, tell too.
     const auto process = fs::path("/proc") / std::to_string(program_->id());
     for (const auto& entry : fs::directory_iterator(process / "fd", gone))
-      if (entry.is_regular_file(gone))
-        look("open: " + fs::read_symlink(entry, gone).string(), contentOf(entry));
+      if (const auto file = fs::read_symlink(entry, gone);
+          entry.is_regular_file(gone) && !isOfThePreferences(file))
+        look("open: " + file.string(), contentOf(entry));
     for (const auto& entry : fs::directory_iterator("/proc"))
       if (contentOf(entry.path() / "environ").find("HOME=" + desktop_.home().string()) != std::string::npos)
         look("a command line", contentOf(entry.path() / "cmdline"));
     return places;
   }
 
+  const std::filesystem::path preferences_ = desktop_.home() / "config" / "lumiscan";
   const std::filesystem::file_time_type start_ = std::filesystem::file_time_type::clock::now();
   std::optional<SilentSpeechServer> speechServer_;
   std::unique_ptr<Process> code_;
@@ -115,6 +125,7 @@ TEST_P(EveryModeTest, CapturesWithoutANetworkAndLeavesTheTextOnlyWhereItBelongs)
     ASSERT_TRUE(waitForClipboard(mode.clipboard)) << PrivateDesktop::clipboard().value_or("no text");
     ASSERT_TRUE(waitUntil([this] { return desktop_.windowsOfClass("LumiscanPanel").size() == 1; }));
     EXPECT_THAT(placesOfTheSecret(), ::testing::IsEmpty());
+    EXPECT_TRUE(waitUntil([this] { return onlyTheLastVersionIsThere(); }));
     EXPECT_TRUE(waitUntil([&] { return desktop_.focusedWindow() == focused; }));
   }
   program_->signal(SIGTERM);

@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -24,8 +25,10 @@
 namespace lumiscan::testing {
 namespace {
 
-/// Stores one capture after the other, each with its number, and reports it. Never returns.
+/// Stores one capture after the other, each with its number, and reports it, until it is killed or the test
+/// has ended.
 [[noreturn]] void capture(int report) {
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
   char name[] = "test";
   char* argv[] = {name, nullptr};
   int argc = 1;
@@ -82,10 +85,15 @@ TEST(Durability, AKilledProgramLeavesTheLastCompleteState) {
     EXPECT_TRUE(appended == newest || appended == newest + 1) << appended << " and " << newest;
   }
   desktop::FileUserDefaults(file).setBool("flag", true);
+  // What the last write replaced goes when the disk has the new version.
   std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(file.parent_path()))
-    names.push_back(entry.path().filename());
-  std::ranges::sort(names);
+  waitUntil([&] {
+    names.clear();
+    for (const auto& entry : std::filesystem::directory_iterator(file.parent_path()))
+      names.push_back(entry.path().filename());
+    std::ranges::sort(names);
+    return names.size() == 2;
+  });
   EXPECT_EQ(names, (std::vector<std::string>{"preferences.json", "preferences.json.lock"}));
 }
 

@@ -3,15 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusVariant>
-#include <QDBusVirtualObject>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
 
+#include "desktop/BusObject.h"
 #include "desktop/Servers.h"
 #include "platform/linux/LoginSession.h"
 #include "support/SimulatedDesktop.h"
@@ -24,13 +23,12 @@ const QString sessionPath = managerPath + "/session/_37";
 const QString otherSessionPath = managerPath + "/session/_38";
 
 /// Knows one session, number 7, which is also the caller's.
-class LoginManager : public QDBusVirtualObject {
+class LoginManager : public BusObject {
  public:
-  explicit LoginManager(const QString& address) : bus_(QDBusConnection::connectToBus(address, "manager")) {
-    EXPECT_TRUE(bus_.registerVirtualObject(managerPath, this, QDBusConnection::SubPath));
-    EXPECT_TRUE(bus_.registerService("org.freedesktop.login1"));
+  explicit LoginManager(const QString& address)
+      : BusObject(address, "manager", managerPath, QDBusConnection::SubPath) {
+    EXPECT_TRUE(bus().registerService("org.freedesktop.login1"));
   }
-  ~LoginManager() override { QDBusConnection::disconnectFromBus("manager"); }
 
   void prepareForSleep(bool begins) {
     send(managerPath, "org.freedesktop.login1.Manager", "PrepareForSleep", {begins});
@@ -41,7 +39,6 @@ class LoginManager : public QDBusVirtualObject {
   }
 
  private:
-  QString introspect(const QString&) const override { return {}; }
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
     if (message.member() == "Get" && message.path() == managerPath + "/session/auto")
       return connection.send(message.createReply(QVariant::fromValue(QDBusVariant("7"))));
@@ -54,10 +51,8 @@ class LoginManager : public QDBusVirtualObject {
             const QVariantList& arguments) {
     QDBusMessage signal = QDBusMessage::createSignal(path, interface, name);
     signal.setArguments(arguments);
-    EXPECT_TRUE(bus_.send(signal));
+    EXPECT_TRUE(bus().send(signal));
   }
-
-  QDBusConnection bus_;
 };
 
 class LoginSessionTest : public ::testing::Test {

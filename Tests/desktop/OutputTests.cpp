@@ -86,6 +86,39 @@ TEST_F(OutputTest, NobodySeesAnEmptyClipboardAndALaterTextWins) {
   EXPECT_EQ(changes, 2 * rounds);
 }
 
+TEST_F(OutputTest, TheClipboardOutlivesItsConnection) {
+  const auto breakConnection = [this] {
+    xcb_kill_client(screen().x(), screen().selectionOwner("CLIPBOARD"));
+    xcb_flush(screen().x());
+    // No event is handled meanwhile: the program doesn't know it yet.
+    EXPECT_TRUE(waitUntil([this] { return screen().selectionOwner("CLIPBOARD") == XCB_WINDOW_NONE; }));
+  };
+  ClipboardService::copy("kept");
+  processEvents();
+  for (int i = 0; i < 3; ++i) {
+    breakConnection();
+    ASSERT_TRUE(waitFor([this] { return screen().selectionOwner("CLIPBOARD") != XCB_WINDOW_NONE; }));
+    EXPECT_EQ(PrivateDesktop::clipboard(processEvents), "kept");
+  }
+
+  // What another program has put there by then stays, until the next text.
+  const xcb_window_t other = screen().showMenu(0, 0, 1, 1);
+  const auto breakConnectionAndTake = [&] {
+    breakConnection();
+    xcb_set_selection_owner(screen().x(), other, screen().atom("CLIPBOARD"), XCB_TIME_CURRENT_TIME);
+    xcb_flush(screen().x());
+  };
+  breakConnectionAndTake();
+  for (int i = 0; i < 3; ++i) processEvents();
+  EXPECT_EQ(screen().selectionOwner("CLIPBOARD"), other);
+  for (const char* text : {"after that", "right after a break"}) {
+    ClipboardService::copy(text);
+    processEvents();
+    EXPECT_EQ(PrivateDesktop::clipboard(processEvents), text);
+    breakConnectionAndTake();
+  }
+}
+
 TEST_F(OutputTest, AClipboardManagerKeepsTheTextWhenTheProgramEnds) {
   const std::string large(1 << 20, 'x');
   Process manager({"dbus-run-session", "--", "xfce4-clipman"});

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -35,6 +36,7 @@ class PreferencesFile : public ::testing::Test {
     EXPECT_EQ(stat(path.c_str(), &status), 0);
     return status.st_mode & 0777;
   }
+  long filesInFolder() const { return std::distance(fs::directory_iterator(file_.parent_path()), {}); }
   std::size_t errorLines() {
     std::size_t count = 0;
     for (const auto& line : simulated_.logSink().lines) count += line.level == platform::LogLevel::error;
@@ -173,10 +175,58 @@ TEST_F(PreferencesFile, AFullDiskLeavesTheLastStateAndNothingElse) {
     setrlimit(RLIMIT_FSIZE, &before);
     EXPECT_EQ(errorLines(), errors + 1);
     EXPECT_EQ(contentOf(file_), complete);
-    EXPECT_EQ(std::distance(fs::directory_iterator(file_.parent_path()), {}), 2) << "no more than the lock";
+    EXPECT_EQ(filesInFolder(), 2) << "no more than the lock";
     EXPECT_EQ(defaults.object("text"), text);
   }
   std::signal(SIGXFSZ, handler);
+}
+
+/// Preferences whose thread can't be started, so that no version ever reaches the disk by it.
+std::unique_ptr<desktop::FileUserDefaults> defaultsWithoutThread(const fs::path& file) {
+  pthread_attr_t before, hugeStacks;
+  pthread_getattr_default_np(&before);
+  pthread_getattr_default_np(&hugeStacks);
+  pthread_attr_setstacksize(&hugeStacks, std::size_t{1} << 50);
+  EXPECT_EQ(pthread_setattr_default_np(&hugeStacks), 0);
+  auto defaults = std::make_unique<desktop::FileUserDefaults>(file);
+  pthread_setattr_default_np(&before);
+  return defaults;
+}
+
+TEST_F(PreferencesFile, KeepsTheVersionBeforeUntilTheDiskHasTheNewOne) {
+  const auto defaults = defaultsWithoutThread(file_);
+  defaults->setObject("number", 1.0);
+  const fs::path earlier = file_.string() + ".x7Yz0Q";
+  std::ofstream(earlier) << R"({"number": 0})";
+  fs::last_write_time(earlier, fs::last_write_time(file_) - std::chrono::hours(1));
+  defaults->setObject("number", 2.0);
+  EXPECT_EQ(documentIn(file_)["number"], 2);
+  // What a power loss can leave of a file that the disk doesn't have yet.
+  fs::resize_file(file_, 0);
+  EXPECT_EQ(desktop::FileUserDefaults(file_).object("number"), DefaultsValue(1.0));
+  EXPECT_EQ(documentIn(file_)["number"], 1);
+  // The next start has no use for others once it writes.
+  desktop::FileUserDefaults(file_).setObject("flag", true);
+  EXPECT_EQ(documentIn(file_), nlohmann::json::parse(R"({"flag": true, "number": 1.0})"));
+  EXPECT_TRUE(waitUntil([this] { return filesInFolder() == 3; })) << "more than the lock and the empty one";
+  EXPECT_EQ(contentOf(file_.string() + ".unreadable"), "");
+}
+
+TEST_F(PreferencesFile, KeepsFewVersionsWhereTheDiskNeverAnswers) {
+  const auto defaults = defaultsWithoutThread(file_);
+  for (int i = 0; i < 100; ++i) {
+    defaults->setObject("number", double(i));
+    ASSERT_EQ(documentIn(file_)["number"], i);
+  }
+  EXPECT_LT(filesInFolder(), 20);
+}
+
+TEST_F(PreferencesFile, RemovesTheVersionsBeforeOnceTheDiskHasTheNewOne) {
+  desktop::FileUserDefaults defaults(file_);
+  for (int i = 0; i < 100; ++i) defaults.setObject("number", double(i));
+  EXPECT_TRUE(waitUntil([this] { return filesInFolder() == 2; })) << "more than the lock";
+  EXPECT_EQ(documentIn(file_)["number"], 99);
+  EXPECT_EQ(errorLines(), 0U);
 }
 
 TEST_F(PreferencesFile, FollowsALinkToAFileThatIsNotThereYet) {

@@ -257,6 +257,13 @@ TEST_P(SessionTest, ScreensMayChangeAtAnyTime) {
   beginAndWait();
   screen().drag(10, 20, 258, 319);
   expectCaptured(waitForEnd(), 10, 20, 249, 300);
+
+  // Smaller right after a session: what that froze of it is not taken for what it shows.
+  beginAndWait();
+  PrivateDesktop::detachMonitor("LEFT");
+  EXPECT_TRUE(isCancelled(waitForEnd()));
+  PrivateDesktop::setMonitor("LEFT", "125/33x150/40+30+40", "none");
+  expectCaptured(repeat(), 30, 40, 125, 150);
 }
 
 /// Kibibytes of memory that this process has to itself, and its open files.

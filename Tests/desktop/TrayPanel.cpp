@@ -13,13 +13,10 @@ const QString watcher = QStringLiteral("org.kde.StatusNotifierWatcher");
 }  // namespace
 
 TrayPanel::TrayPanel(const std::string& address)
-    : bus_(QDBusConnection::connectToBus(QString::fromStdString(address),
-                                         QStringLiteral("panel-%1").arg(quintptr(this)))) {
+    : BusObject(QString::fromStdString(address), QStringLiteral("panel-%1").arg(quintptr(this)),
+                QStringLiteral("/StatusNotifierWatcher")) {
   desktop::statusnotifier::registerTypes();
-  bus_.registerVirtualObject(QStringLiteral("/StatusNotifierWatcher"), this);
 }
-
-TrayPanel::~TrayPanel() { QDBusConnection::disconnectFromBus(bus_.name()); }
 
 bool TrayPanel::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
   if (message.member() == u"RegisterStatusNotifierItem") {
@@ -31,18 +28,18 @@ bool TrayPanel::handleMessage(const QDBusMessage& message, const QDBusConnection
   return connection.send(message.createReply(QVariant::fromValue(QDBusVariant(true))));
 }
 
-bool TrayPanel::start() { return bus_.registerService(watcher); }
+bool TrayPanel::start() { return bus().registerService(watcher); }
 
 bool TrayPanel::stop() {
   item_.clear();
-  return bus_.unregisterService(watcher);
+  return bus().unregisterService(watcher);
 }
 
 QDBusMessage TrayPanel::call(const QString& path, const QString& interface, const QString& member,
                              const QVariantList& arguments) {
   QDBusMessage message = QDBusMessage::createMethodCall(item_, path, interface, member);
   message.setArguments(arguments);
-  return bus_.call(message);
+  return bus().call(message);
 }
 
 QDBusMessage TrayPanel::callMenu(const QString& member, const QVariantList& arguments) {

@@ -1,30 +1,24 @@
 #pragma once
 
-#include <QDBusConnection>
 #include <QDBusMessage>
-#include <QDBusVirtualObject>
 #include <optional>
 #include <string>
 
+#include "desktop/BusObject.h"
 #include "platform/linux/statusnotifier/Types.h"
 
 namespace lumiscan::testing {
 
 /// A panel on a session bus: it takes status items, reads their menus and chooses from them. Needs an
 /// application object and, between the calls, its events processed.
-class TrayPanel : public QDBusVirtualObject {
+class TrayPanel : public BusObject {
  public:
   explicit TrayPanel(const std::string& address);
-  ~TrayPanel() override;
-  TrayPanel(const TrayPanel&) = delete;
-  TrayPanel& operator=(const TrayPanel&) = delete;
 
   bool start();
   bool stop();
   /// The bus name of the item that came last; empty before.
   const QString& item() const { return item_; }
-
-  QDBusConnection bus() const { return bus_; }
 
   // Of that item; these wait for its program. What fails comes as an error message, or empty.
   QDBusMessage call(const QString& path, const QString& interface, const QString& member,
@@ -38,10 +32,8 @@ class TrayPanel : public QDBusVirtualObject {
   bool aboutToShow(int id);
 
  private:
-  QString introspect(const QString&) const override { return {}; }
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
 
-  QDBusConnection bus_;
   QString item_;
 };
 

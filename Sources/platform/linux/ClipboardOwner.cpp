@@ -22,7 +22,23 @@ std::string latin1(const std::string& utf8) { return QString::fromStdString(utf8
 
 }  // namespace
 
-ClipboardOwner::ClipboardOwner() : connection_(x11::Connection::open()) {
+ClipboardOwner::ClipboardOwner() {
+  patience_.setSingleShot(true);
+  patience_.setInterval(receiverPatience);
+  QObject::connect(&patience_, &QTimer::timeout, &patience_, [this] {
+    endTransfers([](const IncrementalTransfer&) { return true; });
+    xcb_flush(x_);
+  });
+  connect();
+}
+
+void ClipboardOwner::connect() {
+  notifier_ = nullptr;
+  events_.clear();
+  transfers_.clear();
+  patience_.stop();
+  x_ = nullptr;
+  connection_ = x11::Connection::open();
   if (!connection_) return;
   x_ = connection_->get();
   constexpr std::string_view names[atomCount] = {"CLIPBOARD",    "TARGETS",
@@ -41,12 +57,19 @@ ClipboardOwner::ClipboardOwner() : connection_(x11::Connection::open()) {
   xcb_flush(x_);
   notifier_ = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(x_), QSocketNotifier::Read);
   QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { handleEvents(); });
-  patience_.setSingleShot(true);
-  patience_.setInterval(receiverPatience);
-  QObject::connect(&patience_, &QTimer::timeout, &patience_, [this] {
-    endTransfers([](const IncrementalTransfer&) { return true; });
-    xcb_flush(x_);
-  });
+}
+
+void ClipboardOwner::reconnect() {
+  if (x_ && !xcb_connection_has_error(x_)) return;  // A text was offered meanwhile.
+  const xcb_window_t before = window_;
+  connect();
+  if (!x_ || !text_) return;
+  // The server may not have noticed yet that the connection before has ended.
+  const xcb_window_t owner = x11::selectionOwner(x_, atoms_[atomClipboard]);
+  if (owner == XCB_WINDOW_NONE || owner == before)
+    offer(*text_);
+  else
+    text_ = nullptr;
 }
 
 xcb_timestamp_t ClipboardOwner::serverTime() {
@@ -66,8 +89,10 @@ xcb_timestamp_t ClipboardOwner::serverTime() {
 bool ClipboardOwner::ownsClipboard() { return x11::selectionOwner(x_, atoms_[atomClipboard]) == window_; }
 
 void ClipboardOwner::offer(std::optional<std::string> offered) {
-  if (!x_) return;
+  // A break is noticed only where something is asked for.
+  if (!connection_ || !connection_->isAlive()) connect();
   text_ = offered ? std::make_shared<const std::string>(*std::move(offered)) : nullptr;
+  if (!x_) return;
   ownedSince_ = serverTime();
   xcb_set_selection_owner(x_, text_ ? window_ : static_cast<xcb_window_t>(XCB_WINDOW_NONE),
                           atoms_[atomClipboard], ownedSince_);
@@ -90,7 +115,11 @@ void ClipboardOwner::handleEvents() {
     take(xcb_poll_for_queued_event);
   }
   xcb_flush(x_);
-  if (xcb_connection_has_error(x_)) notifier_->setEnabled(false);
+  if (!xcb_connection_has_error(x_)) return;
+  notifier_->setEnabled(false);
+  // Not here, where the notifier may be the caller.
+  QMetaObject::invokeMethod(
+      &patience_, [this] { reconnect(); }, Qt::QueuedConnection);
 }
 
 void ClipboardOwner::handle(const xcb_generic_event_t& event) {

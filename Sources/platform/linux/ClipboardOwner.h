@@ -17,7 +17,8 @@
 namespace lumiscan::desktop {
 
 /// Owns the X clipboard while the program offers a text there, and gives it to whoever asks, in every common
-/// form and of any size. On a connection of its own, served by the event loop. Main thread only.
+/// form and of any size. On a connection of its own, served by the event loop, and on a new one with the same
+/// text when that breaks, as where memory is too short for what the server sent. Main thread only.
 ///
 /// The toolkit's own clipboard takes the selection over as of the last event that it saw. Where another
 /// program has taken it since, the server refuses that; here each take-over is as of now.
@@ -52,6 +53,9 @@ class ClipboardOwner {
     atomCount,
   };
 
+  void connect();
+  /// Connects anew, and offers the text again unless another program has taken the clipboard meanwhile.
+  void reconnect();
   /// The server's clock. What comes meanwhile waits in `events_`.
   xcb_timestamp_t serverTime();
   bool ownsClipboard();

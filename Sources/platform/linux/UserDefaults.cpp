@@ -7,7 +7,6 @@
 
 #include <QByteArray>
 #include <QFile>
-#include <QSaveFile>
 #include <cerrno>
 #include <chrono>
 #include <string>
@@ -100,23 +99,16 @@ class WriterLock {
 };
 
 void makePrivateFolder(const std::filesystem::path& folder) {
+  constexpr mode_t everyMode = 07777, privateMode = 0700;
+  // Nothing is touched that is right: each change of a folder is work for the disk.
+  struct stat status {};
+  if (stat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
+      (status.st_mode & everyMode) == privateMode)
+    return;
   std::error_code ignored;  // What fails here fails again, and is logged, when the file is written.
   std::filesystem::create_directories(folder.parent_path(), ignored);
-  mkdir(folder.c_str(), 0700);
-  chmod(folder.c_str(), 0700);
-}
-
-/// Removes what writers that were killed have left: files of the preferences' name and six more characters.
-/// Precondition: nobody else writes.
-void removeUnfinished(const std::filesystem::path& file) {
-  constexpr std::size_t added = 7;  // The dot with them.
-  const std::string prefix = file.filename().string() + ".";
-  std::error_code ignored;
-  for (const auto& entry : std::filesystem::directory_iterator(file.parent_path(), ignored)) {
-    const std::string name = entry.path().filename().string();
-    if (name.starts_with(prefix) && name.size() == file.filename().string().size() + added)
-      std::filesystem::remove(entry.path(), ignored);
-  }
+  mkdir(folder.c_str(), privateMode);
+  chmod(folder.c_str(), privateMode);
 }
 
 }  // namespace
@@ -125,7 +117,7 @@ std::filesystem::path FileUserDefaults::defaultFile() {
   return configFolder() / "lumiscan" / "preferences.json";
 }
 
-FileUserDefaults::FileUserDefaults(std::filesystem::path file) : file_(std::move(file)) {}
+FileUserDefaults::FileUserDefaults(std::filesystem::path file) : file_(std::move(file)), content_(file_) {}
 
 std::optional<DefaultsValue> FileUserDefaults::object(std::string_view key) const {
   const std::lock_guard lock(mutex_);
@@ -179,16 +171,18 @@ bool FileUserDefaults::reload() const {
   json parsed = json::parse(text.begin(), text.end(), isShallow, /*allow_exceptions=*/false);
   const bool isUsable = !tooDeep && parsed.is_object();
   document_ = isUsable ? std::move(parsed) : json::object();
-  if (!isUsable) setAside("can't be parsed");
-  return true;
+  if (isUsable) return true;
+  setAside("can't be parsed");
+  return content_.takeEarlierVersion() ? reload() : true;
 }
 
 void FileUserDefaults::setAside(const std::string& problem) const {
-  std::filesystem::path aside = file_.string() + ".unreadable";
+  const std::filesystem::path file = content_.place();
+  std::filesystem::path aside = file.string() + ".unreadable";
   for (int i = 2; std::filesystem::exists(aside); ++i)
-    aside = file_.string() + ".unreadable-" + std::to_string(i);
+    aside = file.string() + ".unreadable-" + std::to_string(i);
   std::error_code error;
-  std::filesystem::rename(file_, aside, error);
+  std::filesystem::rename(file, aside, error);
   chmod(aside.c_str(), 0600);  // It may hold captures, and come from elsewhere.
   log().error(
       "preferences " + problem + "; " +
@@ -201,8 +195,8 @@ bool FileUserDefaults::save() {
   const WriterLock writerLock(file_, lockIsTaken_ ? std::chrono::milliseconds(0) : lockPatience);
   if (writerLock.isTaken() && !lockIsTaken_) log().error("another program holds the preferences' lock");
   lockIsTaken_ = writerLock.isTaken();
-  if (writerLock.isHeld() && !std::exchange(unfinishedRemoved_, true)) removeUnfinished(file_);
   if (!reload()) return false;
+  if (writerLock.isHeld() && !std::exchange(othersRemoved_, true)) content_.removeOtherVersions();
   json next = document_;
   for (const auto& [key, value] : unsaved_) {
     if (value)
@@ -212,15 +206,11 @@ bool FileUserDefaults::save() {
   }
   const std::string text = next.dump(2, ' ', false, json::error_handler_t::replace) + "\n";
 
-  QSaveFile file(QString::fromStdString(file_.string()));
-  // Flushed first: the commit itself takes no notice of a buffer that can't be written.
-  const bool written =
-      file.open(QIODevice::WriteOnly) &&
-      file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner) &&
-      file.write(text.data(), static_cast<qint64>(text.size())) == static_cast<qint64>(text.size()) &&
-      file.flush() && file.commit();
-  if (!written) log().error("preferences can't be written: " + file.errorString().toStdString());
-  return written;
+  if (const auto problem = content_.takeSyncProblem())
+    log().error("preferences may not be on the disk: " + *problem);
+  const auto problem = content_.replace(text);
+  if (problem) log().error("preferences can't be written: " + *problem);
+  return !problem;
 }
 
 }  // namespace lumiscan::desktop

@@ -8,18 +8,20 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/UserDefaults.h"
+#include "platform/linux/ReplacedFile.h"
 
 namespace lumiscan::desktop {
 
 /// The preferences in one JSON file, `preferences.json`: an object with a member a key. Booleans, numbers,
 /// strings and lists of strings are what they are in JSON; data is an object `{"data": BASE64}`.
 ///
-/// The file is replaced as a whole and atomically, with mode 0600 in a folder of mode 0700. Each write first
-/// reads what is there, under a lock that all instances of the program share, so two of them never lose each
-/// other's keys; members that this program doesn't know are kept. A file that can't be parsed, or is far
-/// larger than this program's, is set aside as `preferences.json.unreadable`. One that can't be read is left
-/// alone, and what is set meanwhile lives in memory. A lock that isn't given free is waited for half a
-/// second.
+/// The file is replaced as a whole and atomically (`ReplacedFile`), with mode 0600 in a folder of mode 0700,
+/// without waiting for the disk. Each write first reads what is there, under a lock that all instances of the
+/// program share, so two of them never lose each other's keys; members that this program doesn't know are
+/// kept. A file that can't be parsed, or is far larger than this program's, is set aside as
+/// `preferences.json.unreadable`; where a power loss came before the disk had it, the version before takes
+/// its place. One that can't be read is left alone, and what is set meanwhile lives in memory. A lock that
+/// isn't given free is waited for half a second.
 class FileUserDefaults : public platform::UserDefaults {
  public:
   explicit FileUserDefaults(std::filesystem::path file);
@@ -51,12 +53,13 @@ class FileUserDefaults : public platform::UserDefaults {
   bool save();
 
   const std::filesystem::path file_;
+  ReplacedFile content_;
   mutable std::mutex mutex_;
   mutable nlohmann::json document_ = nlohmann::json::object();
   mutable std::optional<Stamp> stamp_;
   mutable bool unreadable_ = false;
   bool lockIsTaken_ = false;
-  bool unfinishedRemoved_ = false;
+  bool othersRemoved_ = false;
   /// What couldn't be written yet: the new value, or nothing for a removed key.
   std::map<std::string, std::optional<nlohmann::json>, std::less<>> unsaved_;
 };

@@ -8,7 +8,7 @@ namespace lumiscan::desktop {
 
 /// A thread of its own for calls that may hang, because they wait for another program. Works run one after
 /// the other. A thread that hangs is left behind: nobody ever waits for it, and what its works use must be
-/// theirs or shared. Main thread only, but for the works.
+/// theirs or shared. One thread at a time, but for the works.
 class Worker {
  public:
   Worker();

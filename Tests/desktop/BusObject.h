@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
+#include <QString>
+#include <stdexcept>
+
+namespace lumiscan::testing {
+
+/// An object of a test's own on a bus, at a connection of its own, which ends with it. Answers come when an
+/// event loop runs.
+class BusObject : public QDBusVirtualObject {
+ public:
+  /// No two connections of a process have the same name.
+  BusObject(const QString& address, const QString& connectionName, const QString& path,
+            QDBusConnection::VirtualObjectRegisterOption reach = QDBusConnection::SingleNode)
+      : bus_(QDBusConnection::connectToBus(address, connectionName)), path_(path) {
+    if (!bus_.registerVirtualObject(path, this, reach)) throw std::runtime_error("no object on the bus");
+  }
+  ~BusObject() override {
+    // A question that waits is refused by its connection, which must be there yet, and none may come after.
+    bus_.unregisterObject(path_);
+    QCoreApplication::removePostedEvents(this);
+    QDBusConnection::disconnectFromBus(bus_.name());
+  }
+  BusObject(const BusObject&) = delete;
+  BusObject& operator=(const BusObject&) = delete;
+
+  QDBusConnection bus() const { return bus_; }
+
+ private:
+  QString introspect(const QString&) const override { return {}; }
+
+  QDBusConnection bus_;
+  const QString path_;
+};
+
+}  // namespace lumiscan::testing
