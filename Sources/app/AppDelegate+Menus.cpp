@@ -8,7 +8,6 @@
 #include "hotkeys/HotkeyManager.h"
 #include "output/HistoryStore.h"
 #include "platform/Alert.h"
-#include "platform/UserDefaults.h"
 #include "settings/Settings.h"
 
 namespace lumiscan {
@@ -82,8 +81,7 @@ void AppDelegate::rebuildStatusMenu() {
       continue;
     }
     const auto item = menuItem(titleWithShortcut(row), row.action);
-    if (row.action == &AppDelegate::toggleAdditive &&
-        platform::UserDefaults::standard().boolForKey(Settings::additiveEnabledKey))
+    if (row.action == &AppDelegate::toggleAdditive && Settings::additiveEnabled())
       item->state = ControlState::on;
     if (!row.action) {
       rebuildHistoryMenu();

@@ -8,7 +8,6 @@
 #include "platform/Display.h"
 #include "platform/Sound.h"
 #include "platform/UTF8.h"
-#include "platform/UserDefaults.h"
 #include "recognition/BarcodeService.h"
 #include "recognition/OCRService.h"
 #include "recognition/SpeechService.h"
@@ -104,7 +103,7 @@ void AppDelegate::finishText(CaptureMode mode, LineBreaksOverride lineBreaksOver
   }
   if (!lineBreaksOverride.value_or(Settings::keepLineBreaksByDefault()))
     text = OCRService::collapseLineBreaks(text);
-  const bool additive = platform::UserDefaults::standard().boolForKey(Settings::additiveEnabledKey);
+  const bool additive = Settings::additiveEnabled();
   if (additive)
     ClipboardService::appendAdditive(text);
   else

@@ -3,7 +3,6 @@
 #include "app/AppDelegate.h"
 #include "output/ClipboardService.h"
 #include "output/HistoryStore.h"
-#include "platform/UserDefaults.h"
 #include "recognition/SpeechService.h"
 #include "settings/Settings.h"
 
@@ -12,7 +11,7 @@ namespace lumiscan {
 void AppDelegate::stopSpeaking() { SpeechService::shared().stop(); }
 
 void AppDelegate::toggleAdditive() {
-  const bool additive = !platform::UserDefaults::standard().boolForKey(Settings::additiveEnabledKey);
+  const bool additive = !Settings::additiveEnabled();
   Settings::setBool(Settings::additiveEnabledKey, additive);
   hud_->show(additive ? "Additive clipboard on" : "Additive clipboard off");
 }

@@ -52,8 +52,6 @@ class AppDelegate : public platform::ApplicationDelegate,
   /// Shows the settings window, which is kept from then on.
   void openSettings();
 
-  const ScreenCaptureController& captureController() const { return *captureController_; }
-
  private:
   void perform(HotkeyAction action);
   /// The status menu follows each change of a setting, once the event is over.

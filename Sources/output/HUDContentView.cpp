@@ -18,8 +18,10 @@ constexpr double maximumWidth = 410;
 constexpr double horizontalPadding = 14;
 constexpr double verticalPadding = 10;
 constexpr double rowSpacing = 4;
-constexpr double iconSpacing = 8;
 constexpr double iconSide = 16;
+/// Between the parts of the first row: the symbol, the title, and what room is left.
+constexpr double partSpacing = 8;
+constexpr double titleLeft = horizontalPadding + iconSide + partSpacing;
 constexpr double cornerRadius = 12;
 constexpr double borderWidth = 1;
 constexpr double borderOpacity = 0.08;
@@ -65,7 +67,7 @@ HUDContentView::HUDContentView(const std::string& title, const std::optional<std
       iconColor_(isError ? errorColor : appearance_.systemGreen()) {
   constexpr double contentWidth = maximumWidth - 2 * horizontalPadding;
   auto& typesetter = Typesetter::shared();
-  titleLines_ = typesetter.lines(title, titleFont, contentWidth - iconSide - iconSpacing);
+  titleLines_ = typesetter.lines(title, titleFont, contentWidth - iconSide - 2 * partSpacing);
   if (preview)
     preview_ = typesetter.truncatedInMiddle(asOneLine(shortened(*preview)), previewFont, contentWidth);
 }
@@ -79,7 +81,7 @@ double HUDContentView::rowHeight() const { return std::max(iconSide, titleHeight
 platform::Size HUDContentView::fittingSize() const {
   double width = 0;
   for (const std::string& line : titleLines_) width = std::max(width, widthOf(line, titleFont));
-  width += iconSide + iconSpacing;
+  width += iconSide + 2 * partSpacing;
   double height = rowHeight();
   if (!preview_.empty()) {
     width = std::max(width, widthOf(preview_, previewFont));
@@ -101,8 +103,7 @@ void HUDContentView::draw(platform::GraphicsContext& context, const platform::Re
   double lineBottom = rowBottom + (row + titleHeight()) / 2;
   for (const std::string& line : titleLines_) {
     lineBottom -= lineHeight(titleFont);
-    context.draw(line, {horizontalPadding + iconSide + iconSpacing, lineBottom},
-                 {titleFont, appearance_.labelColor()});
+    context.draw(line, {titleLeft, lineBottom}, {titleFont, appearance_.labelColor()});
   }
   if (!preview_.empty())
     context.draw(preview_, {horizontalPadding, verticalPadding},

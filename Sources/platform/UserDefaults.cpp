@@ -13,10 +13,10 @@ std::optional<T> valueOfType(const std::optional<DefaultsValue>& stored) {
 
 }  // namespace
 
-bool UserDefaults::boolForKey(std::string_view key) const {
+bool UserDefaults::boolForKey(std::string_view key, bool otherwise) const {
   const auto stored = object(key);
   if (const auto number = valueOfType<double>(stored)) return *number != 0;
-  return valueOfType<bool>(stored).value_or(false);
+  return valueOfType<bool>(stored).value_or(otherwise);
 }
 
 std::optional<std::string> UserDefaults::stringForKey(std::string_view key) const {

@@ -33,8 +33,9 @@ class UserDefaults {
   /// Removing what isn't there is no error.
   virtual void removeObject(std::string_view key) = 0;
 
-  /// The stored Boolean, or whether a stored number is other than 0; false for anything else.
-  bool boolForKey(std::string_view key) const;
+  /// The stored Boolean, or whether a stored number is other than 0; `otherwise` where anything else or
+  /// nothing is stored.
+  bool boolForKey(std::string_view key, bool otherwise = false) const;
   /// The stored value if it is of that very type, else nothing.
   std::optional<std::string> stringForKey(std::string_view key) const;
   std::optional<std::vector<std::string>> stringArrayForKey(std::string_view key) const;

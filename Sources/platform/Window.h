@@ -54,9 +54,8 @@ class WindowPeer {
 /// it, which hides it; its content is a `HostingView`, and its size is fixed, but that the desktop makes it
 /// no higher than the screen. In points; `frame` is in the global screen space (origin at the bottom left of
 /// the primary screen, y upwards), window coordinates have their origin at the window's bottom left, y
-/// upwards. Main thread only. Windows are shared
-/// (`std::make_shared`): whoever hands an event to a window keeps it alive until the event is handled, so a
-/// window may be dropped by its own handlers.
+/// upwards. Main thread only. Windows are shared (`std::make_shared`): whoever hands an event to a window
+/// keeps it alive until the event is handled, so a window may be dropped by its own handlers.
 class Window : public std::enable_shared_from_this<Window> {
  public:
   /// `styleMask` is a set of `WindowStyle`. Nothing shows until the window is ordered front.

@@ -5,21 +5,12 @@
 
 namespace lumiscan::Settings {
 
-namespace {
-
-bool boolDefaultingToTrue(std::string_view key) {
-  const auto stored = platform::UserDefaults::standard().object(key);
-  if (!stored) return true;
-  if (const bool* value = std::get_if<bool>(&*stored)) return *value;
-  if (const double* number = std::get_if<double>(&*stored)) return *number != 0;
-  return true;
+bool playSound() { return platform::UserDefaults::standard().boolForKey(playSoundKey, true); }
+bool showHUD() { return platform::UserDefaults::standard().boolForKey(showHUDKey, true); }
+bool keepLineBreaksByDefault() {
+  return platform::UserDefaults::standard().boolForKey(keepLineBreaksByDefaultKey, true);
 }
-
-}  // namespace
-
-bool playSound() { return boolDefaultingToTrue(playSoundKey); }
-bool showHUD() { return boolDefaultingToTrue(showHUDKey); }
-bool keepLineBreaksByDefault() { return boolDefaultingToTrue(keepLineBreaksByDefaultKey); }
+bool additiveEnabled() { return platform::UserDefaults::standard().boolForKey(additiveEnabledKey); }
 
 std::vector<std::string> recognitionLanguages() {
   auto stored = platform::UserDefaults::standard().stringArrayForKey(recognitionLanguagesKey);

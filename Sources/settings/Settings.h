@@ -26,6 +26,7 @@ inline constexpr std::string_view recognitionLanguagesKey = "recognitionLanguage
 bool playSound();                ///< Default true.
 bool showHUD();                  ///< Default true.
 bool keepLineBreaksByDefault();  ///< Default true.
+bool additiveEnabled();          ///< Default false.
 
 /// Language identifiers in order of preference; never empty: "en-US" alone by default.
 std::vector<std::string> recognitionLanguages();

@@ -7,7 +7,6 @@
 #include "output/HistoryStore.h"
 #include "platform/LoginItem.h"
 #include "platform/TextRecognizer.h"
-#include "platform/UserDefaults.h"
 #include "settings/HotkeyRecorderView.h"
 #include "settings/Settings.h"
 
@@ -43,7 +42,7 @@ SettingsView::SettingsView()
       keepLineBreaks_(Settings::keepLineBreaksByDefault()),
       playSound_(Settings::playSound()),
       showHUD_(Settings::showHUD()),
-      additiveEnabled_(platform::UserDefaults::standard().boolForKey(Settings::additiveEnabledKey)),
+      additiveEnabled_(Settings::additiveEnabled()),
       languages_(withoutDuplicates(Settings::recognitionLanguages())) {
   auto& center = platform::NotificationCenter::defaultCenter();
   observations_.push_back(center.addObserver(settingsChanged, [this] { settingsDidChange(); }));

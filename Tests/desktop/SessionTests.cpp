@@ -21,7 +21,6 @@ namespace {
 
 class SessionTest : public ::testing::TestWithParam<const char*>, protected LinuxFixture {
  protected:
-  /// `scales` as QT_SCREEN_SCALE_FACTORS takes them.
   static bool isComposited() { return GetParam() == std::string("Compositor"); }
   void SetUp() override {
     screen().attachTwoMonitors();

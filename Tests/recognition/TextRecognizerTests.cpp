@@ -16,6 +16,7 @@
 
 #include "Pictures.h"
 #include "platform/linux/drawing/BitmapContext.h"
+#include "platform/linux/recognition/Engine.h"
 #include "platform/linux/recognition/ImagePreparation.h"
 #include "platform/linux/recognition/LanguageData.h"
 #include "support/TemporaryFolder.h"
@@ -300,6 +301,12 @@ TEST_F(DamagedData, IsAnErrorAndNoCrash) {
   fs::create_symlink("/proc/self/mem", folder_ / "eng.traineddata");
   TesseractRecognizer recognizer({{}, {}, folder_});
   EXPECT_THAT(linesOf(recognizer, pictureOf(paragraph)), ElementsAre(HasSubstr("error: ")));
+}
+
+TEST_F(DamagedData, TheEnginesOwnMessagesGoNowhere) {
+  ::testing::internal::CaptureStderr();
+  EXPECT_FALSE(Engine::load({{"missing"}}, folder_).ok());
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
 }
 
 TEST_F(DamagedData, MissingLanguagesAreLoggedOnceAndTheOthersUsed) {

@@ -166,13 +166,8 @@ TEST_F(OutcomeTest, TheAdditiveClipboardIsSwitchedContinuedAndCleared) {
   EXPECT_EQ(ClipboardService::appendAdditive(""), "");
   EXPECT_EQ(ClipboardService::appendAdditive("new"), "new");
 
-  // What isn't a string is no buffer, what is no Boolean or number doesn't switch anything on.
   desktop.userDefaults().setObject("additiveClipboardBuffer", platform::Data{"bytes"});
-  EXPECT_EQ(ClipboardService::appendAdditive("x"), "x");
-  desktop.userDefaults().setObject("additiveEnabled", std::string("true"));
-  desktop.effects().take();
-  delegate->toggleAdditive();
-  EXPECT_EQ(results().back(), "show checkmark.circle.fill Additive clipboard on");
+  EXPECT_EQ(ClipboardService::appendAdditive("x"), "x") << "what isn't a string is no buffer";
 }
 
 TEST_F(OutcomeTest, HistoryEntriesAreCopiedAgainWhateverTheMode) {

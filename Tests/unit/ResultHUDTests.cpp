@@ -31,15 +31,16 @@ TEST_F(ResultHUDTest, ThePanelFloatsUnfocusedWhereTheMouseIs) {
     std::optional<std::string> preview;
     Rect frame;
   };
-  // Characters are 6 points wide, lines 14 high; 16 by 16 is the symbol, 28 and 20 the padding.
+  // Characters are 6 points wide, lines 14 high; 16 by 16 is the symbol, 8 the room on either side of the
+  // title, 28 and 20 the padding.
   const std::string fifty(50, 'x');
   const Case cases[] = {
       {{10, 10}, "Copied", std::nullopt, {{600, 852}, {240, 36}}},
       {{10, 10}, "Copied", "", {{600, 852}, {240, 36}}},
       {{10, 10}, "Copied", fifty, {{556, 834}, {328, 54}}},
       {{10, 10}, "Copied", std::string(500, 'x'), {{517, 834}, {406, 54}}},
-      {{10, 10}, fifty, std::nullopt, {{544, 852}, {352, 36}}},
-      {{10, 10}, fifty + fifty, std::nullopt, {{517, 840}, {406, 48}}},
+      {{10, 10}, fifty, std::nullopt, {{540, 852}, {360, 36}}},
+      {{10, 10}, fifty + fifty, std::nullopt, {{516, 840}, {408, 48}}},
       {{1440, 0}, "Copied", std::nullopt, {{1820, 652}, {240, 36}}},
       {{1500, 700}, "Copied", std::nullopt, {{600, 852}, {240, 36}}},
   };

@@ -22,19 +22,27 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-TEST(Settings, BooleansDefaultToTrueUnlessABooleanOrANumberIsStored) {
+TEST(Settings, BooleansHaveTheirDefaultsUnlessABooleanOrANumberIsStored) {
   testing::SimulatedDesktop desktop;
-  const std::pair<platform::DefaultsValue, bool> cases[] = {{false, false},
-                                                            {true, true},
-                                                            {0.0, false},
-                                                            {2.0, true},
-                                                            {std::string("false"), true},
-                                                            {std::vector<std::string>{}, true},
-                                                            {platform::Data{}, true}};
-  for (const auto& [key, get] : {std::pair{"playSound", &Settings::playSound},
-                                 {"showHUD", &Settings::showHUD},
-                                 {"keepLineBreaksByDefault", &Settings::keepLineBreaksByDefault}}) {
-    EXPECT_TRUE(get()) << key;
+  struct Setting {
+    const char* key;
+    bool (*get)();
+    bool byDefault;
+  };
+  for (const auto& [key, get, byDefault] :
+       {Setting{"playSound", &Settings::playSound, true},
+        {"showHUD", &Settings::showHUD, true},
+        {"keepLineBreaksByDefault", &Settings::keepLineBreaksByDefault, true},
+        {"additiveEnabled", &Settings::additiveEnabled, false}}) {
+    EXPECT_EQ(get(), byDefault) << key;
+    const std::pair<platform::DefaultsValue, bool> cases[] = {{false, false},
+                                                              {true, true},
+                                                              {0.0, false},
+                                                              {2.0, true},
+                                                              {std::string("false"), byDefault},
+                                                              {std::string("true"), byDefault},
+                                                              {std::vector<std::string>{}, byDefault},
+                                                              {platform::Data{}, byDefault}};
     for (const auto& [stored, value] : cases) {
       desktop.userDefaults().setObject(key, stored);
       EXPECT_EQ(get(), value) << key << " holding type " << stored.index();

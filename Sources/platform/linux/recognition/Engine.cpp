@@ -125,9 +125,9 @@ platform::Result<std::shared_ptr<Engine>> Engine::load(const EngineKey& key,
   const SingleThreaded single;
   std::string languages;
   for (const std::string& name : key.names) languages += (languages.empty() ? "" : "+") + name;
-  // Its own messages would go to standard error. Light text on dark is turned over before it sees it.
-  std::vector<const char*> variables{"debug_file", "tessedit_do_invert"};
-  std::vector<const char*> values{"/dev/null", "0"};
+  // Light text on dark is turned over before it sees it.
+  std::vector<const char*> variables{"tessedit_do_invert"};
+  std::vector<const char*> values{"0"};
   if (!key.dictionaries)
     for (const char* name : {"load_system_dawg", "load_freq_dawg"}) {
       variables.push_back(name);

@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 
+#include <memory>
 #include <mutex>
 
 namespace lumiscan::desktop {
@@ -27,6 +28,7 @@ bool TesseractLibrary::load() {
   };
   find(create, "TessBaseAPICreate");
   find(destroy, "TessBaseAPIDelete");
+  find(setVariable, "TessBaseAPISetVariable");
   find(init, "TessBaseAPIInit4");
   find(setPageSegMode, "TessBaseAPISetPageSegMode");
   find(setImage, "TessBaseAPISetImage2");
@@ -41,7 +43,13 @@ bool TesseractLibrary::load() {
   find(boundingBox, "TessPageIteratorBoundingBox");
   find(isAtFinalElement, "TessPageIteratorIsAtFinalElement");
   find(deleteText, "TessDeleteText");
+  if (complete) sendMessagesNowhere();
   return complete;
+}
+
+void TesseractLibrary::sendMessagesNowhere() const {
+  const std::unique_ptr<TessBaseAPI, decltype(destroy)> any(create(), destroy);
+  setVariable(any.get(), "debug_file", "/dev/null");
 }
 
 }  // namespace lumiscan::desktop

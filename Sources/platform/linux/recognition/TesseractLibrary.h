@@ -12,6 +12,7 @@ struct TesseractLibrary {
 
   decltype(&TessBaseAPICreate) create = nullptr;
   decltype(&TessBaseAPIDelete) destroy = nullptr;
+  decltype(&TessBaseAPISetVariable) setVariable = nullptr;
   decltype(&TessBaseAPIInit4) init = nullptr;
   decltype(&TessBaseAPISetPageSegMode) setPageSegMode = nullptr;
   decltype(&TessBaseAPISetImage2) setImage = nullptr;
@@ -30,6 +31,9 @@ struct TesseractLibrary {
  private:
   /// Whether all functions are there.
   bool load();
+  /// They would go to standard error. Where they go is one variable for all engines, so it is set before
+  /// there are any, which read it on their threads.
+  void sendMessagesNowhere() const;
 };
 
 }  // namespace lumiscan::desktop
