@@ -9,8 +9,9 @@
 namespace lumiscan::desktop {
 
 /// Reads a line of nothing but marks of one kind: the quotation marks that open and close a longer text, the
-/// semicolons that end a case, colons, the hyphens of a rule. Without a letter beside them the engine takes
-/// them for letters. Nothing where there is anything else. Boxes in pixels of the image.
+/// semicolons that end a case, colons, the hyphens of a rule, in code also the signs around comments and
+/// blocks. Without a letter beside them the engine takes them for letters. Nothing where there is anything
+/// else. Boxes in pixels of the image.
 std::vector<Symbol> readLoneMarks(const std::vector<Glyph>& glyphs, const GreyBitmap& ink,
                                   const TextLine& line);
 

@@ -117,14 +117,16 @@ void correctStroke(Symbol& symbol, const Classification& shape, const Neighbours
   }
 }
 
-/// A zero is an O amid letters, or behind capitals, unless it is more like a zero than an O ever is: with a
-/// dot or a stroke.
-void correctZero(Symbol& symbol, const Classification& shape, const Neighbours& beside,
-                 std::size_t capitalsBefore) {
+/// A zero is an O amid capitals, unless it is more like a zero than an O ever is, with a dot or a stroke, or
+/// the capitals are hexadecimal digits.
+void correctZero(Symbol& symbol, const Classification& shape, const Neighbours& beside) {
   constexpr float surelyZero = 0.9F;
   if (symbol.text != "0" || shape.of(U'0') >= surelyZero || shape.of(U'O') < 0.2F) return;
-  const bool isAmid = isLetter(beside.before) && isLetter(beside.after);
-  if (isAmid || (capitalsBefore >= 2 && !isDigit(beside.after))) symbol.text.assign(1, 'O');
+  const auto isCapital = [](char32_t c) { return u_isupper(static_cast<UChar32>(c)); };
+  const auto isHexadecimal = [](char32_t c) { return c >= U'A' && c <= U'F'; };
+  if (isCapital(beside.before) && isCapital(beside.after) &&
+      !(isHexadecimal(beside.before) && isHexadecimal(beside.after)))
+    symbol.text.assign(1, 'O');
 }
 
 /// Shares the ink of a cluster among symbols that touch.
@@ -280,9 +282,8 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
           (shape.bestProbability() < 0.999F || shape.of(onlyCodePoint(first.text)) > 1e-4F);
       if (!isBlurred && (first.confidence < mild || isOther || isSteady(m)))
         correctSymbol(first, shape, beside);
-      const std::size_t capitalsBefore = first.spaceBefore ? 0 : capitalsAtEnd(corrected);
-      correctStroke(first, shape, beside, capitalsBefore, shapes.line());
-      correctZero(first, shape, beside, capitalsBefore);
+      correctStroke(first, shape, beside, first.spaceBefore ? 0 : capitalsAtEnd(corrected), shapes.line());
+      correctZero(first, shape, beside);
     }
     first.isLikely =
         first.hasOwnInk && isLikely(first, shapes.classification(match.firstCluster, match.clusterCount));

@@ -78,11 +78,12 @@ int widestAround(const std::vector<Pair>& pairs, const Pair& pair) {
   constexpr std::ptrdiff_t reach = 4;
   const std::ptrdiff_t at = &pair - pairs.data();
   const auto size = static_cast<std::ptrdiff_t>(pairs.size());
-  std::vector<int> gaps;
-  for (std::ptrdiff_t i = std::max<std::ptrdiff_t>(0, at - reach); i <= std::min(size - 1, at + reach); ++i)
-    if (i != at && !pairs[static_cast<std::size_t>(i)].right->spaceBefore)
-      gaps.push_back(pairs[static_cast<std::size_t>(i)].gap());
-  return gaps.empty() ? 0 : std::max(0, *std::max_element(gaps.begin(), gaps.end()));
+  int widest = 0;
+  for (std::ptrdiff_t i = std::max<std::ptrdiff_t>(0, at - reach); i <= std::min(size - 1, at + reach); ++i) {
+    const Pair& other = pairs[static_cast<std::size_t>(i)];
+    if (i != at && !other.right->spaceBefore) widest = std::max(widest, other.gap());
+  }
+  return widest;
 }
 
 /// A gap as wide as most of a space is one whatever was read; one that is far narrower is none. A space that
@@ -118,12 +119,12 @@ bool isNarrow(const Symbol& symbol) {
 class FixedWidthRun {
  public:
   /// Of the pairs on both sides of one that fit the usual distance around it.
-  FixedWidthRun(const std::vector<Pair>& pairs, std::size_t at) : pairs_(pairs), first_(at), last_(at) {
+  FixedWidthRun(const std::vector<Pair>& pairs, std::size_t at)
+      : pairs_(pairs), at_(at), first_(at), last_(at) {
     std::vector<int> distances;  // Twice as long, to be whole numbers.
     for (std::size_t i = at < 2 ? 0 : at - 2; i < std::min(pairs.size(), at + 3); ++i)
       distances.push_back(static_cast<int>(2 * pairs[i].distance()));
     pitch_ = levelAt(std::move(distances), 0.5) / 2.0;
-    isOne_ = fits(at);
     while (first_ > 0 && fits(first_ - 1)) --first_;
     while (last_ + 1 < pairs.size() && fits(last_ + 1)) ++last_;
   }
@@ -136,7 +137,7 @@ class FixedWidthRun {
     int letters = 0;
     for (std::size_t i = first_; i <= last_; ++i)
       letters += isWordCharacter(*pairs_[i].left) && isWordCharacter(*pairs_[i].right);
-    return isOne_ && letters >= fewest && pitch_ >= least && (first_ == 0 || isAtEdge(first_ - 1)) &&
+    return fits(at_) && letters >= fewest && pitch_ >= least && (first_ == 0 || isAtEdge(first_ - 1)) &&
            (last_ + 1 == pairs_.size() || isAtEdge(last_ + 1));
   }
   bool has(std::size_t pair) const { return pair >= first_ && pair <= last_; }
@@ -157,8 +158,7 @@ class FixedWidthRun {
 
   const std::vector<Pair>& pairs_;
   double pitch_ = 0;
-  bool isOne_ = false;
-  std::size_t first_, last_;
+  std::size_t at_, first_, last_;
 };
 
 /// In code amid text narrow characters have wide gaps on both sides, which are no spaces.

@@ -41,8 +41,11 @@ bool eraseUnderlines(GreyBitmap& ink, const std::vector<Glyph>& glyphs, int usua
   const auto isInkAt = [&](int x, int y) { return ink.contains(x, y) && ink.at(x, y) >= threshold; };
   bool erased = false;
   for (const Glyph& glyph : glyphs) {
-    // No letter has a stroke so wide, and underscores stand alone.
-    if (2 * glyph.width() < 5 * usual || glyph.height() <= std::max(2, usual / 4)) continue;
+    // No letter has a stroke so wide, underscores stand alone, and what is far higher is a frame or a
+    // picture.
+    if (2 * glyph.width() < 5 * usual || glyph.height() <= std::max(2, usual / 4) ||
+        glyph.height() > 5 * usual)
+      continue;
     const std::optional<Rows> stroke = underlineOf(ink, glyph, usual, threshold);
     if (!stroke) continue;
     for (int x = glyph.box.left; x <= glyph.box.right; ++x) {
