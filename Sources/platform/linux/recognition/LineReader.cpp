@@ -162,22 +162,25 @@ std::vector<std::string> readLines(EngineCrew& crew, const std::vector<std::vect
     if (!draft.isWide) spaced.push_back({&draft.symbols, draft.line});
   correctSpaces(spaced);
   std::vector<ReadLine> read;
+  std::vector<QuotedLine> quoted;
   for (LineDraft& draft : drafts) {
-    const TextLine& line = *draft.line;
-    ReadLine result{{},
+    read.push_back({{},
                     draft.confidence,
                     meanConfidence(draft.symbols),
-                    line.letterHeight,
+                    draft.line->letterHeight,
                     draft.symbols.size(),
                     likelyCount(draft.symbols),
-                    draft.pieces};
-    insertUnderscores(draft.symbols, draft.underscores, draft.letters, line);
-    correctQuotes(draft.symbols, draft.letters, ink, line);
-    correctDashes(draft.symbols, ink, line);
-    correctNumbers(draft.symbols);
-    if (draft.isWide) correctWideText(draft.symbols);
-    result.text = join(draft.symbols);
-    read.push_back(std::move(result));
+                    draft.pieces});
+    insertUnderscores(draft.symbols, draft.underscores, draft.letters, *draft.line);
+    if (!draft.isWide) quoted.push_back({&draft.symbols, &draft.letters, draft.line});
+  }
+  correctQuotes(quoted, ink);
+  for (std::size_t i = 0; i < drafts.size(); ++i) {
+    std::vector<Symbol>& symbols = drafts[i].symbols;
+    correctDashes(symbols, ink, *drafts[i].line);
+    correctNumbers(symbols);
+    if (drafts[i].isWide) correctWideText(symbols);
+    read[i].text = join(symbols);
   }
   dropImplausible(read);
   std::vector<std::string> texts;

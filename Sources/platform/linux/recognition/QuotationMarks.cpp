@@ -2,14 +2,17 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 
-#include "platform/linux/recognition/Clusters.h"
+#include "platform/linux/recognition/Curliness.h"
 #include "platform/linux/recognition/LineShapes.h"
 #include "platform/linux/recognition/QuotationPairs.h"
 #include "platform/linux/recognition/QuotationShapes.h"
+#include "platform/linux/recognition/QuotationStrokes.h"
 #include "platform/linux/recognition/Strokes.h"
 
 namespace lumiscan::desktop {
@@ -30,82 +33,9 @@ bool isElision(const std::vector<Symbol>& symbols, std::size_t apostrophe) {
          (before > 0 && startsWord(before - 1) && is(before - 1, "qQ") && is(before, "uU"));
 }
 
-/// An apostrophe or quotation mark at the height of capitals.
-struct QuoteMark {
-  PixelBox box;
-  int strokes;  // 1 or 2.
-  bool straight;
-  double lean;  // See `Halves`.
-};
-
-std::vector<QuoteMark> quoteMarks(const std::vector<Glyph>& glyphs, const GreyBitmap& ink,
-                                  const TextLine& line) {
-  std::vector<QuoteMark> marks;
-  const auto add = [&](const PixelBox& stroke) {
-    const bool second = !marks.empty() && marks.back().strokes == 1 &&
-                        2 * (stroke.left - marks.back().box.right) <= line.letterHeight;
-    if (second) {
-      QuoteMark& mark = marks.back();
-      mark.strokes = 2;
-      mark.box.right = stroke.right;
-      mark.box.top = std::min(mark.box.top, stroke.top);
-      mark.box.bottom = std::max(mark.box.bottom, stroke.bottom);
-      // Of few pixels, one stroke alone may seem to lean.
-      mark.straight = isStraight(mark.box, ink);
-      mark.lean = halvesOf(mark.box, ink).lean;
-    } else {
-      marks.push_back({stroke, 1, isStraight(stroke, ink), halvesOf(stroke, ink).lean});
-    }
-  };
-  for (const Glyph& glyph : glyphs) {
-    const bool high = glyph.box.bottom < line.baseline - line.letterHeight / 2;
-    if (!high || glyph.height() < 3) continue;
-    // Dots and accents have their letter below them.
-    const bool overLetter = std::any_of(glyphs.begin(), glyphs.end(), [&](const Glyph& other) {
-      return other.box.top > glyph.box.bottom && other.box.left <= glyph.box.right &&
-             other.box.right >= glyph.box.left && !isBeneathQuotationMark(other, glyph);
-    });
-    if (overLetter) continue;
-    if (isSlender(glyph.box)) {
-      if (2 * glyph.width() <= line.letterHeight) add(glyph.box);
-      continue;
-    }
-    // The strokes of a straight double mark may touch.
-    const std::vector<PixelBox> strokes = strokesAlong(ink, glyph.box);
-    const bool areTwo =
-        strokes.size() == 2 && std::all_of(strokes.begin(), strokes.end(), [&](const PixelBox& stroke) {
-          return isSlender(stroke) && isStraight(stroke, ink);
-        });
-    if (areTwo) std::for_each(strokes.begin(), strokes.end(), add);
-  }
-  return marks;
-}
-
 constexpr double leastLean = 0.03;  // Most straight marks stand within it, at the size of a few pixels too.
 
 bool leans(const QuoteMark& mark) { return std::abs(mark.lean) >= leastLean; }
-
-/// How likely an apostrophe is to be curly, as the logarithm of the odds: by its shape, by what the engine
-/// read and by its lean. None of them alone tells at the size of a few pixels.
-double curliness(const QuoteMark& mark, const Symbol& symbol, LineShapes shapes) {
-  constexpr double engineTells = 1.5;
-  constexpr double straightLean = 0.05;  // Straight ones lean so far at most,
-  constexpr double mostLean = 0.25;      // more than this tells no more.
-  constexpr double leanTells = 30;
-  double odds = isCurlySingle(symbol) ? engineTells : -engineTells;
-  odds += leanTells * std::clamp(-mark.lean - straightLean, 0.0, mostLean - straightLean);
-  if (mark.box.width() < 3) odds -= 1;  // Pixels; hardly room for a tail,
-  const int height = mark.box.bottom - mark.box.top + 1;
-  if (height < 5 && mark.lean > -leastLean) odds -= 3;  // none to see here.
-  for (std::size_t i = 0; i < shapes.clusters().size(); ++i) {
-    const PixelBox box = shapes.box(i);
-    if (box.left != mark.box.left || box.right != mark.box.right) continue;
-    constexpr double least = 0.02;
-    const Classification& shape = shapes.classification(i);
-    odds += std::log((shape.of(U'’') + least) / (shape.of(U'\'') + least));
-  }
-  return odds;
-}
 
 /// Whether a stroke belongs to the same mark as the one before: they share a place or, where characters have
 /// widths of their own, stand closer than marks do.
@@ -127,17 +57,85 @@ void makeDouble(Symbol& symbol) {
     }
 }
 
-/// Of a double mark, whose symbol is at `place`, each stroke may have been read as a mark of its own.
+/// Of a double mark, whose symbol is at `place`, each stroke may have been read as a mark of its own, which
+/// is left without text.
 void dropOtherStroke(std::vector<Symbol>& symbols, std::size_t place, const PixelBox& mark) {
   const auto isOtherStroke = [&](std::size_t i) {
     return i < symbols.size() && isQuote(symbols[i].text) && symbols[i].box.left >= mark.left &&
            symbols[i].box.right <= mark.right;
   };
   if (isOtherStroke(place + 1)) {
-    symbols.erase(symbols.begin() + static_cast<std::ptrdiff_t>(place) + 1);
+    symbols[place + 1].text.clear();
   } else if (place > 0 && isOtherStroke(place - 1)) {
     symbols[place].spaceBefore = symbols[place - 1].spaceBefore;
-    symbols.erase(symbols.begin() + static_cast<std::ptrdiff_t>(place) - 1);
+    symbols[place - 1].text.clear();
+  }
+}
+
+/// A mark and the place of the symbol that it was read as.
+struct FoundMark {
+  QuoteMark ink;
+  std::size_t place;
+};
+
+std::vector<FoundMark> findMarks(const QuotedLine& line, const GreyBitmap& ink) {
+  const std::vector<Symbol>& symbols = *line.symbols;
+  std::vector<FoundMark> found;
+  for (const QuoteMark& mark : quoteMarks(*line.glyphs, ink, *line.line)) {
+    const auto distance = [&](const Symbol& symbol) {
+      return std::abs(middleOf(symbol.box) - middleOf(mark.box));
+    };
+    std::optional<std::size_t> nearest;
+    for (std::size_t i = 0; i < symbols.size(); ++i)
+      if (isQuote(symbols[i].text) && (!nearest || distance(symbols[i]) < distance(symbols[*nearest])))
+        nearest = i;
+    if (nearest && distance(symbols[*nearest]) <= line.line->letterHeight) found.push_back({mark, *nearest});
+  }
+  return found;
+}
+
+/// The sum over a line's double marks and apostrophes. Marks in cells aren't looked at: that is code.
+double curlinessOf(const QuotedLine& line, const std::vector<FoundMark>& marks, const GreyBitmap& ink) {
+  const std::vector<Symbol>& symbols = *line.symbols;
+  std::optional<LineShapes> shapes;
+  std::vector<bool> isFound(symbols.size(), false);
+  double sum = 0;
+  for (const FoundMark& mark : marks) {
+    if (line.line->cells || (mark.ink.strokes == 1 && !isWithinWord(symbols, mark.place))) continue;
+    isFound[mark.place] = true;
+    if (!shapes) shapes.emplace(ink, *line.line, *line.glyphs);
+    sum += curliness(mark.ink, symbols[mark.place], opens(symbols, mark.place), *shapes);
+  }
+  for (std::size_t i = 0; i < symbols.size(); ++i)
+    if (isDouble(symbols[i]) && !isFound[i]) sum += curlinessAsRead(symbols[i]);
+  return sum;
+}
+
+/// Makes a mark one of as many strokes as its ink has, and straight where that is clear.
+void correctStrokes(const FoundMark& mark, const QuotedLine& line) {
+  std::vector<Symbol>& symbols = *line.symbols;
+  Symbol& symbol = symbols[mark.place];
+  const bool isSingle = mark.ink.strokes == 1;
+  if (isSingle && !line.line->cells && isWithinWord(symbols, mark.place))
+    symbol.text = std::string(!mark.ink.straight && isElision(symbols, mark.place) ? "’" : "'");
+  else if (mark.ink.straight && (isSingle || line.line->cells) && !(isCurlySingle(symbol) && leans(mark.ink)))
+    symbol.text.assign(1, isSingle ? '\'' : '"');
+  else if (!isSingle)
+    makeDouble(symbol);
+  if (!isSingle) dropOtherStroke(symbols, mark.place, mark.ink.box);
+}
+
+/// Makes all double marks and apostrophes of a line curly, each double one facing what it surrounds, or all
+/// double ones straight.
+void makeAlike(std::vector<Symbol>& symbols, bool curly) {
+  // Where „ opens, “ closes.
+  const bool isGerman =
+      std::any_of(symbols.begin(), symbols.end(), [](const Symbol& symbol) { return symbol.text == "„"; });
+  for (std::size_t i = 0; i < symbols.size(); ++i) {
+    if (isDouble(symbols[i]) && !isGerman)
+      symbols[i].text = std::string(!curly ? "\"" : opens(symbols, i) ? "“" : "”");
+    else if (curly && symbols[i].text == "'" && isWithinWord(symbols, i))
+      symbols[i].text = std::string("’");
   }
 }
 
@@ -169,32 +167,22 @@ std::vector<Symbol> readQuotationMarks(const std::vector<Glyph>& glyphs, const G
   return symbols;
 }
 
-void correctQuotes(std::vector<Symbol>& symbols, const std::vector<Glyph>& glyphs, const GreyBitmap& ink,
-                   const TextLine& line) {
-  for (const QuoteMark& mark : quoteMarks(glyphs, ink, line)) {
-    Symbol* nearest = nullptr;
-    const auto distance = [&](const Symbol& symbol) {
-      return std::abs(middleOf(symbol.box) - middleOf(mark.box));
-    };
-    for (Symbol& symbol : symbols)
-      if (isQuote(symbol.text) && (!nearest || distance(symbol) < distance(*nearest))) nearest = &symbol;
-    if (!nearest || distance(*nearest) > line.letterHeight) continue;
-    const auto place = static_cast<std::size_t>(nearest - symbols.data());
-    // What is set in cells is code, which has straight ones.
-    const bool isApostrophe = mark.strokes == 1 && !line.cells && isWithinWord(symbols, place);
-    const bool isCurly =
-        isApostrophe && (curliness(mark, *nearest, {ink, line, glyphs}) > 0 ||
-                         (!mark.straight && (nearest->text == "‘" || isElision(symbols, place))));
-    // Within a word there are no opening marks.
-    if (isApostrophe) nearest->text = std::string(isCurly ? "’" : "'");
-    // The engine tells straight double ones from curly ones.
-    else if (mark.straight && (mark.strokes == 1 || line.cells) && !(isCurlySingle(*nearest) && leans(mark)))
-      nearest->text = std::string(1, mark.strokes == 1 ? '\'' : '"');
-    else if (mark.strokes == 2)
-      makeDouble(*nearest);
-    if (mark.strokes == 2) dropOtherStroke(symbols, place, mark.box);
+void correctQuotes(const std::vector<QuotedLine>& lines, const GreyBitmap& ink) {
+  std::vector<std::vector<FoundMark>> marks;
+  std::vector<double> curliness;
+  for (const QuotedLine& line : lines) {
+    marks.push_back(findMarks(line, ink));
+    curliness.push_back(curlinessOf(line, marks.back(), ink));
   }
-  matchQuotes(symbols, ink);
+  const double all = std::accumulate(curliness.begin(), curliness.end(), 0.0);
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    std::vector<Symbol>& symbols = *lines[i].symbols;
+    for (const FoundMark& mark : marks[i]) correctStrokes(mark, lines[i]);
+    std::erase_if(symbols, [](const Symbol& symbol) { return symbol.text.empty(); });
+    matchQuotes(symbols, ink);
+    const double others = lines[i].line->cells ? 0 : all - curliness[i];
+    makeAlike(symbols, areCurly(curliness[i], others));
+  }
 }
 
 }  // namespace lumiscan::desktop

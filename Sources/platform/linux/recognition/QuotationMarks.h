@@ -12,9 +12,15 @@ namespace lumiscan::desktop {
 std::vector<Symbol> readQuotationMarks(const std::vector<Glyph>& glyphs, const GreyBitmap& ink,
                                        const TextLine& line);
 
+/// A line whose marks are to be corrected. Owns nothing.
+struct QuotedLine {
+  std::vector<Symbol>* symbols;
+  const std::vector<Glyph>* glyphs;
+  const TextLine* line;
+};
+
 /// Makes apostrophes and quotation marks straight or curly, and one or two strokes, where their ink is: the
-/// models prefer what is usual in books.
-void correctQuotes(std::vector<Symbol>& symbols, const std::vector<Glyph>& glyphs, const GreyBitmap& ink,
-                   const TextLine& line);
+/// models prefer what is usual in books. The lines are those of a page, whose marks mostly are of one kind.
+void correctQuotes(const std::vector<QuotedLine>& lines, const GreyBitmap& ink);
 
 }  // namespace lumiscan::desktop

@@ -33,16 +33,6 @@ std::string_view twinMarks(const Symbol& opening, const Symbol& closing, const G
   return lean > 0.15 ? "`" : std::abs(lean) < 0.1 ? "'" : std::string_view();
 }
 
-/// Whether a mark stands before what it surrounds.
-bool opens(const std::vector<Symbol>& symbols, std::size_t i) {
-  return i == 0 || symbols[i].spaceBefore ||
-         std::string_view("([{<").find(symbols[i - 1].text) != std::string_view::npos;
-}
-
-bool isDouble(const Symbol& symbol) {
-  return symbol.text == "\"" || symbol.text == "“" || symbol.text == "”";
-}
-
 /// Makes a single mark double that faces a double one: one of its strokes touches the letter beside it.
 void matchDoubles(std::vector<Symbol>& symbols) {
   const auto isMark = [&](std::size_t i) {
@@ -61,27 +51,6 @@ void matchDoubles(std::vector<Symbol>& symbols) {
       symbols[i].text = std::string(symbols[next].text == "\"" ? "\"" : "“");
     else if (symbols[i].text == "“" && !isDouble(symbols[next]) && isLast)
       symbols[next].text = std::string("”");
-  }
-}
-
-/// Makes all double marks straight or curly, as most of them are, and each curly one face what it surrounds.
-/// Whoever sets curly ones sets curly apostrophes.
-void agreeOnDoubles(std::vector<Symbol>& symbols) {
-  const auto isStraight = [](const Symbol& symbol) { return symbol.text == "\""; };
-  const auto all = std::count_if(symbols.begin(), symbols.end(), isDouble);
-  const auto straight = std::count_if(symbols.begin(), symbols.end(), isStraight);
-  const bool areCurly = 2 * straight < all;
-  // Where „ opens, “ closes.
-  const bool isGerman =
-      std::any_of(symbols.begin(), symbols.end(), [](const Symbol& symbol) { return symbol.text == "„"; });
-  for (std::size_t i = 0; i < symbols.size(); ++i) {
-    Symbol& symbol = symbols[i];
-    if (isDouble(symbol) && !areCurly)
-      symbol.text.assign(1, '"');
-    else if (isDouble(symbol) && (isStraight(symbol) || (!isGerman && !opens(symbols, i))))
-      symbol.text = std::string(opens(symbols, i) ? "“" : "”");
-    else if (areCurly && symbol.text == "'" && isWithinWord(symbols, i))
-      symbol.text = std::string("’");
   }
 }
 
@@ -129,6 +98,10 @@ bool isQuote(std::string_view character) {
 
 bool isCurlySingle(const Symbol& symbol) { return symbol.text == "‘" || symbol.text == "’"; }
 
+bool isDouble(const Symbol& symbol) {
+  return symbol.text == "\"" || symbol.text == "“" || symbol.text == "”";
+}
+
 bool isWithinWord(const std::vector<Symbol>& symbols, std::size_t i) {
   const auto isLetter = [](const Symbol& symbol) {
     return u_isalpha(static_cast<UChar32>(onlyCodePoint(symbol.text)));
@@ -137,10 +110,14 @@ bool isWithinWord(const std::vector<Symbol>& symbols, std::size_t i) {
          isLetter(symbols[i - 1]) && isLetter(symbols[i + 1]);
 }
 
+bool opens(const std::vector<Symbol>& symbols, std::size_t i) {
+  return i == 0 || symbols[i].spaceBefore ||
+         std::string_view("([{<").find(symbols[i - 1].text) != std::string_view::npos;
+}
+
 void matchQuotes(std::vector<Symbol>& symbols, const GreyBitmap& ink) {
   matchDoubles(symbols);
   matchSides(symbols, ink);
-  agreeOnDoubles(symbols);
 }
 
 }  // namespace lumiscan::desktop

@@ -26,12 +26,13 @@ bool isSlender(const PixelBox& stroke) {
   return 10 * (stroke.bottom - stroke.top + 1) >= 13 * stroke.width();
 }
 
-bool isStraight(const PixelBox& mark, const GreyBitmap& ink) {
+bool areStraight(const Halves& halves) {
   constexpr double mostLean = 0.1;
   constexpr double mostBelow = 1.2;
-  const Halves halves = halvesOf(mark, ink);
   return std::abs(halves.lean) < mostLean && halves.weight <= mostBelow;
 }
+
+bool isStraight(const PixelBox& mark, const GreyBitmap& ink) { return areStraight(halvesOf(mark, ink)); }
 
 double difference(const PixelBox& a, const PixelBox& b, bool turned, const GreyBitmap& ink) {
   const int width = std::max(a.right - a.left, b.right - b.left);

@@ -16,6 +16,7 @@ Halves halvesOf(const PixelBox& mark, const GreyBitmap& ink);
 bool isSlender(const PixelBox& stroke);
 
 /// Straight marks stand upright and taper off downwards, if at all; curly ones lean, or are heavier below.
+bool areStraight(const Halves& halves);
 bool isStraight(const PixelBox& mark, const GreyBitmap& ink);
 
 /// How much the ink of two marks differs, one of them turned upside down if asked, from 0 to 1.

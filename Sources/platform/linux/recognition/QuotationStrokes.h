@@ -1,0 +1,23 @@
+#pragma once
+
+#include <vector>
+
+#include "platform/linux/recognition/GreyBitmap.h"
+#include "platform/linux/recognition/TextLayout.h"
+
+namespace lumiscan::desktop {
+
+/// An apostrophe or quotation mark at the height of capitals. The box in pixels of the image.
+struct QuoteMark {
+  PixelBox box;
+  int strokes;  ///< 1 or 2.
+  bool straight;
+  double lean;    ///< As `Halves::lean`, but beyond the slant of the line's letters.
+  double weight;  ///< As `Halves::weight`.
+};
+
+/// The marks of a line from left to right.
+std::vector<QuoteMark> quoteMarks(const std::vector<Glyph>& glyphs, const GreyBitmap& ink,
+                                  const TextLine& line);
+
+}  // namespace lumiscan::desktop
