@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -17,7 +18,6 @@
 #include "Pictures.h"
 #include "platform/linux/drawing/BitmapContext.h"
 #include "platform/linux/recognition/Engine.h"
-#include "platform/linux/recognition/ImagePreparation.h"
 #include "platform/linux/recognition/LanguageData.h"
 #include "support/TemporaryFolder.h"
 
@@ -178,21 +178,27 @@ TEST(TextRecognizer, EveryRegionHasItsOwnGround) {
   EXPECT_THAT(linesOf(list), ElementsAre("First row", "Chosen row"));
 }
 
-TEST(ImagePreparation, RoundedCornersOfABoxAreNoInk) {
-  const auto context = CairoBitmapContext::create(160, 60);
-  context->fill(platform::BezierPath::rect({{0, 0}, {160, 60}}), {0.1, 0.1, 0.15, 1});
-  context->fill(platform::BezierPath::roundedRect({{30, 15}, {100, 30}}, 6), {0.95, 0.95, 0.95, 1});
-  context->draw("code", {45, 22}, {{platform::Font::Design::monospaced, 18}, Color::black()});
-  const GreyBitmap ink = inkOf(context->makeImage());
-  const auto inkIn = [&](int firstX, int lastX) {
-    int most = 0;
-    for (int y = 0; y < ink.height; ++y)
-      for (int x = firstX; x <= lastX; ++x) most = std::max<int>(most, ink.at(x, y));
-    return most;
-  };
-  EXPECT_LT(inkIn(26, 38), 8);
-  EXPECT_LT(inkIn(122, 134), 8);
-  EXPECT_GT(inkIn(45, 80), 200);
+TEST(TextRecognizer, MarkedWordsWithinALineAreRead) {
+  for (const double size : {13.0, 16.0, 20.0}) {
+    const auto context = CairoBitmapContext::create(static_cast<int>(24 * size), static_cast<int>(3 * size));
+    context->fill(platform::BezierPath::rect({{0, 0}, {24 * size, 3 * size}}), Color::white());
+    double x = size;
+    const auto draw = [&](const std::string& words, bool marked) {
+      const platform::TextAttributes attributes{{platform::Font::Design::sansSerif, size},
+                                                marked ? Color::white() : Color::black()};
+      const double width = context->sizeOf(words, attributes).width;
+      if (marked)
+        context->fill(platform::BezierPath::rect({{std::round(x), size}, {std::round(width), 1.25 * size}}),
+                      {0.2, 0.5, 0.9, 1});
+      context->draw(words, {x, size}, attributes);
+      x += width;
+    };
+    draw("night for ", false);
+    draw("something to", true);
+    draw(" satisfy his hunger", false);
+    EXPECT_THAT(linesOf(context->makeImage()), ElementsAre("night for something to satisfy his hunger"))
+        << size;
+  }
 }
 
 TEST(TextRecognizer, ColumnsAreReadOneAfterTheOtherAndRowsAcross) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <limits>
+#include <numbers>
 #include <numeric>
 #include <utility>
 
@@ -21,6 +23,7 @@ bool sameSurface(std::uint32_t a, std::uint32_t b) {
 
 /// A connected surface of one colour or gradient.
 struct Surface {
+  std::uint32_t color;  // Of one of its pixels.
   std::size_t area = 0;
   int left, top, right, bottom;  // Of its box, both ends included.
 
@@ -49,6 +52,8 @@ class Colors {
     GreyBitmap result(width_, height_, 0);
     for (std::size_t i = 0; i < colors_.size(); ++i)
       if (!isGround_[labels_[i]]) result.pixels[i] = inkAt(i);
+    for (std::uint32_t label = 0; label < surfaces_.size(); ++label)
+      if (isGround_[label]) clearBorder(label, result);
     return result;
   }
 
@@ -76,6 +81,64 @@ class Colors {
         ink = std::min(ink, distance(colors_[i], mixtureLike(colors_[i], ground_[i], ground_[n])));
     });
     return ink;
+  }
+
+  /// Clears the border and the shadow that a box has on the ground around it.
+  void clearBorder(std::uint32_t label, GreyBitmap& ink) const {
+    constexpr int mostBorder = 6;  // Pixels.
+    const Surface& box = surfaces_[label];
+    std::vector<std::size_t> border;
+    std::size_t sides = 0;
+    std::size_t borderedSides = 0;
+    const auto follow = [&](int x, int y, int dx, int dy) {
+      ++sides;
+      const std::size_t before = border.size();
+      for (int i = 0; i <= mostBorder; ++i) {
+        x += dx;
+        y += dy;
+        const bool isInside = x >= 0 && y >= 0 && x < width_ && y < height_;
+        if (!isInside || isGround_[labels_[index(x, y)]]) {
+          borderedSides += i > 0;
+          return;
+        }
+        border.push_back(index(x, y));
+      }
+      border.resize(before);
+    };
+    std::vector<Run> rows;
+    for (int y = box.top; y <= box.bottom; ++y) {
+      const Run run = rows.emplace_back(runInRow(label, y));
+      follow(run.first, y, -1, 0);
+      follow(run.last, y, 1, 0);
+    }
+    std::vector<Run> columns;
+    for (int x = box.left; x <= box.right; ++x) {
+      const Run run = columns.emplace_back(runInColumn(label, x));
+      follow(x, run.first, 0, -1);
+      follow(x, run.last, 0, 1);
+    }
+    // Letters may begin where a marked part of a line ends.
+    if (2 * borderedSides < sides) return;
+    // What is left are shadows around the corners, and what is cut off between a round corner and the edge of
+    // the image.
+    const auto isBeyond = [](int place, int from, const std::vector<Run>& runs, int across) {
+      const int last = from + static_cast<int>(runs.size()) - 1;
+      if (place < from - mostBorder || place > last + mostBorder) return false;
+      if (place < from || place > last) return true;
+      const Run& run = runs[static_cast<std::size_t>(place - from)];
+      return across < run.first || across > run.last;
+    };
+    while (!border.empty()) {
+      const std::size_t i = border.back();
+      border.pop_back();
+      ink.pixels[i] = 0;
+      visitNeighbours(i, [&](std::size_t n) {
+        const int x = static_cast<int>(n % static_cast<std::size_t>(width_));
+        const int y = static_cast<int>(n / static_cast<std::size_t>(width_));
+        if (ink.pixels[n] > 0 && isBeyond(x, box.left, columns, y) && isBeyond(y, box.top, rows, x))
+          border.push_back(n);
+      });
+    }
   }
 
   /// The mixture of two colours that is most like another one.
@@ -134,7 +197,7 @@ class Colors {
       const int y = static_cast<int>(i / static_cast<std::size_t>(width_));
       if (labels_[i] == i) {
         labels_[i] = static_cast<std::uint32_t>(surfaces_.size());
-        surfaces_.push_back({0, x, y, x, y});
+        surfaces_.push_back({colors_[i], 0, x, y, x, y});
       } else {
         labels_[i] = labels_[labels_[i]];
       }
@@ -149,59 +212,169 @@ class Colors {
   /// Grounds are the largest surface and those that are boxes with something in them.
   void chooseGrounds() {
     isGround_.assign(surfaces_.size(), false);
-    const auto larger = [](const Surface& a, const Surface& b) { return a.area < b.area; };
-    const auto largest = std::max_element(surfaces_.begin(), surfaces_.end(), larger);
-    isGround_[static_cast<std::size_t>(largest - surfaces_.begin())] = true;
+    isCovered_.assign(colors_.size(), false);
+    rectangle_.assign(colors_.size(), noRectangle);
+    const auto hasLessArea = [](const Surface& a, const Surface& b) { return a.area < b.area; };
+    const auto largest = static_cast<std::uint32_t>(
+        std::max_element(surfaces_.begin(), surfaces_.end(), hasLessArea) - surfaces_.begin());
+    page_ = surfaces_[largest].color;
+    std::vector<std::uint32_t> candidates;
     for (std::uint32_t label = 0; label < surfaces_.size(); ++label)
-      if (!isGround_[label] && isBox(label, *largest)) isGround_[label] = true;
+      if (label == largest || isOfBoxSize(surfaces_[label])) candidates.push_back(label);
+    // From the inside to the outside.
+    std::stable_sort(candidates.begin(), candidates.end(), [&](std::uint32_t a, std::uint32_t b) {
+      return surfaces_[a].boxArea() < surfaces_[b].boxArea();
+    });
+    for (const std::uint32_t label : candidates) {
+      if (label != largest && !isBox(label)) continue;
+      isGround_[label] = true;
+      cover(surfaces_[label]);
+      if (hasSharpCorners(label, surfaces_[label])) fillRectangle(label);
+    }
   }
 
-  /// Precondition: `largest` is a ground. What it covers of the box around it, as the chosen row of a list
-  /// does, says nothing about that box, nor does the border that it may have.
-  bool isBox(std::uint32_t label, const Surface& largest) const {
+  static bool isOfBoxSize(const Surface& surface) {
     constexpr int leastHeight = 10;
     constexpr int leastWidth = 14;
-    constexpr int mostBorder = 3;
-    constexpr double leastOwn = 0.45;    // Of the box's pixels are the surface's;
-    constexpr double leastSpan = 0.955;  // of them lie between the surface's first and last in their row.
-    const Surface& surface = surfaces_[label];
-    const double boxArea = surface.boxArea();
-    if (surface.width() < leastWidth || surface.height() < leastHeight ||
-        surface.width() < surface.height() / 2)
+    return surface.width() >= leastWidth && surface.height() >= leastHeight &&
+           surface.width() >= surface.height() / 2;
+  }
+
+  /// Marks what a ground covers of the boxes around it, with the border that it may have.
+  void cover(const Surface& ground) {
+    constexpr int border = 3;
+    for (int y = std::max(ground.top - border, 0); y <= std::min(ground.bottom + border, height_ - 1); ++y)
+      for (int x = std::max(ground.left - border, 0); x <= std::min(ground.right + border, width_ - 1); ++x)
+        isCovered_[index(x, y)] = true;
+  }
+
+  /// All of a rectangle that no other is in has its colour behind it, also where letters reach its edge.
+  void fillRectangle(std::uint32_t label) {
+    const Surface& box = surfaces_[label];
+    for (int y = box.top; y <= box.bottom; ++y)
+      for (int x = box.left; x <= box.right; ++x)
+        if (std::uint32_t& rectangle = rectangle_[index(x, y)]; rectangle == noRectangle) rectangle = label;
+  }
+
+  /// Precondition: the grounds within the surface are known. What they cover of it, as the chosen row of a
+  /// list or the title bar of a window does, says nothing about it.
+  bool isBox(std::uint32_t label) const {
+    constexpr double leastOwn = 0.45;      // Of the box's pixels are the surface's;
+    constexpr double leastInside = 0.008;  // and of them are what is in it.
+    const Surface surface = withoutPointers(label);
+    constexpr double mostPointer = 0.3;  // Of the height.
+    if (!isOfBoxSize(surface) || surface.height() < (1 - mostPointer) * surfaces_[label].height())
       return false;
-    const bool surroundsLargest = largest.isWithin(surface);
-    const double covered = surroundsLargest ? largest.boxArea() : 0;
-    if (static_cast<double>(surface.area) < leastOwn * (boxArea - covered)) return false;
-    const auto isCovered = [&](int x, int y) {
-      return surroundsLargest && x >= largest.left - mostBorder && x <= largest.right + mostBorder &&
-             y >= largest.top - mostBorder && y <= largest.bottom + mostBorder;
-    };
     double span = 0;
     double inside = 0;
     double enclosed = 0;
+    double covered = 0;
     for (int y = surface.top; y <= surface.bottom; ++y) {
-      int first = surface.left;
-      int last = surface.right;
-      while (first <= last && labels_[index(first, y)] != label) ++first;
-      while (last > first && labels_[index(last, y)] != label) --last;
-      span += last - first + 1;
-      for (int x = first; x <= last; ++x) {
-        const Surface& other = surfaces_[labels_[index(x, y)]];
-        if (&other == &surface || isCovered(x, y)) continue;
+      const Run run = runInRow(label, y);
+      span += run.last - run.first + 1;
+      for (int x = run.first; x <= run.last; ++x) {
+        const std::size_t i = index(x, y);
+        const Surface& other = surfaces_[labels_[i]];
+        if (&other == &surfaces_[label]) continue;
+        if (isCovered_[i]) {
+          ++covered;
+          continue;
+        }
         ++inside;
         enclosed += other.isWithin(surface);
       }
     }
+    const double boxArea = surface.boxArea() - covered;
+    if (static_cast<double>(surface.area) < leastOwn * boxArea) return false;
+    // What is around a box may be its border.
+    constexpr int mostBorder = 3;
+    if (covered > 0 && surface.area <= static_cast<std::size_t>(2 * mostBorder) *
+                                           static_cast<std::size_t>(surface.width() + surface.height()))
+      return false;
     // What is inside a letter's box is the page around it.
-    return span >= leastSpan * boxArea && inside > 0.02 * (boxArea - covered) && enclosed >= 0.9 * inside;
+    if ((covered == 0 && inside <= leastInside * boxArea) || enclosed < 0.9 * inside) return false;
+    return span >= (1 - mostMissing(label, surface)) * surface.boxArea();
   }
 
-  /// Every pixel outside a ground gets the colour of the nearest pixel of one.
+  /// The most of a box that may lie outside the first and the last pixel of its rows.
+  double mostMissing(std::uint32_t label, const Surface& box) const {
+    constexpr double ofRoundCorners = 0.045;
+    // At the ends of a marked part of a line stand letters.
+    constexpr double ofLetters = 0.15;
+    const double ofRoundEnds = 1 - std::numbers::pi / 4;  // Of the square around a circle lie outside it.
+    if (hasSharpCorners(label, box)) return ofLetters;
+    return ofRoundCorners + (isPill(label, box) ? ofRoundEnds * box.height() / box.width() : 0);
+  }
+
+  bool hasSharpCorners(std::uint32_t label, const Surface& box) const {
+    const auto has = [&](int x, int y) { return labels_[index(x, y)] == label; };
+    return has(box.left, box.top) && has(box.right, box.top) && has(box.left, box.bottom) &&
+           has(box.right, box.bottom);
+  }
+
+  /// The first and the last pixel of a surface in a row or a column.
+  struct Run {
+    int first, last;
+  };
+
+  Run runInRow(std::uint32_t label, int y) const {
+    Run run{surfaces_[label].left, surfaces_[label].right};
+    while (run.first <= run.last && labels_[index(run.first, y)] != label) ++run.first;
+    while (run.last > run.first && labels_[index(run.last, y)] != label) --run.last;
+    return run;
+  }
+
+  Run runInColumn(std::uint32_t label, int x) const {
+    Run run{surfaces_[label].top, surfaces_[label].bottom};
+    while (run.first <= run.last && labels_[index(x, run.first)] != label) ++run.first;
+    while (run.last > run.first && labels_[index(x, run.last)] != label) --run.last;
+    return run;
+  }
+
+  /// A surface without the pointer above or below it that a tooltip has.
+  Surface withoutPointers(std::uint32_t label) const {
+    Surface surface = surfaces_[label];
+    const auto isPointer = [&](int y) {
+      const Run run = runInRow(label, y);
+      return 2 * (run.last - run.first + 1) < surface.width();
+    };
+    while (surface.top < surface.bottom && isPointer(surface.top)) ++surface.top;
+    while (surface.bottom > surface.top && isPointer(surface.bottom)) --surface.bottom;
+    return surface;
+  }
+
+  /// Whether a surface may be a box whose ends are half circles: it keeps a distance from its ends to what is
+  /// in it, which letters of such a shape don't.
+  bool isPill(std::uint32_t label, const Surface& surface) const {
+    constexpr double leastPadding = 0.28;  // Heights of the box.
+    // Between letters that touch there are such shapes, of the page's colour.
+    if (10 * surface.width() < 13 * surface.height() || sameSurface(surface.color, page_)) return false;
+    const auto padding = static_cast<int>(std::ceil(leastPadding * surface.height()));
+    for (int y = surface.top + surface.height() / 3; y <= surface.bottom - surface.height() / 3; ++y) {
+      const Run run = runInRow(label, y);
+      const int inset = std::max(run.first - surface.left, surface.right - run.last);
+      if (10 * inset > surface.height() || run.last - run.first < 2 * padding) return false;
+      for (int x = 0; x < padding; ++x)
+        if (labels_[index(run.first + x, y)] != label || labels_[index(run.last - x, y)] != label)
+          return false;
+    }
+    return true;
+  }
+
+  /// Every pixel outside a ground gets the colour of the nearest pixel of one, in its rectangle if there is
+  /// one.
   void spreadGrounds() {
     ground_ = colors_;
     std::vector<bool> known(colors_.size());
-    std::vector<std::size_t> front;
     for (std::size_t i = 0; i < colors_.size(); ++i) known[i] = isGround_[labels_[i]];
+    spread(known, [this](std::size_t a, std::size_t b) { return rectangle_[a] == rectangle_[b]; });
+    spread(known, [](std::size_t, std::size_t) { return true; });
+  }
+
+  /// Gives the neighbours of pixels whose ground is known the same one, and so on, where they may share it.
+  template <typename MayShare>
+  void spread(std::vector<bool>& known, MayShare&& mayShare) {
+    std::vector<std::size_t> front;
     for (std::size_t i = 0; i < colors_.size(); ++i) {
       if (!known[i]) continue;
       bool atEdge = false;
@@ -212,7 +385,7 @@ class Colors {
       std::vector<std::size_t> next;
       for (const std::size_t i : front)
         visitNeighbours(i, [&](std::size_t n) {
-          if (known[n]) return;
+          if (known[n] || !mayShare(i, n)) return;
           known[n] = true;
           ground_[n] = ground_[i];
           next.push_back(n);
@@ -221,13 +394,18 @@ class Colors {
     }
   }
 
+  static constexpr std::uint32_t noRectangle = std::numeric_limits<std::uint32_t>::max();
+
   int width_;
   int height_;
   std::vector<std::uint32_t> colors_;
   std::vector<std::uint32_t> labels_;  // Of each pixel: the number of its surface.
   std::vector<Surface> surfaces_;
+  std::uint32_t page_ = 0;  // The colour of the largest surface.
   std::vector<bool> isGround_;
-  std::vector<std::uint32_t> ground_;  // Of each pixel: the colour behind it.
+  std::vector<bool> isCovered_;  // Of each pixel: whether it is in the box of a ground, or at its border.
+  std::vector<std::uint32_t> rectangle_;  // Of each pixel: the ground in whose sharp-edged box it is.
+  std::vector<std::uint32_t> ground_;     // Of each pixel: the colour behind it.
 };
 
 }  // namespace
