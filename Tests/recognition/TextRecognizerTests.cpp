@@ -201,6 +201,15 @@ TEST(TextRecognizer, MarkedWordsWithinALineAreRead) {
   }
 }
 
+TEST(TextRecognizer, ReadsTheBulletsOfAList) {
+  const std::vector<std::string> list{"•  Open the window", "•  Choose a file",
+                                      "•  another one. e.g. a picture"};
+  for (const double size : {16.0, 20.0})
+    EXPECT_THAT(linesOf(pictureOf(list, {size})),
+                ElementsAre("• Open the window", "• Choose a file", "• another one. e.g. a picture"))
+        << size;
+}
+
 TEST(TextRecognizer, ColumnsAreReadOneAfterTheOtherAndRowsAcross) {
   const std::vector<std::string> left{"Text that is set in two", "narrow columns has to be",
                                       "read down the first one", "before the second one is",

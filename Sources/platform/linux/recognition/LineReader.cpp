@@ -6,6 +6,7 @@
 
 #include "platform/UTF8.h"
 #include "platform/linux/recognition/Baselines.h"
+#include "platform/linux/recognition/Bullets.h"
 #include "platform/linux/recognition/Cells.h"
 #include "platform/linux/recognition/Columns.h"
 #include "platform/linux/recognition/Consensus.h"
@@ -116,6 +117,7 @@ LineDraft draftOf(Engine& engine, const GreyBitmap& ink, const TextLine& line) {
     draft.symbols = vote(std::move(readings), shapes);
     correctByShape(draft.symbols, shapes);
   }
+  correctBullets(draft.symbols, draft.letters, ink, line);
   return draft;
 }
 
