@@ -105,7 +105,7 @@ bool soak(std::chrono::seconds duration) {
   print("after a while", before);
   useFor(duration - first);
   Footprint after;
-  // Each session leaves a watchdog, which has nothing to do any more when it wakes up 90 seconds later.
+  // The program gives memory back some time after the last capture.
   const auto patience = Clock::now() + std::chrono::seconds(120);
   do after = footprint(user, Rest::brief);
   while (!isAsBefore(after, before) && Clock::now() < patience);

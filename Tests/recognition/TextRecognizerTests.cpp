@@ -12,12 +12,14 @@
 #include <filesystem>
 #include <fstream>
 #include <future>
+#include <iostream>
 #include <iterator>
 #include <thread>
 
 #include "Pictures.h"
 #include "platform/linux/drawing/BitmapContext.h"
 #include "platform/linux/recognition/Engine.h"
+#include "platform/linux/recognition/FreeMemory.h"
 #include "platform/linux/recognition/LanguageData.h"
 #include "support/TemporaryFolder.h"
 
@@ -365,6 +367,45 @@ TEST(TextRecognizer, TooLittleMemoryIsAnErrorAndTheNextImageIsRead) {
     waitpid(child, &status, 0);
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << mebibytes << " MiB: " << status;
   }
+}
+
+/// Of this process's own.
+long kibibytesOfMemory() {
+  std::ifstream status("/proc/self/status");
+  long kibibytes = 0;
+  for (std::string word; status >> word;)
+    if (word == "RssAnon:") status >> kibibytes;
+  return kibibytes;
+}
+
+TEST(TextRecognizer, WeighsAtRestAfterManyPicturesWhatItDidAfterOne) {
+  std::vector<std::string> lines;
+  for (int i = 0; i < 3; ++i) lines.insert(lines.end(), paragraph.begin(), paragraph.end());
+  const Image page = pictureOf(lines);
+  // A child, since the heap is arranged before there are threads.
+  const pid_t child = fork();
+  if (child == 0) {
+    keepFreeMemoryTogether();
+    TesseractRecognizer recognizer;
+    const auto read = [&] { return linesOf(recognizer, page, {"en-US", "de-DE"}); };
+    read();
+    recognizer.settle();
+    const long before = kibibytesOfMemory();
+    for (int round = 0; round < 4; ++round) {
+      std::vector<std::thread> threads;
+      for (int i = 0; i < 4; ++i) threads.emplace_back(read);
+      for (std::thread& thread : threads) thread.join();
+    }
+    const long inUse = kibibytesOfMemory();
+    recognizer.settle();
+    const long after = kibibytesOfMemory();
+    const bool isRight = inUse > before + 16384 && after < before + 4096 && read() == lines;
+    if (!isRight) std::cerr << before << " KiB, " << inUse << " in use, " << after << " at rest\n";
+    std::_Exit(isRight ? 0 : 1);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
 }
 
 TEST(TextRecognizer, RefusesImagesThatAreTooLarge) {

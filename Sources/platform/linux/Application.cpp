@@ -56,11 +56,8 @@ void endWithTheConnection(QtMsgType type, const QMessageLogContext& context, con
 
 /// The toolkit keeps what it has painted of buttons, boxes and icons by the palette or picture that they were
 /// painted with. Each window here brings its own, so pictures of windows that are gone are never found again,
-/// and the program would grow by the toolkit's limit of ten MiB. What doesn't fit is painted anew.
-void keepFewPaintedPictures() {
-  constexpr int kibibytes = 1024;
-  QPixmapCache::setCacheLimit(kibibytes);
-}
+/// and the toolkit never frees the names of those that make room for others.
+void keepNoPaintedPictures() { QPixmapCache::setCacheLimit(0); }
 
 /// What must be settled before the toolkit looks around. Its choice of a window system is ours: the desktop
 /// behind this layer is X11's, also where a Wayland session offers it beside its own.
@@ -77,7 +74,7 @@ QtApplication::QtApplication(int& argc, char** argv) : application_(prepared(arg
   QGuiApplication::setDesktopFileName(platform::applicationID);
   QApplication::setQuitOnLastWindowClosed(false);
   startDrawingThread();
-  keepFewPaintedPictures();
+  keepNoPaintedPictures();
   catchSignals();
   if (!toolkitMessageHandler) toolkitMessageHandler = qInstallMessageHandler(endWithTheConnection);
   // For what ends without a message. After the toolkit's own, so that it runs before them; once a process.

@@ -1,7 +1,5 @@
 #include "platform/linux/LinuxDesktop.h"
 
-#include <malloc.h>
-
 #include <QGuiApplication>
 #include <QScreen>
 #include <QTimer>
@@ -41,6 +39,7 @@
 #include "platform/linux/drawing/QRCode.h"
 #include "platform/linux/form/FieldWidget.h"
 #include "platform/linux/recognition/BarcodeDetector.h"
+#include "platform/linux/recognition/FreeMemory.h"
 #include "platform/linux/recognition/TextRecognizer.h"
 #include "platform/linux/x11/Display.h"
 #include "platform/linux/x11/HotKeys.h"
@@ -57,14 +56,6 @@ constexpr std::chrono::seconds recognizerSettles(20);
 constexpr std::chrono::seconds recognizerKept(600);
 /// For tasks, drawing, sound, speech and the toolkit's connections, and some more.
 constexpr int threadsAtStart = 10;
-
-/// Lets memory that is freed be given back: pictures have pages of their own, and threads that come and go
-/// share what the others have left.
-void keepFreeMemoryTogether() {
-  constexpr int pictureBytes = 1 << 20;
-  mallopt(M_MMAP_THRESHOLD, pictureBytes);
-  mallopt(M_ARENA_MAX, 2);
-}
 
 /// A rectangle on one screen, from the toolkit's coordinates, in which a screen's origin is in pixels and
 /// everything from there on in points, to pixels.

@@ -1,7 +1,5 @@
 #include "platform/linux/recognition/TextRecognizer.h"
 
-#include <malloc.h>
-
 #include <algorithm>
 #include <chrono>
 #include <exception>
@@ -12,6 +10,7 @@
 
 #include "platform/linux/recognition/EngineCrew.h"
 #include "platform/linux/recognition/EnginePool.h"
+#include "platform/linux/recognition/FreeMemory.h"
 #include "platform/linux/recognition/ImagePreparation.h"
 #include "platform/linux/recognition/LanguageChoice.h"
 #include "platform/linux/recognition/LanguageData.h"
@@ -128,13 +127,13 @@ void TesseractRecognizer::prepare(const std::vector<std::string>& languages) {
 
 void TesseractRecognizer::settle() {
   state_->pool.renew();
-  malloc_trim(0);
+  giveFreeMemoryBack();
 }
 
 void TesseractRecognizer::releaseUnused(double idleSeconds) {
   const auto age =
       std::chrono::duration_cast<EnginePool::Clock::duration>(std::chrono::duration<double>(idleSeconds));
-  if (state_->pool.releaseUnused(age) > 0) malloc_trim(0);
+  if (state_->pool.releaseUnused(age) > 0) giveFreeMemoryBack();
 }
 
 }  // namespace lumiscan::desktop
