@@ -3,7 +3,6 @@
 #include <unicode/uchar.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 #include <string>
 
@@ -38,8 +37,8 @@ bool isDisc(const Glyph& glyph, const GreyBitmap& ink, const TextLine& line) {
   return filled > 0.55 && filled < 0.9 && middleInk > 0.9 * most && corners < 2.0 * most;
 }
 
-/// Whether a symbol is a letter that isn't round.
-bool isLetter(const Symbol& symbol) {
+/// Whether a symbol is a letter or digit that no disc looks like.
+bool isAngularLetter(const Symbol& symbol) {
   const auto letter = static_cast<UChar32>(onlyCodePoint(symbol.text));
   return u_isalnum(letter) && letter != 'e' && letter != 'o';
 }
@@ -66,7 +65,7 @@ void correctBullets(std::vector<Symbol>& symbols, const std::vector<Glyph>& glyp
     const bool wasRead = next != symbols.end() && std::abs((next->box.left + next->box.right) / 2 - middle) <=
                                                       std::max(box.width(), least);
     // Of few pixels, a letter may look like it.
-    if (wasRead && isLetter(*next)) continue;
+    if (wasRead && isAngularLetter(*next)) continue;
     const auto place = wasRead ? next : symbols.insert(next, bullet);
     *place = bullet;
     if (place + 1 != symbols.end()) (place + 1)->spaceBefore = true;

@@ -52,8 +52,7 @@ class Colors {
     GreyBitmap result(width_, height_, 0);
     for (std::size_t i = 0; i < colors_.size(); ++i)
       if (!isGround_[labels_[i]]) result.pixels[i] = inkAt(i);
-    for (std::uint32_t label = 0; label < surfaces_.size(); ++label)
-      if (isGround_[label]) clearBorder(label, result);
+    for (const std::uint32_t label : grounds_) clearBorder(label, result);
     return result;
   }
 
@@ -228,6 +227,7 @@ class Colors {
     for (const std::uint32_t label : candidates) {
       if (label != largest && !isBox(label)) continue;
       isGround_[label] = true;
+      grounds_.push_back(label);
       cover(surfaces_[label]);
       if (hasSharpCorners(label, surfaces_[label])) fillRectangle(label);
     }
@@ -242,10 +242,19 @@ class Colors {
 
   /// Marks what a ground covers of the boxes around it, with the border that it may have.
   void cover(const Surface& ground) {
-    constexpr int border = 3;
+    constexpr int border = coveringBorder;
     for (int y = std::max(ground.top - border, 0); y <= std::min(ground.bottom + border, height_ - 1); ++y)
       for (int x = std::max(ground.left - border, 0); x <= std::min(ground.right + border, width_ - 1); ++x)
         isCovered_[index(x, y)] = true;
+  }
+
+  /// The most that the grounds within a surface may cover of it.
+  double mostCoveredOf(const Surface& surface) const {
+    double area = 0;
+    for (const std::uint32_t label : grounds_)
+      if (const Surface& ground = surfaces_[label]; ground.isWithin(surface))
+        area += (ground.width() + 2.0 * coveringBorder) * (ground.height() + 2.0 * coveringBorder);
+    return area;
   }
 
   /// All of a rectangle that no other is in has its colour behind it, also where letters reach its edge.
@@ -261,10 +270,14 @@ class Colors {
   bool isBox(std::uint32_t label) const {
     constexpr double leastOwn = 0.45;      // Of the box's pixels are the surface's;
     constexpr double leastInside = 0.008;  // and of them are what is in it.
-    const Surface surface = withoutPointers(label);
-    constexpr double mostPointer = 0.3;  // Of the height.
-    if (!isOfBoxSize(surface) || surface.height() < (1 - mostPointer) * surfaces_[label].height())
+    constexpr double mostPointer = 0.3;    // Of the height.
+    const Surface& whole = surfaces_[label];
+    // In photographs there are many large surfaces of few pixels, which aren't worth a closer look.
+    if (static_cast<double>(whole.area) <
+        leastOwn * ((1 - mostPointer) * whole.boxArea() - mostCoveredOf(whole)))
       return false;
+    const Surface surface = withoutPointers(label);
+    if (!isOfBoxSize(surface) || surface.height() < (1 - mostPointer) * whole.height()) return false;
     double span = 0;
     double inside = 0;
     double enclosed = 0;
@@ -287,8 +300,7 @@ class Colors {
     const double boxArea = surface.boxArea() - covered;
     if (static_cast<double>(surface.area) < leastOwn * boxArea) return false;
     // What is around a box may be its border.
-    constexpr int mostBorder = 3;
-    if (covered > 0 && surface.area <= static_cast<std::size_t>(2 * mostBorder) *
+    if (covered > 0 && surface.area <= static_cast<std::size_t>(2 * coveringBorder) *
                                            static_cast<std::size_t>(surface.width() + surface.height()))
       return false;
     // What is inside a letter's box is the page around it.
@@ -394,6 +406,7 @@ class Colors {
     }
   }
 
+  static constexpr int coveringBorder = 3;  // Pixels that a ground covers around its box.
   static constexpr std::uint32_t noRectangle = std::numeric_limits<std::uint32_t>::max();
 
   int width_;
@@ -403,6 +416,7 @@ class Colors {
   std::vector<Surface> surfaces_;
   std::uint32_t page_ = 0;  // The colour of the largest surface.
   std::vector<bool> isGround_;
+  std::vector<std::uint32_t> grounds_;
   std::vector<bool> isCovered_;  // Of each pixel: whether it is in the box of a ground, or at its border.
   std::vector<std::uint32_t> rectangle_;  // Of each pixel: the ground in whose sharp-edged box it is.
   std::vector<std::uint32_t> ground_;     // Of each pixel: the colour behind it.
