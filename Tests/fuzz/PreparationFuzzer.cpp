@@ -1,11 +1,12 @@
-// Prepares arbitrary images for the text engine: ink, lines and the pictures of the lines; and holds a
-// reading against the shapes of their ink.
+// Prepares arbitrary images for the text engine: ink, letters on pictures, lines and the pictures of the
+// lines; and holds a reading against the shapes of their ink.
 
 #include <cstdlib>
 
 #include "fuzz/ImageFromBytes.h"
 #include "platform/linux/recognition/ImagePreparation.h"
 #include "platform/linux/recognition/LineImage.h"
+#include "platform/linux/recognition/PictureLetters.h"
 #include "platform/linux/recognition/ShapeCorrections.h"
 #include "platform/linux/recognition/TextLayout.h"
 
@@ -13,7 +14,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   using namespace lumiscan;
   constexpr std::size_t mostPixels = 40'000;
   const platform::Image image = fuzzing::imageFromBytes({data, size}, mostPixels);
-  desktop::GreyBitmap ink = desktop::inkOf(image);
+  const desktop::Surfaces surfaces(image);
+  const desktop::Grounds grounds(surfaces);
+  const desktop::PictureLetters letters(surfaces, grounds);
+  for (const std::uint32_t color : letters.colors())
+    if (letters.ink(color, desktop::PictureLetters::Strokes::any).pixels.size() != surfaces.pixelCount())
+      std::abort();
+  desktop::GreyBitmap ink = desktop::inkOf(surfaces, grounds);
   for (const desktop::TextLine& line : desktop::findTextLines(ink, desktop::Characters::wide)) {
     if (line.glyphs.empty()) std::abort();
     for (const desktop::Glyph& glyph : line.glyphs)

@@ -29,20 +29,10 @@ std::uint32_t mixtureLike(std::uint32_t color, std::uint32_t a, std::uint32_t b)
   return mixture;
 }
 
-std::uint8_t distance(std::uint32_t a, std::uint32_t b) {
-  const int red = channel(a, 16) - channel(b, 16);
-  const int green = channel(a, 8) - channel(b, 8);
-  const int blue = channel(a, 0) - channel(b, 0);
-  const double luminance = std::abs(0.299 * red + 0.587 * green + 0.114 * blue);
-  // Letters may differ from their ground in colour alone.
-  const double hue = 0.6 * std::max({std::abs(red), std::abs(green), std::abs(blue)});
-  return static_cast<std::uint8_t>(std::lround(std::max(luminance, hue)));
-}
-
 class Preparation {
  public:
-  explicit Preparation(const platform::Image& image)
-      : surfaces_(image), grounds_(surfaces_), ground_(surfaces_.colors()) {
+  Preparation(const Surfaces& surfaces, const Grounds& grounds)
+      : surfaces_(surfaces), grounds_(grounds), ground_(surfaces_.colors()) {
     std::vector<bool> known(ground_.size());
     for (std::size_t i = 0; i < known.size(); ++i) known[i] = grounds_.isGround(surfaces_.labelAt(i));
     spread(known, [this](std::size_t a, std::size_t b) {
@@ -87,10 +77,10 @@ class Preparation {
   /// may be a mixture of both.
   std::uint8_t inkAt(std::size_t i) const {
     const std::uint32_t color = surfaces_.colors()[i];
-    std::uint8_t ink = distance(color, ground_[i]);
+    std::uint8_t ink = colorDistance(color, ground_[i]);
     surfaces_.visitNeighbours(i, [&](std::size_t n) {
       if (!sameSurface(ground_[i], ground_[n]))
-        ink = std::min(ink, distance(color, mixtureLike(color, ground_[i], ground_[n])));
+        ink = std::min(ink, colorDistance(color, mixtureLike(color, ground_[i], ground_[n])));
     });
     return ink;
   }
@@ -153,8 +143,8 @@ class Preparation {
     }
   }
 
-  Surfaces surfaces_;
-  Grounds grounds_;
+  const Surfaces& surfaces_;
+  const Grounds& grounds_;
   // Of each pixel: the colour behind it, that of the nearest pixel of a ground, in its rectangle if there is
   // one.
   std::vector<std::uint32_t> ground_;
@@ -162,6 +152,13 @@ class Preparation {
 
 }  // namespace
 
-GreyBitmap inkOf(const platform::Image& image) { return Preparation(image).ink(); }
+GreyBitmap inkOf(const Surfaces& surfaces, const Grounds& grounds) {
+  return Preparation(surfaces, grounds).ink();
+}
+
+GreyBitmap inkOf(const platform::Image& image) {
+  const Surfaces surfaces(image);
+  return inkOf(surfaces, Grounds(surfaces));
+}
 
 }  // namespace lumiscan::desktop

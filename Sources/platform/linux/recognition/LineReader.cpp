@@ -148,8 +148,7 @@ std::string join(const std::vector<Symbol>& symbols) {
 
 }  // namespace
 
-std::vector<std::string> readLines(EngineCrew& crew, const std::vector<std::vector<std::string>>& languages,
-                                   GreyBitmap ink) {
+Reading readLines(EngineCrew& crew, const std::vector<std::vector<std::string>>& languages, GreyBitmap ink) {
   const bool wide = std::any_of(languages.begin(), languages.end(), hasWideCharacters);
   std::vector<TextLine> lines = findTextLines(ink, wide ? Characters::wide : Characters::alphabetic);
   dropCutLines(lines, ink);
@@ -184,10 +183,17 @@ std::vector<std::string> readLines(EngineCrew& crew, const std::vector<std::vect
     if (drafts[i].isWide) correctWideText(symbols);
     read[i].text = join(symbols);
   }
+  Reading reading;
+  for (const ReadLine& line : read) {
+    reading.symbols += line.symbols;
+    reading.likely += line.likely;
+  }
   dropImplausible(read);
-  std::vector<std::string> texts;
-  for (ReadLine& line : read) texts.push_back(std::move(line.text));
-  return texts;
+  for (ReadLine& line : read) {
+    reading.trust += line.confidence * static_cast<double>(line.symbols);
+    reading.lines.push_back(std::move(line.text));
+  }
+  return reading;
 }
 
 }  // namespace lumiscan::desktop

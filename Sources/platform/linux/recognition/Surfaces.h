@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -17,6 +19,17 @@ inline bool sameSurface(std::uint32_t a, std::uint32_t b) {
   constexpr int step = 3;
   return std::abs(channel(a, 16) - channel(b, 16)) <= step &&
          std::abs(channel(a, 8) - channel(b, 8)) <= step && std::abs(channel(a, 0) - channel(b, 0)) <= step;
+}
+
+/// How far two colours are from each other to the eye that reads, 0 to 255.
+inline std::uint8_t colorDistance(std::uint32_t a, std::uint32_t b) {
+  const int red = channel(a, 16) - channel(b, 16);
+  const int green = channel(a, 8) - channel(b, 8);
+  const int blue = channel(a, 0) - channel(b, 0);
+  const double luminance = std::abs(0.299 * red + 0.587 * green + 0.114 * blue);
+  // Letters may differ from their ground in colour alone.
+  const double hue = 0.6 * std::max({std::abs(red), std::abs(green), std::abs(blue)});
+  return static_cast<std::uint8_t>(std::lround(std::max(luminance, hue)));
 }
 
 /// A connected surface of one colour or gradient.

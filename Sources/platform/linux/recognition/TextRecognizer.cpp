@@ -15,6 +15,7 @@
 #include "platform/linux/recognition/LanguageChoice.h"
 #include "platform/linux/recognition/LanguageData.h"
 #include "platform/linux/recognition/LineReader.h"
+#include "platform/linux/recognition/PictureLetters.h"
 
 namespace lumiscan::desktop {
 
@@ -24,6 +25,39 @@ using platform::Error;
 using platform::Image;
 using platform::Result;
 using platform::TextObservation;
+
+/// Whether there may be more text than was read, on a picture, or text whose shapes didn't come out well
+/// there.
+bool isDoubtful(const Reading& reading) {
+  constexpr std::size_t few = 3;
+  constexpr double usualTrust = 95;
+  const bool areUsual = 10 * reading.likely > 9 * reading.symbols || reading.meanTrust() >= usualTrust;
+  return reading.symbols <= few || !areUsual || 2 * reading.likely <= reading.symbols;
+}
+
+/// The lines of text in an image. What stands on a picture is read by its own colour.
+std::vector<std::string> readText(EngineCrew& crew, const std::vector<std::vector<std::string>>& languages,
+                                  const Image& image) {
+  using Strokes = PictureLetters::Strokes;
+  constexpr double hopeless = 50;
+  constexpr double leastTrust = 75;  // There are shapes like letters in many pictures.
+  constexpr std::size_t fewestSymbols = 3;
+  const Surfaces surfaces(image);
+  const Grounds grounds(surfaces);
+  Reading reading = readLines(crew, languages, inkOf(surfaces, grounds));
+  if (!isDoubtful(reading)) return std::move(reading.lines);
+  const PictureLetters letters(surfaces, grounds);
+  for (const std::uint32_t color : letters.colors()) {
+    for (const Strokes strokes : {Strokes::ofColor, Strokes::any}) {
+      Reading other = readLines(crew, languages, letters.ink(color, strokes));
+      if (other.meanTrust() < hopeless) break;
+      if (other.worth() > reading.worth() && other.meanTrust() >= leastTrust &&
+          other.symbols >= fewestSymbols)
+        reading = std::move(other);
+    }
+  }
+  return std::move(reading.lines);
+}
 
 }  // namespace
 
@@ -81,8 +115,7 @@ struct TesseractRecognizer::State {
       return borrowed.ok() ? std::move(borrowed).value() : nullptr;
     });
     std::vector<TextObservation> observations;
-    for (std::string& text : readLines(crew, languages, inkOf(image)))
-      observations.push_back({{std::move(text)}});
+    for (std::string& text : readText(crew, languages, image)) observations.push_back({{std::move(text)}});
     return observations;
   }
 };
