@@ -75,6 +75,12 @@ TEST(ImagePreparation, ControlsAreNoInk) {
                       .fill({{78, 9}, {4, 3}}, black)
                       .draw("A hint", {30, 25}, white),
                   29, 80, "a tooltip with a pointer");
+  expectInkOnlyIn(Screen()
+                      .fill({{40, 15}, {70, 30}}, blue)
+                      .draw("new", {58, 24}, white)
+                      .fill({{40, 30}, {10, 3}}, white)
+                      .fill({{47, 15}, {3, 15}}, white),
+                  40, 95, "marked words of which a letter cuts off a corner");
 }
 
 TEST(ImagePreparation, TheTitleBarOfAWindowSaysNothingOfThePageAroundIt) {

@@ -37,10 +37,13 @@ bool isDisc(const Glyph& glyph, const GreyBitmap& ink, const TextLine& line) {
   return filled > 0.55 && filled < 0.9 && middleInk > 0.9 * most && corners < 2.0 * most;
 }
 
-/// Whether a symbol is a letter or digit that no disc looks like.
-bool isAngularLetter(const Symbol& symbol) {
-  const auto letter = static_cast<UChar32>(onlyCodePoint(symbol.text));
-  return u_isalnum(letter) && letter != 'e' && letter != 'o';
+/// Whether a symbol is a letter or digit: one that no disc looks like, or in the middle of a word.
+bool isLetter(std::vector<Symbol>::const_iterator symbol, const std::vector<Symbol>& symbols) {
+  const auto letter = static_cast<UChar32>(onlyCodePoint(symbol->text));
+  if (!u_isalnum(letter)) return false;
+  const bool isWithinWord = symbol != symbols.begin() && !symbol->spaceBefore &&
+                            symbol + 1 != symbols.end() && !(symbol + 1)->spaceBefore;
+  return (letter != 'e' && letter != 'o') || isWithinWord;
 }
 
 }  // namespace
@@ -65,7 +68,7 @@ void correctBullets(std::vector<Symbol>& symbols, const std::vector<Glyph>& glyp
     const bool wasRead = next != symbols.end() && std::abs((next->box.left + next->box.right) / 2 - middle) <=
                                                       std::max(box.width(), least);
     // Of few pixels, a letter may look like it.
-    if (wasRead && isAngularLetter(*next)) continue;
+    if (wasRead && isLetter(next, symbols)) continue;
     const auto place = wasRead ? next : symbols.insert(next, bullet);
     *place = bullet;
     if (place + 1 != symbols.end()) (place + 1)->spaceBefore = true;

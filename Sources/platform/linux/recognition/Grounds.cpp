@@ -119,7 +119,7 @@ bool Grounds::isFull(std::uint32_t label, const Surface& box) const {
 double Grounds::mostMissing(std::uint32_t label, const Surface& box) const {
   constexpr double ofRoundCorners = 0.045;
   // At the ends of a marked part of a line stand letters.
-  constexpr double ofLetters = 0.15;
+  constexpr double ofLetters = 0.2;
   const double ofRoundEnds = 1 - std::numbers::pi / 4;  // Of the square around a circle lie outside it.
   if (surfaces_.hasCorners(label, box)) return ofLetters;
   return ofRoundCorners + (isPill(label, box) ? ofRoundEnds * box.height() / box.width() : 0);

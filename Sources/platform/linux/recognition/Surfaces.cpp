@@ -89,7 +89,10 @@ Run Surfaces::runInColumn(std::uint32_t label, int x) const {
 }
 
 bool Surfaces::hasCorners(std::uint32_t label, const Surface& box) const {
-  const auto has = [&](int x, int y) { return labels_[index(x, y)] == label; };
+  const auto has = [&](int x, int y) {
+    const std::size_t i = index(x, y);
+    return labels_[i] == label || colors_[i] == surfaces_[label].color;
+  };
   return has(box.left, box.top) && has(box.right, box.top) && has(box.left, box.bottom) &&
          has(box.right, box.bottom);
 }

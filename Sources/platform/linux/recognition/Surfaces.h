@@ -78,7 +78,8 @@ class Surfaces {
   /// Precondition: the surface has a pixel there.
   Run runInRow(std::uint32_t label, int y) const;
   Run runInColumn(std::uint32_t label, int x) const;
-  /// Whether a surface has the pixels at the corners of a box.
+  /// Whether a surface has the pixels at the corners of a box, or they its colour: letters at the ends of a
+  /// box cut them off.
   bool hasCorners(std::uint32_t label, const Surface& box) const;
 
   /// Calls back with the pixels beside and above and below one.
