@@ -28,6 +28,13 @@ using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 using ::testing::HasSubstr;
 
+/// The heap as the program arranges it, before there are threads.
+class ProgramHeap : public ::testing::Environment {
+  void SetUp() override { keepFreeMemoryTogether(); }
+};
+
+const ::testing::Environment* const programHeap = ::testing::AddGlobalTestEnvironment(new ProgramHeap);
+
 TEST(RecognizerLife, ThreadsAtOnceReadWhatOneAfterTheOtherDoes) {
   TesseractRecognizer recognizer;
   const std::vector<std::string> german{"Straße und Gärten"};
@@ -158,10 +165,9 @@ TEST(RecognizerLife, WeighsAtRestAfterManyPicturesWhatItDidAfterOne) {
   std::vector<std::string> lines;
   for (int i = 0; i < 3; ++i) lines.insert(lines.end(), paragraph.begin(), paragraph.end());
   const Image page = pictureOf(lines);
-  // A child, since the heap is arranged before there are threads.
+  // A child, which has no engines of other tests.
   const pid_t child = fork();
   if (child == 0) {
-    keepFreeMemoryTogether();
     TesseractRecognizer recognizer;
     const auto read = [&] { return linesOf(recognizer, page, {"en-US", "de-DE"}); };
     read();
