@@ -208,6 +208,21 @@ TEST(TextRecognizer, TextOnPicturesIsReadByItsColor) {
   EXPECT_THAT(linesOf(pictureWithText({}, 200, Color::white(), false)), IsEmpty());
 }
 
+TEST(TextRecognizer, ReadsTheNumbersOfFootnotes) {
+  for (const double size : {16.0, 20.0})
+    for (const std::string number : {"1", "2", "4", "5", "6", "7", "9"}) {
+      const std::string words = "as it was written there";
+      const auto context =
+          CairoBitmapContext::create(static_cast<int>(16 * size), static_cast<int>(3 * size));
+      context->fill(platform::BezierPath::rect({{0, 0}, {16 * size, 3 * size}}), Color::white());
+      const platform::TextAttributes usual{{platform::Font::Design::sansSerif, size}, Color::black()};
+      context->draw(words, {size, size}, usual);
+      context->draw(number, {size + context->sizeOf(words, usual).width, 1.5 * size},
+                    {{platform::Font::Design::sansSerif, 0.75 * size}, Color::black()});
+      EXPECT_THAT(linesOf(context->makeImage()), ElementsAre(words + number)) << size;
+    }
+}
+
 TEST(TextRecognizer, ReadsTheBulletsOfAList) {
   const std::vector<std::string> list{"•  Open the window", "•  Choose a file",
                                       "•  another one. e.g. a picture"};

@@ -22,6 +22,7 @@
 #include "platform/linux/recognition/Scripts.h"
 #include "platform/linux/recognition/ShapeCorrections.h"
 #include "platform/linux/recognition/Spacing.h"
+#include "platform/linux/recognition/Superscripts.h"
 #include "platform/linux/recognition/TextLayout.h"
 #include "platform/linux/recognition/Voting.h"
 
@@ -118,6 +119,7 @@ LineDraft draftOf(Engine& engine, const GreyBitmap& ink, const TextLine& line) {
     correctByShape(draft.symbols, shapes);
   }
   correctBullets(draft.symbols, draft.letters, ink, line);
+  correctSuperscripts(draft.symbols, shapes, ink);
   return draft;
 }
 
