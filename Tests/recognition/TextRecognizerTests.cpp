@@ -174,9 +174,11 @@ Image pictureWithText(const std::vector<std::string>& lines, double size, Color 
   const double width = 22 * size;
   const double height = (2 * static_cast<double>(lines.size()) + 1) * size;
   const auto context = CairoBitmapContext::create(static_cast<int>(width), static_cast<int>(height));
-  constexpr double step = 4;
-  for (double y = 0; y < height; y += step)
-    for (double x = 0; x < width; x += step) {
+  constexpr int step = 4;
+  for (int row = 0; row < height; row += step)
+    for (int column = 0; column < width; column += step) {
+      const double x = column;
+      const double y = row;
       const double hill = 0.5 + 0.5 * std::sin(x / 31) * std::cos(y / 23);
       context->fill(platform::BezierPath::rect({{x, y}, {step, step}}),
                     {0.25 + 0.55 * hill, 0.6 - 0.3 * hill, 0.3 + 0.3 * std::sin(x / 17 + y / 29), 1});

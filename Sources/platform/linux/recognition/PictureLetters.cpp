@@ -66,19 +66,16 @@ bool isOnStroke(const GreyBitmap& distances, int x, int y) {
 /// What is around a surface, or several, beyond the smoothed edge.
 struct PictureLetters::Surroundings {
   std::size_t places = 0;
-  std::size_t onGround = 0;    // So many of the places.
-  std::uint64_t contrast = 0;  // The sum of the distances of their colours.
+  std::size_t contrary = 0;  // So many of the places have quite another colour,
+  std::size_t onGround = 0;  // so many of which are of a ground.
 
   void add(const Surroundings& more) {
     places += more.places;
+    contrary += more.contrary;
     onGround += more.onGround;
-    contrast += more.contrast;
   }
-  bool areContrary() const {
-    constexpr std::uint64_t leastContrast = 60;
-    return places > 0 && contrast >= leastContrast * places;
-  }
-  bool areNoGround() const { return 5 * onGround <= places; }
+  bool areContrary() const { return places > 0 && 2 * contrary >= places; }
+  bool areNoGround() const { return 5 * onGround <= contrary; }
 };
 
 PictureLetters::PictureLetters(const Surfaces& surfaces, const Grounds& grounds)
@@ -131,9 +128,12 @@ std::vector<PictureLetters::Surroundings> PictureLetters::surroundings() const {
       if (u < 0 || v < 0 || u >= surfaces_.width() || v >= surfaces_.height()) return;
       const std::size_t place = surfaces_.index(u, v);
       if (surfaces_.labelAt(place) == label) return;
-      ++result[label].places;
-      result[label].onGround += grounds_.isGround(surfaces_.labelAt(place));
-      result[label].contrast += colorDistance(surfaces_.colors()[place], surfaces_[label].color);
+      constexpr int leastContrast = 60;
+      Surroundings& around = result[label];
+      ++around.places;
+      if (colorDistance(surfaces_.colors()[place], surfaces_[label].color) < leastContrast) return;
+      ++around.contrary;
+      around.onGround += grounds_.isGround(surfaces_.labelAt(place));
     };
     look(x - away, y);
     look(x + away, y);

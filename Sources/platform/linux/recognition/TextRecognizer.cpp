@@ -30,9 +30,9 @@ using platform::TextObservation;
 /// there.
 bool isDoubtful(const Reading& reading) {
   constexpr std::size_t few = 3;
-  constexpr double usualTrust = 95;
+  constexpr double usualTrust = 93;
   const bool areUsual = 10 * reading.likely > 9 * reading.symbols || reading.meanTrust() >= usualTrust;
-  return reading.symbols <= few || !areUsual || 2 * reading.likely <= reading.symbols;
+  return reading.symbols <= few || !areUsual || 4 * reading.likely <= reading.symbols;
 }
 
 /// The lines of text in an image. What stands on a picture is read by its own colour.
@@ -50,9 +50,9 @@ std::vector<std::string> readText(EngineCrew& crew, const std::vector<std::vecto
   for (const std::uint32_t color : letters.colors()) {
     for (const Strokes strokes : {Strokes::ofColor, Strokes::any}) {
       Reading other = readLines(crew, languages, letters.ink(color, strokes));
-      if (other.meanTrust() < hopeless) break;
-      if (other.worth() > reading.worth() && other.meanTrust() >= leastTrust &&
-          other.symbols >= fewestSymbols)
+      const bool isBetter = other.worth() > reading.worth();
+      if (other.meanTrust() < hopeless || (!isBetter && reading.worth() > 0)) break;
+      if (isBetter && other.meanTrust() >= leastTrust && other.symbols >= fewestSymbols)
         reading = std::move(other);
     }
   }
