@@ -65,9 +65,9 @@ bool isOnStroke(const GreyBitmap& distances, int x, int y) {
 
 /// What is around a surface, or several, beyond the smoothed edge.
 struct PictureLetters::Surroundings {
-  std::size_t places = 0;
-  std::size_t contrary = 0;  // So many of the places have quite another colour,
-  std::size_t onGround = 0;  // so many of which are of a ground.
+  std::uint32_t places = 0;
+  std::uint32_t contrary = 0;  // So many of the places have quite another colour,
+  std::uint32_t onGround = 0;  // so many of which are of a ground.
 
   void add(const Surroundings& more) {
     places += more.places;
