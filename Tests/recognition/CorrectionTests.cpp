@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/linux/recognition/Bullets.h"
 #include "platform/linux/recognition/Clusters.h"
 #include "platform/linux/recognition/CutLines.h"
 #include "platform/linux/recognition/GlyphCorrections.h"
@@ -243,6 +244,22 @@ TEST(CutLines, LeaveNoSlicesInTheirNeighbours) {
   };
   EXPECT_EQ(left({letter, tall, above, below}), 2U);
   EXPECT_EQ(left({letter, accent, above}), 3U) << "near the line's own marks";
+}
+
+TEST(Bullets, AreDiscsAtTheMiddleOfSmallLetters) {
+  const auto read = [](int top) {
+    GreyBitmap ink(40, 20, 0);
+    const Glyph disc{{5, top, 8, top + 3}}, letter{{15, 8, 20, 13}};
+    fillBox(ink, disc.box, 255);
+    for (const int x : {5, 8})
+      for (const int y : {top, top + 3}) ink.at(x, y) = 80;
+    std::vector<Symbol> symbols{{"*", false, disc.box, 60}, {"x", true, letter.box, 95}};
+    correctBullets(symbols, {disc, letter}, ink, {{disc, letter}, {5, 8, 20, 13}, 6, 14});
+    return symbols.front().text;
+  };
+  EXPECT_EQ(read(8), "•") << "a pixel above the middle";
+  EXPECT_EQ(read(9), "•");
+  EXPECT_EQ(read(5), "*") << "a mark that stands high";
 }
 
 }  // namespace

@@ -20,7 +20,7 @@ bool isDisc(const Glyph& glyph, const GreyBitmap& ink, const TextLine& line) {
       std::abs(glyph.width() - glyph.height()) > std::max(1, glyph.height() / 6))
     return false;
   const double middle = (box.top + box.bottom) / 2.0;
-  const double middleOfLetters = line.baseline - line.letterHeight / 2.0;
+  const double middleOfLetters = line.baseline - (line.letterHeight + 1) / 2.0;
   if (std::abs(middle - middleOfLetters) > 0.2 * line.letterHeight) return false;
   double sum = 0;
   double corners = 0;
