@@ -9,6 +9,7 @@ namespace lumiscan::desktop {
 namespace {
 
 constexpr int coveringBorder = 3;  // Pixels that a ground covers around its box.
+constexpr double leastOwn = 0.45;  // Of a box's pixels are its surface's.
 
 bool isOfBoxSize(const Surface& surface) {
   constexpr int leastHeight = 10;
@@ -69,7 +70,6 @@ void Grounds::fillRectangle(std::uint32_t label) {
 
 /// Precondition: the grounds within the surface are known.
 bool Grounds::isBox(std::uint32_t label) const {
-  constexpr double leastOwn = 0.45;    // Of the box's pixels are the surface's.
   constexpr double mostPointer = 0.3;  // Of the height.
   const Surface& whole = surfaces_[label];
   // In photographs there are many large surfaces of few pixels, which aren't worth a closer look.
@@ -83,8 +83,7 @@ bool Grounds::isBox(std::uint32_t label) const {
 /// Whether a surface fills a box but for what is in it. What grounds cover of it, as the chosen row of a list
 /// or the title bar of a window does, says nothing about it.
 bool Grounds::isFull(std::uint32_t label, const Surface& box) const {
-  constexpr double leastOwn = 0.45;      // Of the box's pixels are the surface's;
-  constexpr double leastInside = 0.008;  // and of them are what is in it.
+  constexpr double leastInside = 0.008;  // Of the box's pixels are what is in it.
   double span = 0;
   double inside = 0;
   double enclosed = 0;
