@@ -32,10 +32,9 @@ bool waitUntil(const std::function<bool()>& condition, const std::function<void(
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
   while (!condition()) {
     if (std::chrono::steady_clock::now() > deadline) return false;
-    if (meanwhile)
-      meanwhile();
-    else
-      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    if (meanwhile) meanwhile();
+    // Without a pause the looks themselves would keep the X server from the program that is waited for.
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
   }
   return true;
 }
