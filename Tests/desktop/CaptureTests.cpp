@@ -11,6 +11,8 @@
 #include "desktop/CaptureFixture.h"
 #include "desktop/SilentSpeechServer.h"
 #include "platform/linux/drawing/QRCode.h"
+#include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/UnmanagedWindow.h"
 
 namespace lumiscan::testing {
 namespace {
@@ -180,6 +182,18 @@ TEST_P(DisplayLossTest, EndsTheProgramAtOnce) {
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
   EXPECT_NE(program_->standardError().find("the connection to the X display is lost"), std::string::npos)
       << program_->standardError();
+}
+
+// The moment that the test above seldom meets: the overlay is painted before the loss is noticed.
+TEST(UnmanagedWindow, IsWrittenToOverABrokenConnection) {
+  const PrivateDesktop desktop;
+  const auto connection = desktop::x11::Connection::open();
+  desktop::x11::UnmanagedWindow::Options options;
+  options.pixels = {0, 0, 1024, 600};
+  desktop::x11::UnmanagedWindow window(connection->get(), options);
+  desktop.server().signal(SIGKILL);
+  ASSERT_TRUE(waitUntil([&] { return !connection->isAlive(); }));
+  window.write(QImage(1024, 600, QImage::Format_RGB32), {0, 0});
 }
 
 INSTANTIATE_TEST_SUITE_P(, DisplayLossTest, ::testing::Values("Idle", "Dragging", "Recognizing"),

@@ -79,11 +79,12 @@ void UnmanagedWindow::showOnTop() {
 }
 
 void UnmanagedWindow::write(const QImage& image, QPoint topLeft) {
-  // As many rows at a time as one request takes.
+  // As many rows at a time as one request takes; a broken connection takes none.
   const auto bytesPerRow = static_cast<std::size_t>(image.bytesPerLine());
   constexpr std::size_t header = 64;
-  const std::size_t most = std::size_t{4} * xcb_get_maximum_request_length(connection_) - header;
-  const int rowsAtATime = static_cast<int>(std::max<std::size_t>(1, most / bytesPerRow));
+  const std::size_t most = std::size_t{4} * xcb_get_maximum_request_length(connection_);
+  if (most <= header) return;
+  const int rowsAtATime = static_cast<int>(std::max<std::size_t>(1, (most - header) / bytesPerRow));
   for (int y = 0; y < image.height(); y += rowsAtATime) {
     const int rows = std::min(rowsAtATime, image.height() - y);
     xcb_put_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, window_, gc_,
