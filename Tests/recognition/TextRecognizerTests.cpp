@@ -89,6 +89,11 @@ TEST(TextRecognizer, TellsCurlyMarksFromStraightOnes) {
   for (const auto& text : {curly, straight, curlyPage, straightPage})
     for (const double size : {16.0, 18.0, 20.0, 24.0})
       EXPECT_THAT(linesOf(pictureOf(text, {size})), ElementsAreArray(text)) << size;
+  // The two strokes of a mark touch.
+  const std::vector<std::string> tiny{"The section \"Entitled XYZ\" means a unit",
+                                      "such as \"Acknowledgements\", \"Dedications\"",
+                                      "If you still don't like it, that's ok"};
+  EXPECT_THAT(linesOf(pictureOf(tiny, {11})), ElementsAreArray(tiny));
 }
 
 TEST(TextRecognizer, ReadsSeveralLanguagesInOneText) {

@@ -23,6 +23,7 @@ struct Weights {
 // Fitted by logistic regression to marks in 22 fonts of 10 to 56 pixels, half of them curly.
 constexpr Weights ofApostrophes{0.5, 22, 0, 0.5, 0.95, -0.1, 0.3};
 constexpr Weights ofDoubleMarks{1.3, 25, 5, 2, 0.8, -0.8, 0.1};
+constexpr Weights ofTouchingStrokes{1.15, 26, 5, 0, 0, -0.7, -1.3};
 
 constexpr double surest = 4;  // What one mark can say.
 
@@ -49,7 +50,9 @@ double oddsOfShape(const QuoteMark& mark, char32_t curly, LineShapes& shapes) {
 
 double curliness(const QuoteMark& mark, const Symbol& symbol, bool opens, LineShapes& shapes) {
   constexpr double mostLean = 0.25;  // More than this tells no more.
-  const Weights& weights = mark.strokes == 1 ? ofApostrophes : ofDoubleMarks;
+  const Weights& weights = mark.touching       ? ofTouchingStrokes
+                           : mark.strokes == 1 ? ofApostrophes
+                                               : ofDoubleMarks;
   const double below = mark.weight > 0 ? std::clamp(std::log(mark.weight), -1.0, 1.0) : 0;
   double odds = weights.bias + (isReadAsCurly(symbol) ? weights.engine : -weights.engine);
   odds += weights.lean * std::min(std::abs(mark.lean), mostLean);

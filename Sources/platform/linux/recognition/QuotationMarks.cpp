@@ -89,7 +89,9 @@ std::vector<FoundMark> findMarks(const QuotedLine& line, const GreyBitmap& ink) 
     for (std::size_t i = 0; i < symbols.size(); ++i)
       if (isQuote(symbols[i].text) && (!nearest || distance(symbols[i]) < distance(symbols[*nearest])))
         nearest = i;
-    if (nearest && distance(symbols[*nearest]) <= line.line->letterHeight) found.push_back({mark, *nearest});
+    if (!nearest || distance(symbols[*nearest]) > line.line->letterHeight) continue;
+    if (!mark.touching || (isDouble(symbols[*nearest]) && symbols[*nearest].box == mark.box))
+      found.push_back({mark, *nearest});
   }
   return found;
 }

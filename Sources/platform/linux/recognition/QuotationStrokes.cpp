@@ -28,6 +28,14 @@ std::vector<QuoteMark> quoteMarks(const std::vector<Glyph>& glyphs, const GreyBi
                                   const TextLine& line) {
   const double slant = slantOf(glyphs, ink, line);
   std::vector<QuoteMark> marks;
+  // Of few pixels, one of two strokes alone may seem to lean.
+  const auto measure = [&](QuoteMark& mark) {
+    Halves halves = halvesOf(mark.box, ink);
+    halves.lean -= slant;
+    mark.straight = areStraight(halves);
+    mark.lean = halves.lean;
+    mark.weight = halves.weight;
+  };
   const auto add = [&](const PixelBox& stroke) {
     const bool second = !marks.empty() && marks.back().strokes == 1 &&
                         2 * (stroke.left - marks.back().box.right) <= line.letterHeight;
@@ -38,19 +46,13 @@ std::vector<QuoteMark> quoteMarks(const std::vector<Glyph>& glyphs, const GreyBi
       first.box.top = std::min(first.box.top, stroke.top);
       first.box.bottom = std::max(first.box.bottom, stroke.bottom);
     } else {
-      marks.push_back({stroke, 1, true, 0, 0});
+      marks.push_back({stroke, 1, false, true, 0, 0});
     }
-    // Of few pixels, one of two strokes alone may seem to lean.
-    QuoteMark& mark = marks.back();
-    Halves halves = halvesOf(mark.box, ink);
-    halves.lean -= slant;
-    mark.straight = areStraight(halves);
-    mark.lean = halves.lean;
-    mark.weight = halves.weight;
+    measure(marks.back());
   };
   for (const Glyph& glyph : glyphs) {
     const bool high = glyph.box.bottom < line.baseline - line.letterHeight / 2;
-    if (!high || glyph.height() < 3) continue;
+    if (!high || glyph.height() < 2) continue;
     // Dots and accents have their letter below them.
     const bool overLetter = std::any_of(glyphs.begin(), glyphs.end(), [&](const Glyph& other) {
       return other.box.top > glyph.box.bottom && other.box.left <= glyph.box.right &&
@@ -58,7 +60,7 @@ std::vector<QuoteMark> quoteMarks(const std::vector<Glyph>& glyphs, const GreyBi
     });
     if (overLetter) continue;
     if (isSlender(glyph.box)) {
-      if (2 * glyph.width() <= line.letterHeight) add(glyph.box);
+      if (glyph.height() >= 3 && 2 * glyph.width() <= line.letterHeight) add(glyph.box);
       continue;
     }
     // The strokes of a straight double mark may touch.
@@ -67,7 +69,12 @@ std::vector<QuoteMark> quoteMarks(const std::vector<Glyph>& glyphs, const GreyBi
         strokes.size() == 2 && std::all_of(strokes.begin(), strokes.end(), [&](const PixelBox& stroke) {
           return isSlender(stroke) && isStraight(stroke, ink);
         });
-    if (areTwo) std::for_each(strokes.begin(), strokes.end(), add);
+    if (areTwo) {
+      std::for_each(strokes.begin(), strokes.end(), add);
+    } else if (5 * glyph.height() <= 3 * line.letterHeight && glyph.width() <= line.letterHeight) {
+      marks.push_back({glyph.box, 2, true, true, 0, 0});
+      measure(marks.back());
+    }
   }
   return marks;
 }

@@ -10,7 +10,8 @@ namespace lumiscan::desktop {
 /// An apostrophe or quotation mark at the height of capitals. The box in pixels of the image.
 struct QuoteMark {
   PixelBox box;
-  int strokes;  ///< 1 or 2.
+  int strokes;    ///< 1 or 2.
+  bool touching;  ///< Two strokes can't be told apart; it may be another sign, such as an asterisk.
   bool straight;
   double lean;    ///< As `Halves::lean`, but beyond the slant of the line's letters.
   double weight;  ///< As `Halves::weight`.
