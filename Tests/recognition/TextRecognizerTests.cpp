@@ -75,6 +75,9 @@ TEST(TextRecognizer, ReadsSpacesByTheirWidthAndDashesByTheirStrokes) {
       "Run `make all` in ~/notes -- or `make`", "The 'first' [link](#page) is \"here\""};
   for (const double size : {12.0, 15.0, 20.0})
     EXPECT_THAT(linesOf(pictureOf(text, {size})), ElementsAreArray(text)) << size;
+  // An A has no room of its own; a stroke of a quotation mark touches the letter beside it.
+  for (const std::string line : {"A section of it and what else", "in his \"views\" of it"})
+    EXPECT_THAT(linesOf(pictureOf({line}, {13})), ElementsAre(line));
 }
 
 TEST(TextRecognizer, TellsCurlyMarksFromStraightOnes) {

@@ -81,7 +81,7 @@ struct FoundMark {
 std::vector<FoundMark> findMarks(const QuotedLine& line, const GreyBitmap& ink) {
   const std::vector<Symbol>& symbols = *line.symbols;
   std::vector<FoundMark> found;
-  for (const QuoteMark& mark : quoteMarks(*line.glyphs, ink, *line.line)) {
+  for (QuoteMark& mark : quoteMarks(*line.glyphs, ink, *line.line)) {
     const auto distance = [&](const Symbol& symbol) {
       return std::abs(middleOf(symbol.box) - middleOf(mark.box));
     };
@@ -90,6 +90,7 @@ std::vector<FoundMark> findMarks(const QuotedLine& line, const GreyBitmap& ink) 
       if (isQuote(symbols[i].text) && (!nearest || distance(symbols[i]) < distance(symbols[*nearest])))
         nearest = i;
     if (!nearest || distance(symbols[*nearest]) > line.line->letterHeight) continue;
+    if (mark.strokes == 1 && isDouble(symbols[*nearest]) && hasTwinAtLetter(mark, ink)) mark.strokes = 2;
     if (!mark.touching || (isDouble(symbols[*nearest]) && symbols[*nearest].box == mark.box))
       found.push_back({mark, *nearest});
   }

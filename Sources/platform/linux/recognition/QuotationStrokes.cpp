@@ -1,6 +1,7 @@
 #include "platform/linux/recognition/QuotationStrokes.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "platform/linux/recognition/Clusters.h"
 #include "platform/linux/recognition/QuotationShapes.h"
@@ -77,6 +78,32 @@ std::vector<QuoteMark> quoteMarks(const std::vector<Glyph>& glyphs, const GreyBi
     }
   }
   return marks;
+}
+
+bool hasTwinAtLetter(const QuoteMark& mark, const GreyBitmap& ink) {
+  const PixelBox& box = mark.box;
+  const int middle = (box.top + box.bottom) / 2;
+  int full = 0;
+  for (int x = box.left; x <= box.right; ++x) full = std::max<int>(full, ink.at(x, middle));
+  const auto isInk = [&](int x, int y) { return ink.contains(x, y) && 2 * ink.at(x, y) >= full; };
+  const auto isTwin = [&](int edge, int step) {
+    int first = edge + step;
+    while (!isInk(first, middle) && std::abs(first - edge) <= box.height()) first += step;
+    int last = first;
+    while (isInk(last + step, middle)) last += step;
+    const int width = std::abs(last - first) + 1;
+    if (!isInk(first, middle) || width > box.width() + 1) return false;
+    const auto reaches = [&](int y) {
+      for (int x = std::min(first, last); x <= std::max(first, last); ++x)
+        if (isInk(x, y)) return true;
+      return false;
+    };
+    if (!reaches(box.top) || reaches(box.top - 1)) return false;
+    int bottom = box.bottom;
+    while (reaches(bottom + 1)) ++bottom;
+    return bottom <= box.bottom + 2 * box.height();
+  };
+  return isTwin(box.left, -1) || isTwin(box.right, 1);
 }
 
 }  // namespace lumiscan::desktop

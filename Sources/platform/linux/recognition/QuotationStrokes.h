@@ -21,4 +21,8 @@ struct QuoteMark {
 std::vector<QuoteMark> quoteMarks(const std::vector<Glyph>& glyphs, const GreyBitmap& ink,
                                   const TextLine& line);
 
+/// Whether beside a mark of one stroke there is another like it, which touches a letter but is no stem of
+/// one.
+bool hasTwinAtLetter(const QuoteMark& mark, const GreyBitmap& ink);
+
 }  // namespace lumiscan::desktop

@@ -86,6 +86,10 @@ int widestAround(const std::vector<Pair>& pairs, const Pair& pair) {
   return widest;
 }
 
+bool isFirstLetter(const std::vector<Pair>& pairs, const Pair& pair) {
+  return &pair == pairs.data() || pair.left->spaceBefore || !isWordCharacter(*(&pair - 1)->left);
+}
+
 /// A gap as wide as most of a space is one whatever was read; one that is far narrower is none. A space that
 /// was measured in other lines tells less. A space within a word must stand out among the gaps of words, too;
 /// one beside a backtick is wider than others, since the mark is narrow in its place.
@@ -101,10 +105,11 @@ void correctByWidth(const std::vector<Pair>& pairs, int wideInWords, double spac
     const double least = atBacktick ? 0.75 : !isOfLine ? 0.35 : atLetter ? 0.6 : 0.8;
     if (right.spaceBefore && !inWord && width < least) right.spaceBefore = false;
     const double leastInWord = 1.3 * std::max(wideInWords, widestAround(pairs, pair)) + 1;
-    // Digits have one width, and some much room in it.
+    // Digits have one width, and some much room in it. An A, alone a word, has none at its foot.
     const bool atDigit = isDigit(*pair.left) || isDigit(right);
-    if (!right.spaceBefore && width > (atDigit || !inWord ? 1.0 : 0.8) &&
-        (!inWord || pair.gap() > leastInWord))
+    const bool behindA = isFirstLetter(pairs, pair) && pair.left->text == "A";
+    const double leastWidth = behindA ? 0.6 : atDigit || !inWord ? 1.0 : 0.8;
+    if (!right.spaceBefore && width > leastWidth && (!(inWord || behindA) || pair.gap() > leastInWord))
       right.spaceBefore = true;
   }
 }
