@@ -1,13 +1,8 @@
 // What is left when the program is killed while it stores captures: the last complete state, with every
 // capture that was reported. LUMISCAN_KILLS says how often to kill it, 12 times by default.
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <QCoreApplication>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -16,50 +11,23 @@
 #include <thread>
 
 #include "desktop/PrivateDesktop.h"
-#include "output/ClipboardService.h"
-#include "output/HistoryStore.h"
-#include "platform/Application.h"
-#include "platform/linux/LinuxDesktop.h"
+#include "output/CaptureRecord.h"
 #include "platform/linux/UserDefaults.h"
 
 namespace lumiscan::testing {
 namespace {
 
-/// Stores one capture after the other, each with its number, and reports it, until it is killed or the test
-/// has ended.
-[[noreturn]] void capture(int report) {
-  prctl(PR_SET_PDEATHSIG, SIGKILL);
-  char name[] = "test";
-  char* argv[] = {name, nullptr};
-  int argc = 1;
-  const desktop::LinuxDesktop desktop(argc, argv);
-  platform::Application::shared();
-  const auto& items = HistoryStore::shared().items();
-  for (int number = items.empty() ? 1 : std::stoi(items[0].text) + 1;; ++number) {
-    const std::string text = std::to_string(number);
-    ClipboardService::appendAdditive(text);
-    HistoryStore::shared().add({platform::UUID::random(), platform::Date::now(), CaptureMode::text, text});
-    QCoreApplication::processEvents();
-    if (write(report, &number, sizeof number) != sizeof number) std::_Exit(EXIT_FAILURE);
-  }
-}
-
 /// Lets a process capture for a moment that differs each time, and kills it; the last capture it reported.
 int captureAndKill(std::chrono::microseconds moment) {
-  int ends[2];
-  EXPECT_EQ(pipe(ends), 0);
-  const pid_t process = fork();
-  if (process == 0) capture(ends[1]);
-  close(ends[1]);
-  int last = 0;
+  Process process({LUMISCAN_STORE_CAPTURES});
+  const auto reports = [&process] { return process.standardOutput(); };
   // The moment counts from the first capture on.
-  if (read(ends[0], &last, sizeof last) != sizeof last) ADD_FAILURE() << "it ended by itself";
+  EXPECT_TRUE(waitUntil([&] { return !reports().empty(); }));
   std::this_thread::sleep_for(moment);
-  kill(process, SIGKILL);
-  for (int number = 0; read(ends[0], &number, sizeof number) == sizeof number;) last = number;
-  close(ends[0]);
-  waitpid(process, nullptr, 0);
-  return last;
+  process.signal(SIGKILL);
+  EXPECT_EQ(process.waitForEnd(), 128 + SIGKILL) << "it ended by itself";
+  const std::string all = reports();
+  return all.empty() ? 0 : std::stoi(all.substr(all.rfind('\n', all.size() - 2) + 1));
 }
 
 TEST(Durability, AKilledProgramLeavesTheLastCompleteState) {
