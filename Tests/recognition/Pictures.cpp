@@ -4,6 +4,7 @@
 #include <ZXing/MultiFormatWriter.h>
 
 #include <algorithm>
+#include <cmath>
 #include <functional>
 
 #include "platform/linux/drawing/BitmapContext.h"
@@ -12,6 +13,7 @@ namespace lumiscan::desktop {
 
 namespace {
 
+using platform::Color;
 using platform::Image;
 using platform::PixelFormat;
 
@@ -49,6 +51,44 @@ Image pictureOf(const std::vector<std::string>& lines, const TextStyle& style) {
   context->fill(platform::BezierPath::rect({{0, 0}, {10'000, 10'000}}), style.ground);
   double y = height - margin;
   for (const std::string& line : lines) context->draw(line, {margin, y -= lead}, attributes);
+  return context->makeImage();
+}
+
+Image pictureWithText(const std::vector<std::string>& lines, double size, Color color, bool outlined) {
+  const double width = 22 * size;
+  const double height = (2 * static_cast<double>(lines.size()) + 1) * size;
+  const auto context = CairoBitmapContext::create(static_cast<int>(width), static_cast<int>(height));
+  constexpr int step = 4;
+  for (int row = 0; row < height; row += step)
+    for (int column = 0; column < width; column += step) {
+      const double x = column;
+      const double y = row;
+      const double hill = 0.5 + 0.5 * std::sin(x / 31) * std::cos(y / 23);
+      context->fill(platform::BezierPath::rect({{x, y}, {step, step}}),
+                    {0.25 + 0.55 * hill, 0.6 - 0.3 * hill, 0.3 + 0.3 * std::sin(x / 17 + y / 29), 1});
+    }
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    const double y = height - 2 * static_cast<double>(i + 1) * size;
+    const auto draw = [&](double right, double up, Color of) {
+      context->draw(lines[i], {size + right, y + up}, {{platform::Font::Design::sansSerif, size}, of});
+    };
+    if (outlined)
+      for (const double right : {-2.0, 0.0, 2.0})
+        for (const double up : {-2.0, 0.0, 2.0}) draw(right, up, Color::black());
+    else
+      for (const double blur : {-1.0, 0.0, 1.0}) draw(blur, -1, {0, 0, 0, 0.6});
+    draw(0, 0, color);
+  }
+  return context->makeImage();
+}
+
+Image footnotePicture(const std::string& words, const std::string& number, double size) {
+  const auto context = CairoBitmapContext::create(static_cast<int>(16 * size), static_cast<int>(3 * size));
+  context->fill(platform::BezierPath::rect({{0, 0}, {16 * size, 3 * size}}), Color::white());
+  const platform::TextAttributes usual{{platform::Font::Design::sansSerif, size}, Color::black()};
+  context->draw(words, {size, size}, usual);
+  context->draw(number, {size + context->sizeOf(words, usual).width, 1.5 * size},
+                {{platform::Font::Design::sansSerif, 0.75 * size}, Color::black()});
   return context->makeImage();
 }
 

@@ -24,6 +24,14 @@ struct TextStyle {
 /// Lines of text below each other with a margin around them.
 platform::Image pictureOf(const std::vector<std::string>& lines, const TextStyle& style = {});
 
+/// Hills of colour in small steps, on which lines of text lie whose letters have an outline, or a shadow
+/// below.
+platform::Image pictureWithText(const std::vector<std::string>& lines, double size, platform::Color color,
+                                bool outlined);
+
+/// A line of text with the small raised number of a footnote at its end.
+platform::Image footnotePicture(const std::string& words, const std::string& number, double size);
+
 /// The same pixels with other formats and row lengths; what is added is noise.
 platform::Image asXrgb(const platform::Image& image);
 platform::Image withLongRows(const platform::Image& image);
