@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "CaptureDescription.h"
+#include "ControllerFixture.h"
 #include "LaunchedProgram.h"
 
 namespace lumiscan {
@@ -39,7 +39,8 @@ TEST_F(AppDelegateTest, RecognizesAndDecodesOffTheMainThreadInTheUsersLanguages)
 TEST_F(AppDelegateTest, RequestsOpenASessionWithAHintOrRepeatTheLastSelection) {
   desktop.textRecognizer().recognizes({"text"});
   press(HotkeyAction::captureLastSelection);
-  EXPECT_THAT(overlays(), IsEmpty()) << "nothing is stored yet";
+  EXPECT_THAT(results(), ElementsAre("show exclamationmark.triangle.fill No previous selection yet"));
+  EXPECT_THAT(overlays(), IsEmpty());
   for (const auto action : {HotkeyAction::captureText, HotkeyAction::captureTextNoBreaks,
                             HotkeyAction::captureAndSpeak, HotkeyAction::captureBarcode}) {
     desktop.effects().take();
@@ -49,6 +50,8 @@ TEST_F(AppDelegateTest, RequestsOpenASessionWithAHintOrRepeatTheLastSelection) {
                 ElementsAre("show text.magnifyingglass Drag to select an area / Esc or click cancels"));
   }
   desktop.windows().keyDown(platform::keyCodeEscape);
+  desktop.settle();
+  EXPECT_THAT(results(), IsEmpty()) << "a cancelled session says nothing";
   desktop.advance(2.4);
   EXPECT_EQ(desktop.windows().visible().size(), 1U) << "shows for 2.2 seconds and fades";
   desktop.advance(0.1);

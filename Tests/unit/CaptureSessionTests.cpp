@@ -1,9 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "CaptureDescription.h"
-#include "capture/ScreenCaptureController.h"
-#include "support/SimulatedDesktop.h"
+#include "ControllerFixture.h"
 
 namespace lumiscan {
 namespace {
@@ -12,29 +10,8 @@ using platform::LogLevel;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-TEST(CaptureMode, IsMadeFromExactlyItsStoredForm) {
-  EXPECT_EQ(rawValue(CaptureMode::textToSpeech), "textToSpeech");
-  for (const CaptureMode mode : {CaptureMode::text, CaptureMode::textToSpeech, CaptureMode::barcode})
-    EXPECT_EQ(captureMode(rawValue(mode)), mode);
-  for (const char* other : {"", "Text", "text ", " text", "texttospeech"})
-    EXPECT_EQ(captureMode(other), std::nullopt) << other;
-}
-
-class CaptureSessionTest : public ::testing::Test {
+class CaptureSessionTest : public ControllerFixture {
  protected:
-  /// Begins a session whose end appears in `ends` as "name: outcome".
-  void begin(const std::string& name = "session", CaptureMode mode = CaptureMode::text,
-             LineBreaksOverride lineBreaks = std::nullopt) {
-    controller->begin(
-        mode, lineBreaks,
-        [=, this](const CaptureOutcome& outcome, CaptureMode endMode, LineBreaksOverride endBreaks) {
-          EXPECT_TRUE(desktop.dispatcher().isMainThread());
-          EXPECT_EQ(endMode, mode);
-          EXPECT_EQ(endBreaks, lineBreaks);
-          ends.push_back(name + ": " + describe(outcome));
-        });
-  }
-  void drag() { desktop.windows().dragMouse({100, 200}, {400, 350}); }
   /// The lines of the sessions' log since the last call.
   std::vector<std::string> logMessages() {
     std::vector<std::string> messages;
@@ -49,10 +26,6 @@ class CaptureSessionTest : public ::testing::Test {
     EXPECT_THAT(desktop.windows().visible(), IsEmpty());
     EXPECT_THAT(desktop.cursors().pushed, IsEmpty());
   }
-
-  testing::SimulatedDesktop desktop;
-  std::shared_ptr<ScreenCaptureController> controller = std::make_shared<ScreenCaptureController>();
-  std::vector<std::string> ends;
 };
 
 TEST_F(CaptureSessionTest, WithoutAccessABeginEndsAtOnceAndLeavesAnOpenSessionAlone) {
@@ -70,7 +43,6 @@ TEST_F(CaptureSessionTest, WithoutAccessABeginEndsAtOnceAndLeavesAnOpenSessionAl
   EXPECT_EQ(controller->selectionWindows().size(), 1U);
   desktop.displays().accessGranted = true;
   drag();
-  desktop.settle();
   EXPECT_EQ(ends.back(), "open: 100,550 300×150");
 }
 
@@ -102,7 +74,7 @@ TEST_F(CaptureSessionTest, CoversEveryScreenWithTheFocusUnderTheMouse) {
 TEST_F(CaptureSessionTest, ConfirmationCapturesAfterTheOverlaysHaveGone) {
   begin("session", CaptureMode::textToSpeech, false);
   logMessages();
-  drag();
+  desktop.windows().dragMouse({100, 200}, {400, 350});
   expectNothingShows();
   EXPECT_THAT(ends, IsEmpty());
   EXPECT_THAT(logMessages(), ElementsAre("view mouseDown", "view mouseUp window=true rect=300x150",
@@ -130,7 +102,6 @@ TEST_F(CaptureSessionTest, FailuresOfTheSnapshotAndOfTheCropAreToldApart) {
     desktop.displays().setImage(1, each.picture);
     begin();
     drag();
-    desktop.settle();
     EXPECT_EQ(ends.back(), each.end);
     EXPECT_EQ(logMessages().back(), each.log);
   }
@@ -146,13 +117,13 @@ TEST_F(CaptureSessionTest, CancelsByKeyClickOrTooSmallARectangle) {
       },
       [this] { controller->selectionWindows()[0]->sendCancel(); },
       [this] {
-        desktop.windows().dragMouse({100, 200}, {100, 200});
+        drag({100, 200}, {100, 200});
       },
       [this] {
-        desktop.windows().dragMouse({100, 200}, {105.9, 300});
+        drag({100, 200}, {105.9, 300});
       },
       [this] {
-        desktop.windows().dragMouse({100, 200}, {300, 194.1});
+        drag({100, 200}, {300, 194.1});
       },
   };
   for (const auto& cancel : cancels) {
@@ -166,7 +137,6 @@ TEST_F(CaptureSessionTest, CancelsByKeyClickOrTooSmallARectangle) {
     expectNothingShows();
     EXPECT_EQ(logMessages().back(), "selection cancelled");
   }
-  desktop.settle();
   EXPECT_THAT(desktop.displays().snapshots, IsEmpty());
 }
 
@@ -174,8 +144,7 @@ TEST_F(CaptureSessionTest, WatchdogCancelsASessionLeftOpenFor90SecondsAndNoOther
   begin("cancelled");
   desktop.windows().keyDown(platform::keyCodeEscape);
   begin("smallest");
-  desktop.windows().dragMouse({106, 206}, {100, 200});
-  desktop.settle();
+  drag({106, 206}, {100, 200});
   desktop.advance(80);
   begin("left open");
   logMessages();
@@ -205,19 +174,18 @@ TEST_F(CaptureSessionTest, SecondBeginReplacesTheOpenSession) {
 
 TEST_F(CaptureSessionTest, SessionBegunDuringACaptureKeepsItsResultApart) {
   begin("first", CaptureMode::barcode, true);
-  drag();
+  desktop.windows().dragMouse({100, 200}, {400, 350});
   begin("second");
   desktop.settle();
   EXPECT_THAT(ends, ElementsAre("first: 100,550 300×150"));
   EXPECT_EQ(controller->selectionWindows().size(), 1U);
-  desktop.windows().dragMouse({0, 0}, {10, 10});
-  desktop.settle();
+  drag({0, 0}, {10, 10});
   EXPECT_THAT(ends, ElementsAre("first: 100,550 300×150", "second: 0,890 10×10"));
 }
 
 TEST_F(CaptureSessionTest, WithoutScreensEndsAtOnceAndWithoutItsControllerNever) {
   begin();
-  drag();
+  desktop.windows().dragMouse({100, 200}, {400, 350});
   controller = nullptr;
   desktop.settle();
   desktop.advance(100);
