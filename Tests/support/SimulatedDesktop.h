@@ -28,7 +28,7 @@ class SimulatedApplication : public platform::Application {
   explicit SimulatedApplication(SimulatedDispatcher& dispatcher) : dispatcher_(dispatcher) {}
 
   void setDelegate(platform::ApplicationDelegate* newDelegate) override { delegate = newDelegate; }
-  void setActivationPolicy(platform::ActivationPolicy newPolicy) override { policy = newPolicy; }
+  void setActivationPolicy(platform::ActivationPolicy) override {}
   void run() override {
     dispatcher_.handleEvent([this] {
       if (delegate) delegate->applicationDidFinishLaunching();
@@ -40,7 +40,6 @@ class SimulatedApplication : public platform::Application {
   void disableSuddenTermination() override { suddenTerminationDisabled = true; }
 
   platform::ApplicationDelegate* delegate = nullptr;
-  platform::ActivationPolicy policy = platform::ActivationPolicy::regular;
   bool terminated = false;
   int activations = 0;
   bool suddenTerminationDisabled = false;
@@ -71,7 +70,7 @@ class SimulatedDesktop : public platform::Desktop {
     Desktop::install(nullptr);
   }
 
-  std::optional<std::string> interactiveModeProblem() override { return problem; }
+  std::optional<std::string> interactiveModeProblem() override { return std::nullopt; }
   bool claimInstance() override { return true; }
   SimulatedApplication& application() override {
     if (!application_) application_ = std::make_unique<SimulatedApplication>(dispatcher_);
@@ -120,7 +119,6 @@ class SimulatedDesktop : public platform::Desktop {
   void runBackgroundTasks() { dispatcher_.runBackgroundTasks(); }
   void settle() { dispatcher_.settle(); }
 
-  std::optional<std::string> problem;
   platform::Appearance look;
   /// Whether the application object was ever asked for.
   bool applicationMade() const { return application_ != nullptr; }
