@@ -278,16 +278,10 @@ xcb_window_t PrivateDesktop::windowUnderMouse() const {
   return owned(xcb_query_pointer_reply(connection_, xcb_query_pointer(connection_, root_), nullptr))->child;
 }
 
-bool PrivateDesktop::canGrabPointer() const {
-  const bool can = grabPointer();
+int PrivateDesktop::heldByOthers() const {
+  const int held = (grabPointer() ? 0 : 1) + (grabKeyboard() ? 0 : 1);
   ungrab();
-  return can;
-}
-
-bool PrivateDesktop::canGrabKeyboard() const {
-  const bool can = grabKeyboard();
-  ungrab();
-  return can;
+  return held;
 }
 
 bool PrivateDesktop::grabPointer() const {

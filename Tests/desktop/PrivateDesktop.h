@@ -88,8 +88,8 @@ class PrivateDesktop {
   /// The top-level window that gets the mouse.
   xcb_window_t windowUnderMouse() const;
   /// Whether nobody holds the mouse or the keyboard; whether both are held.
-  bool inputIsFree() const { return canGrabPointer() && canGrabKeyboard(); }
-  bool inputIsTaken() const { return !canGrabPointer() && !canGrabKeyboard(); }
+  bool inputIsFree() const { return heldByOthers() == 0; }
+  bool inputIsTaken() const { return heldByOthers() == 2; }
   /// Whether some program holds the default shortcut: taking it is refused then. The server serves nobody
   /// else meanwhile, so that this try gets in no program's way.
   bool shortcutIsTaken() const;
@@ -116,8 +116,7 @@ class PrivateDesktop {
 
  private:
   void waitForWindowManager() const;
-  bool canGrabPointer() const;
-  bool canGrabKeyboard() const;
+  int heldByOthers() const;  ///< How many of the mouse and the keyboard.
   void fake(std::uint8_t type, std::uint8_t detail, int x = 0, int y = 0);
   void sync() const;
   std::vector<std::uint32_t> pixels(int x, int y, int width, int height) const;

@@ -79,9 +79,6 @@ class SettingsWindowTest : public ::testing::Test, protected LinuxFixture {
   bool becomes(const std::string& key, const nlohmann::json& value) {
     return waitFor([&] { return stored(key) == value; });
   }
-  std::filesystem::path autostartEntry() const {
-    return screen().home() / "config/autostart/com.varnholt.Lumiscan.desktop";
-  }
 
   SettingsWindowController controller_;
   std::vector<std::string> fired_;
@@ -108,22 +105,23 @@ TEST_F(SettingsWindowTest, ClicksWorkEveryKindOfControl) {
 }
 
 TEST_F(SettingsWindowTest, LaunchAtLoginIsAnEntryOnTheDisk) {
+  // Where there can't be one the switch turns back.
+  const auto entry = screen().home() / "config/autostart/com.varnholt.Lumiscan.desktop";
+  std::filesystem::create_directory(screen().home() / "config");
+  std::ofstream(entry.parent_path()) << "no folder";
   open();
-  click("Launch at login");
-  ASSERT_TRUE(waitFor([this] { return std::filesystem::exists(autostartEntry()); }));
-  click("Launch at login");
-  EXPECT_TRUE(waitFor([this] { return !std::filesystem::exists(autostartEntry()); }));
-  EXPECT_TRUE(std::filesystem::is_empty(autostartEntry().parent_path()));
-
-  // Where there can't be an entry the switch turns back.
-  std::filesystem::remove(autostartEntry().parent_path());
-  std::ofstream(autostartEntry().parent_path()) << "no folder";
   const auto* const launchAtLogin = qobject_cast<QAbstractButton*>(control("Launch at login"));
   ASSERT_TRUE(launchAtLogin);
   int turns = 0;
   QObject::connect(launchAtLogin, &QAbstractButton::toggled, [&turns] { ++turns; });
   click("Launch at login");
   EXPECT_TRUE(waitFor([&] { return turns > 0 && !launchAtLogin->isChecked(); }));
+
+  std::filesystem::remove(entry.parent_path());
+  for (const bool isWanted : {true, false}) {
+    click("Launch at login");
+    EXPECT_TRUE(waitFor([&] { return std::filesystem::exists(entry) == isWanted; })) << isWanted;
+  }
 }
 
 TEST_F(SettingsWindowTest, FieldsRecordWhatIsPressed) {
