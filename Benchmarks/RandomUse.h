@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <random>
 #include <string>
@@ -9,7 +10,6 @@
 
 #include "desktop/PrivateDesktop.h"
 #include "desktop/Servers.h"
-#include "desktop/SilentSpeechServer.h"
 #include "desktop/TrayPanel.h"
 
 namespace lumiscan {
@@ -56,7 +56,7 @@ class RandomUse {
   char* argv_[2] = {name_, nullptr};
   int argc_ = 1;
   testing::PrivateDesktop desktop_;
-  testing::SilentSpeechServer speechServer_{desktop_};
+  const std::unique_ptr<testing::Process> speechServer_ = testing::startSilentSpeechServer(desktop_);
   testing::PrivateBus bus_;
   QCoreApplication application_{argc_, argv_};
   testing::TrayPanel panel_{bus_.address()};

@@ -9,7 +9,7 @@
 #include <fstream>
 
 #include "desktop/CaptureFixture.h"
-#include "desktop/SilentSpeechServer.h"
+#include "desktop/Servers.h"
 #include "platform/linux/drawing/QRCode.h"
 #include "platform/linux/x11/Connection.h"
 #include "platform/linux/x11/UnmanagedWindow.h"
@@ -87,7 +87,7 @@ class EveryModeTest : public CaptureTest, public ::testing::WithParamInterface<s
 
   const std::filesystem::path preferences_ = desktop_.home() / "config" / "lumiscan";
   const std::filesystem::file_time_type start_ = std::filesystem::file_time_type::clock::now();
-  std::optional<SilentSpeechServer> speechServer_;
+  std::unique_ptr<Process> speechServer_;
   std::unique_ptr<Process> code_;
 };
 
@@ -96,7 +96,7 @@ TEST_P(EveryModeTest, CapturesWithoutANetworkAndLeavesTheTextOnlyWhereItBelongs)
   attempt.push_back("true");
   if (Process(attempt).waitForEnd() != 0) GTEST_SKIP() << "this kernel allows no namespace without a network";
   program_ = nullptr;
-  speechServer_.emplace(desktop_);
+  speechServer_ = startSilentSpeechServer(desktop_);
   showCode();
   desktop_.writePreferences(R"({"additiveEnabled": true})");
   startProgram(GetParam());

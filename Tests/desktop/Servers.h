@@ -1,11 +1,13 @@
 #pragma once
 
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <stdexcept>
 #include <string>
 
-#include "desktop/Process.h"
+#include "desktop/PrivateDesktop.h"
 
 // Servers of a test's own, which end with their objects.
 
@@ -37,6 +39,16 @@ inline std::unique_ptr<Process> startSpeechServer(const std::filesystem::path& f
   if (!waitUntil([&] { return std::filesystem::exists(socket); }))
     throw std::runtime_error("no speech server");
   return server;
+}
+
+/// A speech server without a voice, on a private desktop: this process's environment points at it.
+inline std::unique_ptr<Process> startSilentSpeechServer(const PrivateDesktop& desktop) {
+  const auto folder = desktop.home() / "speech";
+  std::filesystem::create_directories(folder / "modules");
+  std::ofstream(folder / "speechd.conf") << "AudioOutputMethod \"alsa\"\nAudioALSADevice \"null\"\n"
+                                            "AddModule \"dummy\" \"sd_dummy\" \"\"\nDefaultModule dummy\n";
+  setenv("SPEECHD_ADDRESS", ("unix_socket:" + (folder / "socket").string()).c_str(), 1);
+  return startSpeechServer(folder);
 }
 
 }  // namespace lumiscan::testing
