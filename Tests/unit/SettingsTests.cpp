@@ -228,8 +228,8 @@ TEST_F(SettingsWindowTest, FieldsRecordAcceptableCombinationsRefuseOthersWithABe
   HotkeyManager::shared().reregisterAll();
   for (const Case& each :
        {Case{23, modifierCommand | modifierShift | modifierCapsLock, "23,768", "⇧⌘5"},
-        Case{122, modifierOption, "122,2048", "⌥F1"}, Case{96, modifierOption, "96,2048", "⌥Key 96"},
-        Case{1, modifierControl | 0x104, "1,4096", "⌃S"},
+        Case{122, modifierOption | modifierCapsLock, "122,2048", "⌥F1"},
+        Case{96, modifierOption, "96,2048", "⌥Key 96"}, Case{1, modifierControl | 0x104, "1,4096", "⌃S"},
         Case{0, modifierControl | modifierOption | modifierCommand, "0,6400", "—"}}) {
     posts = 0;
     form->pressKey("Stop Speaking", each.keyCode, each.modifiers);
