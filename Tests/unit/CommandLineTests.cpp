@@ -13,11 +13,11 @@
 namespace lumiscan {
 namespace {
 
-/// The status that the self-test returns, and what it prints.
-std::pair<int, std::string> selfTest() {
+/// The status that `run` returns, and what it prints.
+std::pair<int, std::string> printed(int (*run)()) {
   std::ostringstream output;
   std::streambuf* const original = std::cout.rdbuf(output.rdbuf());
-  const int status = SelfTest::run();
+  const int status = run();
   std::cout.rdbuf(original);
   return {status, output.str()};
 }
@@ -40,6 +40,18 @@ TEST(CommandLine, FlagsCountAnywhereButOnlyWhole) {
   };
   for (const Case& each : cases)
     EXPECT_EQ(launchMode(each.arguments), each.mode) << ::testing::PrintToString(each.arguments);
+}
+
+TEST(CommandLine, ProbeAsksNobodyAndMakesNoApplication) {
+  testing::SimulatedDesktop desktop;
+  for (const bool granted : {true, false}) {
+    desktop.displays().accessGranted = granted;
+    const std::string answer = granted ? "true" : "false";
+    EXPECT_EQ(printed(runPermissionProbe),
+              std::pair(granted ? 0 : 1, "Screen recording granted: " + answer + "\n"));
+  }
+  EXPECT_EQ(desktop.displays().accessRequests, 0);
+  EXPECT_FALSE(desktop.applicationMade());
 }
 
 class SelfTestTest : public ::testing::Test {
@@ -85,7 +97,7 @@ TEST_F(SelfTestTest, ReportsWhatWasRead) {
       desktop.textRecognizer().result = platform::Error{"no engine"};
       desktop.barcodeDetector().result = platform::Error{"no detector"};
     }
-    EXPECT_EQ(selfTest(), std::pair(&each == &cases.front() ? 0 : 1, each.output));
+    EXPECT_EQ(printed(SelfTest::run), std::pair(&each == &cases.front() ? 0 : 1, each.output));
   }
   EXPECT_FALSE(desktop.applicationMade());
 }
@@ -93,16 +105,16 @@ TEST_F(SelfTestTest, ReportsWhatWasRead) {
 TEST_F(SelfTestTest, StopsWhereAnImageCannotBeMade) {
   desktop.textRecognizer().recognizes({"Lumiscan 24680"});
   desktop.drawing().qrCode = std::nullopt;
-  EXPECT_EQ(selfTest(), std::pair(1, std::string("PASS  OCR recognizes the app name\n"
-                                                 "PASS  OCR recognizes digits\n"
-                                                 "PASS  Line collapsing\n"
-                                                 "FAIL  QR generation returned nil\n")));
+  EXPECT_EQ(printed(SelfTest::run), std::pair(1, std::string("PASS  OCR recognizes the app name\n"
+                                                             "PASS  OCR recognizes digits\n"
+                                                             "PASS  Line collapsing\n"
+                                                             "FAIL  QR generation returned nil\n")));
   desktop.drawing().makesContexts = false;
-  EXPECT_EQ(selfTest(), std::pair(1, std::string("FAIL  text rendering returned nil\n")));
+  EXPECT_EQ(printed(SelfTest::run), std::pair(1, std::string("FAIL  text rendering returned nil\n")));
 }
 
 TEST_F(SelfTestTest, DrawsTheTextAndTheCodeThatItReads) {
-  selfTest();
+  printed(SelfTest::run);
   ASSERT_EQ(desktop.drawing().images.size(), 1U);
   EXPECT_THAT(
       desktop.drawing().images[0].operations,

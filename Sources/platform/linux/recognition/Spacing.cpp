@@ -86,6 +86,7 @@ int widestAround(const std::vector<Pair>& pairs, const Pair& pair) {
   return widest;
 }
 
+/// Whether the pair's left one begins a word.
 bool isFirstLetter(const std::vector<Pair>& pairs, const Pair& pair) {
   return &pair == pairs.data() || pair.left->spaceBefore || !isWordCharacter(*(&pair - 1)->left);
 }
