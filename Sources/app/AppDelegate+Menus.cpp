@@ -25,14 +25,15 @@ struct Row {
   std::string_view title;
   void (AppDelegate::*action)() = nullptr;
   std::optional<HotkeyAction> shortcut = std::nullopt;  ///< Whose binding the title shows.
+  bool capturesScreen = false;
 };
 
 const std::array<Row, 17> statusMenuRows = {{
-    {"Capture Text", &AppDelegate::captureText, HotkeyAction::captureText},
-    {"Capture Text (join lines)", &AppDelegate::captureTextJoined, HotkeyAction::captureTextNoBreaks},
-    {"Capture & Speak", &AppDelegate::captureAndSpeak, HotkeyAction::captureAndSpeak},
-    {"Capture QR / Barcode", &AppDelegate::captureBarcode, HotkeyAction::captureBarcode},
-    {"Capture Last Selection", &AppDelegate::captureLastSelection, HotkeyAction::captureLastSelection},
+    {"Capture Text", &AppDelegate::captureText, HotkeyAction::captureText, true},
+    {"Capture Text (join lines)", &AppDelegate::captureTextJoined, HotkeyAction::captureTextNoBreaks, true},
+    {"Capture & Speak", &AppDelegate::captureAndSpeak, HotkeyAction::captureAndSpeak, true},
+    {"Capture QR / Barcode", &AppDelegate::captureBarcode, HotkeyAction::captureBarcode, true},
+    {"Capture Last Selection", &AppDelegate::captureLastSelection, HotkeyAction::captureLastSelection, true},
     {"Stop Speaking", &AppDelegate::stopSpeaking, HotkeyAction::stopSpeaking},
     {},
     {"Additive Clipboard", &AppDelegate::toggleAdditive},
@@ -83,6 +84,7 @@ void AppDelegate::rebuildStatusMenu() {
     const auto item = menuItem(titleWithShortcut(row), row.action);
     if (row.action == &AppDelegate::toggleAdditive && Settings::additiveEnabled())
       item->state = ControlState::on;
+    item->capturesScreen = row.capturesScreen;
     if (!row.action) {
       rebuildHistoryMenu();
       item->submenu = historyMenu_;

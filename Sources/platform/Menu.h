@@ -22,6 +22,9 @@ struct MenuItem {
   /// one can't be chosen.
   std::function<void(const MenuItem& sender)> action;
   bool enabled = true;
+  /// Whether the action captures the screen. It is called when the screen no longer shows the menu, which can
+  /// be a moment later than that of another item.
+  bool capturesScreen = false;
   ControlState state = ControlState::off;  ///< On draws a check mark.
   std::shared_ptr<Menu> submenu;
   std::string toolTip;                           ///< Plain text.

@@ -106,6 +106,7 @@ TEST_F(MenuTest, EachItemDoesWhatItSays) {
                                     {"Capture & Speak", "a\nb"},
                                     {"Capture QR / Barcode", "code"}}) {
     SCOPED_TRACE(title);
+    EXPECT_TRUE(item(statusMenu(), title)->capturesScreen);
     choose(title);
     ASSERT_EQ(overlays().size(), 1U);
     desktop.windows().dragMouse({100, 200}, {400, 350});
@@ -113,8 +114,10 @@ TEST_F(MenuTest, EachItemDoesWhatItSays) {
     EXPECT_EQ(desktop.pasteboard().text, text);
   }
   EXPECT_TRUE(desktop.speechSynthesizer().isSpeaking());
+  EXPECT_FALSE(item(statusMenu(), "Stop Speaking")->capturesScreen) << "it would come late";
   choose("Stop Speaking");
   EXPECT_FALSE(desktop.speechSynthesizer().isSpeaking());
+  EXPECT_TRUE(item(statusMenu(), "Capture Last Selection")->capturesScreen);
   choose("Capture Last Selection");
   EXPECT_EQ(desktop.pasteboard().text, "a\nb");
   results();

@@ -100,7 +100,8 @@ QString menuLabel(const std::string& title) {
 }
 
 void chooseLater(const std::shared_ptr<MenuItem>& item) {
-  platform::MainQueue::asyncAfter(secondsToRepaint(), std::make_shared<platform::WorkItem>([item] {
+  const double delay = item->capturesScreen ? secondsToRepaint() : 0;
+  platform::MainQueue::asyncAfter(delay, std::make_shared<platform::WorkItem>([item] {
                                     if (item->enabled && item->action) item->action(*item);
                                   }));
 }
