@@ -104,8 +104,12 @@ class Aligner {
       return shapes_.isPoint(i) || isSurelySign(shapes_.classification(i));
     };
     const auto& clusters = shapes_.clusters();
-    // The dot in a zero is no sign beside it.
-    if (count != 2 || clusters[c + 1].box.left <= clusters[c].box.right) return false;
+    if (count != 2) return false;
+    // The dot in a zero is no sign beside it; a full stop beneath the arm of an r is.
+    const PixelBox& first = clusters[c].box;
+    const PixelBox& second = clusters[c + 1].box;
+    if (second.left <= first.right && !(shapes_.isPoint(c + 1) && 2 * second.left > first.left + first.right))
+      return false;
     return (isIt(c) && isSign(c + 1)) || (isIt(c + 1) && isSign(c));
   }
 

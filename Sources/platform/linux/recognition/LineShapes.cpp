@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "platform/linux/recognition/LineImage.h"
+
 namespace lumiscan::desktop {
 
 LineShapes::LineShapes(const GreyBitmap& ink, const TextLine& line, const std::vector<Glyph>& glyphs)
@@ -22,9 +24,19 @@ PixelBox LineShapes::box(std::size_t first, std::size_t count) const {
 
 bool LineShapes::isPoint(std::size_t cluster) const {
   const Cluster& it = clusters_[cluster];
-  const int most = std::max(2, line_.letterHeight / 4);
+  const int most = std::max(2, line_.letterHeight / 3);
   return it.glyphs.size() == 1 && it.glyphs.front().width() <= most && it.glyphs.front().height() <= most &&
          std::abs(it.box.bottom + 1 - line_.baseline) <= 1;
+}
+
+bool LineShapes::beginsWithPoint(std::size_t cluster) const {
+  const Cluster& it = clusters_[cluster];
+  const int side = std::max(2, line_.letterHeight / 6);
+  const int full = fullInk(ink_, it.glyphs);
+  for (int y = it.box.top; y < line_.baseline - std::max(2, line_.letterHeight / 4); ++y)
+    for (int x = it.box.left; x < std::min(it.box.left + side, it.box.right); ++x)
+      if (2 * ink_.at(x, y) >= full) return false;
+  return std::abs(it.box.bottom + 1 - line_.baseline) <= 1;
 }
 
 bool LineShapes::isCut(std::size_t cluster) const {

@@ -25,6 +25,8 @@ class LineShapes {
   /// Whether it is a dot on the line. Its few pixels may have something of the ink beside them, and so no
   /// shape.
   bool isPoint(std::size_t cluster) const;
+  /// Whether its ink begins as that of a dot on the line which touches what follows.
+  bool beginsWithPoint(std::size_t cluster) const;
   /// Whether some of its ink may be that of its neighbours.
   bool isCut(std::size_t cluster) const;
 

@@ -149,10 +149,12 @@ bool isApostrophe(const std::vector<Symbol>& symbols, std::size_t i) {
 /// Which of the symbols that share a cluster is the only one in it: the engine now and then reads one twice,
 /// once as a capital or as another sign, and isn't quite sure of that. As many as there are where it may be
 /// several.
-std::size_t onlyOne(const std::vector<Symbol>& symbols, const Match& match, const Classification& shape) {
+std::size_t onlyOne(const std::vector<Symbol>& symbols, const Match& match, LineShapes& shapes) {
   constexpr float sure = 0.95F;
   constexpr double unsure = 97;
   std::size_t only = match.symbolCount;
+  const Classification& shape = shapes.classification(match.firstCluster);
+  if (symbols[match.firstSymbol].text == "." && shapes.beginsWithPoint(match.firstCluster)) return only;
   if (shape.bestProbability() < sure) return only;
   for (std::size_t i = 0; i < match.symbolCount; ++i) {
     const Symbol& symbol = symbols[match.firstSymbol + i];
@@ -240,7 +242,7 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
     Match& match = matches[m];
     if (match.clusterCount == 1 && match.symbolCount > 1) {
       const Classification& shape = shapes.classification(match.firstCluster);
-      std::size_t only = onlyOne(symbols, match, shape);
+      std::size_t only = onlyOne(symbols, match, shapes);
       if (only == match.symbolCount && isOtherSign(symbols, match, shape, shapes.box(match.firstCluster))) {
         only = 0;
         symbols[match.firstSymbol].text = utf8Of(shape.best());
@@ -253,10 +255,12 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
     }
     if (match.symbolCount == 0) {
       // The stem of an i whose dot touches the f before it stands below both.
-      if (m > 0 && liesBelow(shapes, match.firstCluster, matches[m - 1])) continue;
+      const bool isPoint = shapes.isPoint(match.firstCluster);
+      const bool isBelowArm = isPoint && !corrected.empty() && isLetter(onlyCodePoint(corrected.back().text));
+      if (!isBelowArm && m > 0 && liesBelow(shapes, match.firstCluster, matches[m - 1])) continue;
       const Classification& shape = shapes.classification(match.firstCluster);
       const bool isSign = isSurelySign(shape);
-      if (isSign || shapes.isPoint(match.firstCluster))
+      if (isSign || isPoint)
         corrected.push_back(
             {isSign ? utf8Of(shape.best()) : ".", false, shapes.box(match.firstCluster), 50, true, isSign});
       continue;
