@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <string_view>
 
 #include "platform/linux/recognition/CodePoints.h"
 #include "platform/linux/recognition/QuotationPairs.h"
@@ -108,8 +109,9 @@ class Aligner {
     // The dot in a zero is no sign beside it; a full stop beneath the arm of an r is.
     const PixelBox& first = clusters[c].box;
     const PixelBox& second = clusters[c + 1].box;
-    if (second.left <= first.right && !(shapes_.isPoint(c + 1) && 2 * second.left > first.left + first.right))
-      return false;
+    const bool isBelowArm =
+        reachesOverPoint(character) && shapes_.isPoint(c + 1) && 2 * second.left > first.left + first.right;
+    if (second.left <= first.right && !isBelowArm) return false;
     return (isIt(c) && isSign(c + 1)) || (isIt(c + 1) && isSign(c));
   }
 
@@ -163,6 +165,10 @@ class Aligner {
 };
 
 }  // namespace
+
+bool reachesOverPoint(char32_t letter) {
+  return std::u32string_view(U"rfvwyFPTVWY").find(letter) != std::u32string_view::npos;
+}
 
 std::vector<Match> align(LineShapes& shapes, const std::vector<Symbol>& symbols) {
   return Aligner(shapes, symbols).align();

@@ -16,6 +16,10 @@ struct Match {
   std::size_t firstSymbol, symbolCount;
 };
 
+/// Whether a letter has an arm beneath which a full stop behind it may stand. Pieces that others seem to have
+/// there are their own.
+bool reachesOverPoint(char32_t letter);
+
 /// Finds which symbol is which ink, by their order, by where the engine saw them, roughly, and by their
 /// shape. Every cluster and every symbol, their boxes in pixels of the image, is in one match, from left to
 /// right.

@@ -182,7 +182,7 @@ void correctQuotes(const std::vector<QuotedLine>& lines, const GreyBitmap& ink) 
     std::vector<Symbol>& symbols = *lines[i].symbols;
     for (const FoundMark& mark : marks[i]) correctStrokes(mark, lines[i]);
     std::erase_if(symbols, [](const Symbol& symbol) { return symbol.text.empty(); });
-    matchQuotes(symbols, ink);
+    matchQuotes(symbols, ink, lines[i].line->cells.has_value());
     const double others = lines[i].line->cells ? 0 : all - curliness[i];
     makeAlike(symbols, areCurly(curliness[i], others));
   }

@@ -111,12 +111,14 @@ bool isWithinWord(const std::vector<Symbol>& symbols, std::size_t i) {
 }
 
 bool opens(const std::vector<Symbol>& symbols, std::size_t i) {
+  // Behind one that opens it begins a quotation within a quotation.
+  while (i > 0 && !symbols[i].spaceBefore && isQuote(symbols[i - 1].text)) --i;
   return i == 0 || symbols[i].spaceBefore ||
          std::string_view("([{<").find(symbols[i - 1].text) != std::string_view::npos;
 }
 
-void matchQuotes(std::vector<Symbol>& symbols, const GreyBitmap& ink) {
-  matchDoubles(symbols);
+void matchQuotes(std::vector<Symbol>& symbols, const GreyBitmap& ink, bool areInCells) {
+  if (!areInCells) matchDoubles(symbols);
   matchSides(symbols, ink);
 }
 

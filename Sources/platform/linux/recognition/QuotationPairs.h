@@ -18,7 +18,8 @@ bool isWithinWord(const std::vector<Symbol>& symbols, std::size_t i);
 /// Whether a mark stands before what it surrounds.
 bool opens(const std::vector<Symbol>& symbols, std::size_t i);
 
-/// Makes what opens and what closes agree. Boxes in pixels of the image.
-void matchQuotes(std::vector<Symbol>& symbols, const GreyBitmap& ink);
+/// Makes what opens and what closes agree, in cells only the kind: no stroke touches a letter there, and code
+/// has both marks side by side. Boxes in pixels of the image.
+void matchQuotes(std::vector<Symbol>& symbols, const GreyBitmap& ink, bool areInCells);
 
 }  // namespace lumiscan::desktop

@@ -23,34 +23,14 @@ double slantOf(const std::vector<Glyph>& glyphs, const GreyBitmap& ink, const Te
   return *middle;
 }
 
-}  // namespace
+/// A glyph that may be a mark or one of its strokes.
+struct Stroke {
+  PixelBox box;
+  bool isTouching;  // Two that can't be told apart.
+};
 
-std::vector<QuoteMark> quoteMarks(const std::vector<Glyph>& glyphs, const GreyBitmap& ink,
-                                  const TextLine& line) {
-  const double slant = slantOf(glyphs, ink, line);
-  std::vector<QuoteMark> marks;
-  // Of few pixels, one of two strokes alone may seem to lean.
-  const auto measure = [&](QuoteMark& mark) {
-    Halves halves = halvesOf(mark.box, ink);
-    halves.lean -= slant;
-    mark.straight = areStraight(halves);
-    mark.lean = halves.lean;
-    mark.weight = halves.weight;
-  };
-  const auto add = [&](const PixelBox& stroke) {
-    const bool second = !marks.empty() && marks.back().strokes == 1 &&
-                        2 * (stroke.left - marks.back().box.right) <= line.letterHeight;
-    if (second) {
-      QuoteMark& first = marks.back();
-      first.strokes = 2;
-      first.box.right = stroke.right;
-      first.box.top = std::min(first.box.top, stroke.top);
-      first.box.bottom = std::max(first.box.bottom, stroke.bottom);
-    } else {
-      marks.push_back({stroke, 1, false, true, 0, 0});
-    }
-    measure(marks.back());
-  };
+std::vector<Stroke> strokesOf(const std::vector<Glyph>& glyphs, const GreyBitmap& ink, const TextLine& line) {
+  std::vector<Stroke> found;
   for (const Glyph& glyph : glyphs) {
     const bool high = glyph.box.bottom < line.baseline - line.letterHeight / 2;
     if (!high || glyph.height() < 2) continue;
@@ -61,7 +41,7 @@ std::vector<QuoteMark> quoteMarks(const std::vector<Glyph>& glyphs, const GreyBi
     });
     if (overLetter) continue;
     if (isSlender(glyph.box)) {
-      if (glyph.height() >= 3 && 2 * glyph.width() <= line.letterHeight) add(glyph.box);
+      if (glyph.height() >= 3 && 2 * glyph.width() <= line.letterHeight) found.push_back({glyph.box, false});
       continue;
     }
     // The strokes of a straight double mark may touch.
@@ -71,11 +51,44 @@ std::vector<QuoteMark> quoteMarks(const std::vector<Glyph>& glyphs, const GreyBi
           return isSlender(stroke) && isStraight(stroke, ink);
         });
     if (areTwo) {
-      std::for_each(strokes.begin(), strokes.end(), add);
+      for (const PixelBox& stroke : strokes) found.push_back({stroke, false});
     } else if (5 * glyph.height() <= 3 * line.letterHeight && glyph.width() <= line.letterHeight) {
-      marks.push_back({glyph.box, 2, true, true, 0, 0});
-      measure(marks.back());
+      found.push_back({glyph.box, true});
     }
+  }
+  return found;
+}
+
+PixelBox boxAroundBoth(const PixelBox& left, const PixelBox& right) {
+  return {left.left, std::min(left.top, right.top), right.right, std::max(left.bottom, right.bottom)};
+}
+
+}  // namespace
+
+std::vector<QuoteMark> quoteMarks(const std::vector<Glyph>& glyphs, const GreyBitmap& ink,
+                                  const TextLine& line) {
+  const std::vector<Stroke> strokes = strokesOf(glyphs, ink, line);
+  const auto isPair = [&](std::size_t i) {
+    return i + 1 < strokes.size() && !strokes[i].isTouching && !strokes[i + 1].isTouching &&
+           2 * (strokes[i + 1].box.left - strokes[i].box.right) <= line.letterHeight;
+  };
+  const auto gapBehind = [&](std::size_t i) { return strokes[i + 1].box.left - strokes[i].box.right; };
+  const double slant = slantOf(glyphs, ink, line);
+  std::vector<QuoteMark> marks;
+  for (std::size_t i = 0; i < strokes.size(); ++i) {
+    QuoteMark mark{strokes[i].box, strokes[i].isTouching ? 2 : 1, strokes[i].isTouching, true, 0, 0};
+    // Of three, the two that stand closest are one mark.
+    if (isPair(i) && !(isPair(i + 1) && gapBehind(i + 1) < gapBehind(i))) {
+      mark.strokes = 2;
+      mark.box = boxAroundBoth(mark.box, strokes[++i].box);
+    }
+    // Of few pixels, one of two strokes alone may seem to lean.
+    Halves halves = halvesOf(mark.box, ink);
+    halves.lean -= slant;
+    mark.straight = areStraight(halves);
+    mark.lean = halves.lean;
+    mark.weight = halves.weight;
+    marks.push_back(mark);
   }
   return marks;
 }

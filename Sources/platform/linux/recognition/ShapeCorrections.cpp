@@ -256,7 +256,8 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
     if (match.symbolCount == 0) {
       // The stem of an i whose dot touches the f before it stands below both.
       const bool isPoint = shapes.isPoint(match.firstCluster);
-      const bool isBelowArm = isPoint && !corrected.empty() && isLetter(onlyCodePoint(corrected.back().text));
+      const bool isBelowArm =
+          isPoint && !corrected.empty() && reachesOverPoint(onlyCodePoint(corrected.back().text));
       if (!isBelowArm && m > 0 && liesBelow(shapes, match.firstCluster, matches[m - 1])) continue;
       const Classification& shape = shapes.classification(match.firstCluster);
       const bool isSign = isSurelySign(shape);
