@@ -78,8 +78,28 @@ struct FoundMark {
   std::size_t place;
 };
 
+/// Whether a symbol is a mark or what three strokes side by side are taken for.
+bool mayBeMark(const Symbol& symbol) { return isQuote(symbol.text) || symbol.text == "™"; }
+
+/// Gives each of two straight marks side by side that were read as one a symbol of its own.
+void separateMarks(std::vector<FoundMark>& marks, std::vector<Symbol>& symbols) {
+  for (std::size_t i = 1; i < marks.size(); ++i) {
+    const FoundMark& first = marks[i - 1];
+    const FoundMark& second = marks[i];
+    const auto isClear = [](const QuoteMark& mark) { return mark.straight && !mark.touching; };
+    if (first.place != second.place || !isClear(first.ink) || !isClear(second.ink)) continue;
+    const auto symbolOf = [](const QuoteMark& mark, bool spaceBefore) {
+      return Symbol{std::string(mark.strokes == 1 ? "'" : "\""), spaceBefore, mark.box, 90, true, false};
+    };
+    const auto place = symbols.begin() + static_cast<std::ptrdiff_t>(first.place);
+    *place = symbolOf(first.ink, place->spaceBefore);
+    symbols.insert(place + 1, symbolOf(second.ink, false));
+    for (std::size_t later = i; later < marks.size(); ++later) ++marks[later].place;
+  }
+}
+
 std::vector<FoundMark> findMarks(const QuotedLine& line, const GreyBitmap& ink) {
-  const std::vector<Symbol>& symbols = *line.symbols;
+  std::vector<Symbol>& symbols = *line.symbols;
   std::vector<FoundMark> found;
   for (QuoteMark& mark : quoteMarks(*line.glyphs, ink, *line.line)) {
     const auto distance = [&](const Symbol& symbol) {
@@ -87,13 +107,14 @@ std::vector<FoundMark> findMarks(const QuotedLine& line, const GreyBitmap& ink) 
     };
     std::optional<std::size_t> nearest;
     for (std::size_t i = 0; i < symbols.size(); ++i)
-      if (isQuote(symbols[i].text) && (!nearest || distance(symbols[i]) < distance(symbols[*nearest])))
+      if (mayBeMark(symbols[i]) && (!nearest || distance(symbols[i]) < distance(symbols[*nearest])))
         nearest = i;
     if (!nearest || distance(symbols[*nearest]) > line.line->letterHeight) continue;
     if (mark.strokes == 1 && isDouble(symbols[*nearest]) && hasTwinAtLetter(mark, ink)) mark.strokes = 2;
     if (!mark.touching || (isDouble(symbols[*nearest]) && symbols[*nearest].box == mark.box))
       found.push_back({mark, *nearest});
   }
+  separateMarks(found, symbols);
   return found;
 }
 
