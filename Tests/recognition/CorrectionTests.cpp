@@ -110,18 +110,20 @@ TEST(Corrections, ShortUnderscoresSayHowManyALongerOneIs) {
   TextLine line;
   line.letterHeight = 12;
   line.baseline = 12;
-  const auto inserted = [&](const std::vector<Glyph>& strokes) {
+  const auto inserted = [&](const std::vector<Glyph>& strokes, int shortest) {
     std::vector<Symbol> symbols;
-    insertUnderscores(symbols, strokes, {}, line);
+    insertUnderscores(symbols, strokes, {}, line, shortest);
     std::string text;
     for (const Symbol& symbol : symbols) text += symbol.text;
     return text;
   };
   const Glyph single{{0, 14, 15, 14}};
   const Glyph twice{{40, 14, 71, 14}};
-  EXPECT_EQ(inserted({single, twice}), "___");
-  EXPECT_EQ(inserted({{{0, 14, 11, 14}}, {{40, 14, 50, 14}}}), "__");
-  EXPECT_EQ(inserted({{{0, 14, 23, 14}}, {{40, 14, 62, 14}}}), "____");
+  EXPECT_EQ(inserted({single, twice}, 16), "___");
+  EXPECT_EQ(inserted({{{0, 14, 11, 14}}, {{40, 14, 50, 14}}}, 11), "__");
+  EXPECT_EQ(inserted({{{0, 14, 23, 14}}, {{40, 14, 62, 14}}}, 23), "____");
+  EXPECT_EQ(inserted({twice}, 32), "___") << "by the height of the letters";
+  EXPECT_EQ(inserted({twice}, 16), "__") << "another line has a shorter one";
 }
 
 TEST(Clusters, PointsBeneathQuotationMarksAreNoPartsOfThem) {

@@ -21,20 +21,26 @@ bool isUnderscore(const Glyph& glyph, const TextLine& line) {
 
 int middleOf(const PixelBox& box) { return (box.left + box.right) / 2; }
 
+/// The median height of the symbols among some characters that have ink of their own; 0 without any.
+double usualHeight(const std::vector<Symbol>& symbols, std::string_view characters) {
+  std::vector<int> heights;
+  for (const Symbol& symbol : symbols)
+    if (symbol.hasOwnInk && symbol.text.size() == 1 && characters.find(symbol.text) != std::string_view::npos)
+      heights.push_back(symbol.box.height());
+  return heights.empty() ? 0 : levelAt(std::move(heights), 0.5);
+}
+
 /// The width of one underscore: a place where all characters have one width, or that of the shortest stroke
 /// where there are longer ones; else most fonts make it a little narrower than the height of an x.
 double underscoreWidth(const std::vector<Glyph>& taken, const std::vector<Symbol>& symbols,
-                       const TextLine& line) {
-  constexpr std::string_view low = "acemnorsuvwxz";
+                       const TextLine& line, int shortest) {
   if (line.cells) return line.cells->pitch;
-  std::vector<int> heights;
-  for (const Symbol& symbol : symbols)
-    if (symbol.hasOwnInk && symbol.text.size() == 1 && low.find(symbol.text) != std::string_view::npos)
-      heights.push_back(symbol.box.bottom - symbol.box.top + 1);
-  const double usual = heights.empty() ? 1.05 * line.letterHeight : 0.93 * levelAt(std::move(heights), 0.5);
-  const auto [shortest, longest] = std::minmax_element(
-      taken.begin(), taken.end(), [](const Glyph& a, const Glyph& b) { return a.width() < b.width(); });
-  return 10 * longest->width() >= 17 * shortest->width() ? shortest->width() : usual;
+  const auto longest = std::max_element(taken.begin(), taken.end(),
+                                        [](const Glyph& a, const Glyph& b) { return a.width() < b.width(); });
+  if (10 * longest->width() >= 17 * shortest) return shortest;
+  if (const double low = usualHeight(symbols, "acemnorsuvwxz"); low > 0) return 0.93 * low;
+  const double high = usualHeight(symbols, "0123456789ABCDEFGHKLMNPRTUVXYZbdhkl");
+  return high > 0 ? 0.72 * high : 1.05 * line.letterHeight;
 }
 
 /// Whether the ink in a box lies at one height all along, as that of hyphens does; a tilde goes up and down.
@@ -88,11 +94,11 @@ std::vector<Glyph> takeUnderscores(std::vector<Glyph>& glyphs, const TextLine& l
 }
 
 void insertUnderscores(std::vector<Symbol>& symbols, const std::vector<Glyph>& taken,
-                       const std::vector<Glyph>& letters, const TextLine& line) {
+                       const std::vector<Glyph>& letters, const TextLine& line, int shortest) {
   if (taken.empty()) return;
   // An underscore reaches from one end of its place to the other.
   const double space = line.cells ? 0.7 * line.cells->pitch : 0.42 * line.letterHeight;
-  const double width = underscoreWidth(taken, symbols, line);
+  const double width = underscoreWidth(taken, symbols, line, shortest);
   for (const Glyph& underscore : taken) {
     // Where the ink beside the underscore ends and begins, which the engine's boxes tell only roughly.
     int inkBefore = -1'000'000;

@@ -12,9 +12,9 @@ namespace lumiscan::desktop {
 std::vector<Glyph> takeUnderscores(std::vector<Glyph>& glyphs, const TextLine& line);
 
 /// Puts the underscores back between the symbols that were read without them, all boxes in pixels of the
-/// image.
+/// image. `shortest` is the width of the shortest stroke amid letters of this size, in this line or others.
 void insertUnderscores(std::vector<Symbol>& symbols, const std::vector<Glyph>& underscores,
-                       const std::vector<Glyph>& letters, const TextLine& line);
+                       const std::vector<Glyph>& letters, const TextLine& line, int shortest);
 
 /// Makes dashes, and tildes whose ink is level, as many hyphens as there are strokes; and those hyphens that
 /// touch another or make an arrow.

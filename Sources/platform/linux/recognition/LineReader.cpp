@@ -1,6 +1,8 @@
 #include "platform/linux/recognition/LineReader.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <limits>
 #include <numeric>
 #include <utility>
 
@@ -142,6 +144,15 @@ std::vector<LineDraft> draftsOf(EngineCrew& crew, const std::vector<std::vector<
   return drafts;
 }
 
+/// The width of the shortest underscore in the lines whose letters are about as high as those of a line.
+int shortestUnderscore(const std::vector<LineDraft>& drafts, const TextLine& line) {
+  int shortest = std::numeric_limits<int>::max();
+  for (const LineDraft& draft : drafts)
+    if (8 * std::abs(draft.line->letterHeight - line.letterHeight) <= line.letterHeight)
+      for (const Glyph& underscore : draft.underscores) shortest = std::min(shortest, underscore.width());
+  return shortest;
+}
+
 std::string join(const std::vector<Symbol>& symbols) {
   std::string text;
   for (const Symbol& symbol : symbols) text += (symbol.spaceBefore ? " " : "") + symbol.text;
@@ -174,7 +185,8 @@ Reading readLines(EngineCrew& crew, const std::vector<std::vector<std::string>>&
                     draft.symbols.size(),
                     likelyCount(draft.symbols),
                     draft.pieces});
-    insertUnderscores(draft.symbols, draft.underscores, draft.letters, *draft.line);
+    insertUnderscores(draft.symbols, draft.underscores, draft.letters, *draft.line,
+                      shortestUnderscore(drafts, *draft.line));
     if (!draft.isWide) quoted.push_back({&draft.symbols, &draft.letters, draft.line});
   }
   correctQuotes(quoted, ink);

@@ -101,7 +101,14 @@ void separateMarks(std::vector<FoundMark>& marks, std::vector<Symbol>& symbols) 
 std::vector<FoundMark> findMarks(const QuotedLine& line, const GreyBitmap& ink) {
   std::vector<Symbol>& symbols = *line.symbols;
   std::vector<FoundMark> found;
-  for (QuoteMark& mark : quoteMarks(*line.glyphs, ink, *line.line)) {
+  std::vector<QuoteMark> marks = quoteMarks(*line.glyphs, ink, *line.line);
+  const auto isBesideMark = [&](const QuoteMark& mark) {
+    return std::any_of(marks.begin(), marks.end(), [&](const QuoteMark& other) {
+      const int gap = std::max(other.box.left - mark.box.right, mark.box.left - other.box.right);
+      return gap > 0 && 2 * gap <= line.line->letterHeight && other.strokes == 2 && !other.touching;
+    });
+  };
+  for (QuoteMark& mark : marks) {
     const auto distance = [&](const Symbol& symbol) {
       return std::abs(middleOf(symbol.box) - middleOf(mark.box));
     };
@@ -110,7 +117,8 @@ std::vector<FoundMark> findMarks(const QuotedLine& line, const GreyBitmap& ink) 
       if (mayBeMark(symbols[i]) && (!nearest || distance(symbols[i]) < distance(symbols[*nearest])))
         nearest = i;
     if (!nearest || distance(symbols[*nearest]) > line.line->letterHeight) continue;
-    if (mark.strokes == 1 && isDouble(symbols[*nearest]) && hasTwinAtLetter(mark, ink)) mark.strokes = 2;
+    if (mark.strokes == 1 && isDouble(symbols[*nearest]) && !isBesideMark(mark) && hasTwinAtLetter(mark, ink))
+      mark.strokes = 2;
     if (!mark.touching || (isDouble(symbols[*nearest]) && symbols[*nearest].box == mark.box))
       found.push_back({mark, *nearest});
   }

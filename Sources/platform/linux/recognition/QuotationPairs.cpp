@@ -33,8 +33,13 @@ std::string_view twinMarks(const Symbol& opening, const Symbol& closing, const G
   return lean > 0.15 ? "`" : std::abs(lean) < 0.1 ? "'" : std::string_view();
 }
 
-/// Makes a single mark double that faces a double one: one of its strokes touches the letter beside it.
+/// Makes a single mark double that faces a double one: one of its strokes touches the letter beside it. Of
+/// marks side by side all strokes are free.
 void matchDoubles(std::vector<Symbol>& symbols) {
+  const auto isBesideMark = [&](std::size_t i) {
+    return (i > 0 && !symbols[i].spaceBefore && isQuote(symbols[i - 1].text)) ||
+           (i + 1 < symbols.size() && !symbols[i + 1].spaceBefore && isQuote(symbols[i + 1].text));
+  };
   const auto isMark = [&](std::size_t i) {
     return (symbols[i].text == "'" || isCurlySingle(symbols[i]) || isDouble(symbols[i])) &&
            !isWithinWord(symbols, i);
@@ -47,9 +52,9 @@ void matchDoubles(std::vector<Symbol>& symbols) {
     // An apostrophe may end a word amid the quotation.
     const bool isLast =
         std::none_of(symbols.begin() + static_cast<std::ptrdiff_t>(next) + 1, symbols.end(), isDouble);
-    if (!isDouble(symbols[i]) && isDouble(symbols[next]))
+    if (!isDouble(symbols[i]) && isDouble(symbols[next]) && !isBesideMark(i))
       symbols[i].text = std::string(symbols[next].text == "\"" ? "\"" : "“");
-    else if (symbols[i].text == "“" && !isDouble(symbols[next]) && isLast)
+    else if (symbols[i].text == "“" && !isDouble(symbols[next]) && isLast && !isBesideMark(next))
       symbols[next].text = std::string("”");
   }
 }

@@ -1,7 +1,9 @@
 #include "platform/linux/recognition/QuotationStrokes.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
+#include <limits>
 
 #include "platform/linux/recognition/Clusters.h"
 #include "platform/linux/recognition/QuotationShapes.h"
@@ -59,6 +61,21 @@ std::vector<Stroke> strokesOf(const std::vector<Glyph>& glyphs, const GreyBitmap
   return found;
 }
 
+long placeOf(const PixelBox& stroke, const Cells& cells) {
+  return std::lround(cells.placeOf((stroke.left + stroke.right) / 2.0));
+}
+
+/// Whether strokes stand closer to what is behind them than to what is before them.
+bool opens(const PixelBox& first, const PixelBox& last, const std::vector<Glyph>& glyphs) {
+  int before = std::numeric_limits<int>::max();
+  int behind = std::numeric_limits<int>::max();
+  for (const Glyph& glyph : glyphs) {
+    if (glyph.box.left < first.left) before = std::min(before, first.left - glyph.box.right);
+    if (glyph.box.right > last.right) behind = std::min(behind, glyph.box.left - last.right);
+  }
+  return behind < before;
+}
+
 PixelBox boxAroundBoth(const PixelBox& left, const PixelBox& right) {
   return {left.left, std::min(left.top, right.top), right.right, std::max(left.bottom, right.bottom)};
 }
@@ -68,17 +85,26 @@ PixelBox boxAroundBoth(const PixelBox& left, const PixelBox& right) {
 std::vector<QuoteMark> quoteMarks(const std::vector<Glyph>& glyphs, const GreyBitmap& ink,
                                   const TextLine& line) {
   const std::vector<Stroke> strokes = strokesOf(glyphs, ink, line);
-  const auto isPair = [&](std::size_t i) {
-    return i + 1 < strokes.size() && !strokes[i].isTouching && !strokes[i + 1].isTouching &&
-           2 * (strokes[i + 1].box.left - strokes[i].box.right) <= line.letterHeight;
-  };
   const auto gapBehind = [&](std::size_t i) { return strokes[i + 1].box.left - strokes[i].box.right; };
+  const auto isPair = [&](std::size_t i) {
+    if (i + 1 >= strokes.size() || strokes[i].isTouching || strokes[i + 1].isTouching) return false;
+    return line.cells ? placeOf(strokes[i].box, *line.cells) == placeOf(strokes[i + 1].box, *line.cells)
+                      : 2 * gapBehind(i) <= line.letterHeight;
+  };
+  // Of three strokes the two that stand closest are one mark. In some fonts none are closer: mostly the
+  // double mark is the outer one.
+  const auto startsPair = [&](std::size_t i) {
+    if (!isPair(i) || !isPair(i + 1)) return isPair(i);
+    const int difference = gapBehind(i) - gapBehind(i + 1);
+    const int clear = std::max(1, line.letterHeight / 10);
+    if (std::abs(difference) > clear || isPair(i + 2)) return difference <= 0;
+    return opens(strokes[i].box, strokes[i + 2].box, glyphs);
+  };
   const double slant = slantOf(glyphs, ink, line);
   std::vector<QuoteMark> marks;
   for (std::size_t i = 0; i < strokes.size(); ++i) {
     QuoteMark mark{strokes[i].box, strokes[i].isTouching ? 2 : 1, strokes[i].isTouching, true, 0, 0};
-    // Of three, the two that stand closest are one mark.
-    if (isPair(i) && !(isPair(i + 1) && gapBehind(i + 1) < gapBehind(i))) {
+    if (startsPair(i)) {
       mark.strokes = 2;
       mark.box = boxAroundBoth(mark.box, strokes[++i].box);
     }

@@ -43,7 +43,7 @@ Demand demandFor(char32_t read, char32_t seen, double confidence) {
   if (read == U'@' && seen == U'0') return {0.5F, 0.5F};
   if (isQuote(seen) && !isLetter(read)) return {0.5F, 0.3F};
   if (isDigit(seen) && !isLetter(read)) return {0.8F, 0.05F};
-  if (u_tolower(static_cast<UChar32>(read)) == u_tolower(static_cast<UChar32>(seen))) return {0.98F, 0.01F};
+  if (u_tolower(static_cast<UChar32>(read)) == u_tolower(static_cast<UChar32>(seen))) return {0.9F, 0.05F};
   if (isSure || (isLetter(read) && isLetter(seen))) return {0.99F, 0.001F};
   if (isLetter(seen)) return {0.98F, 0.01F};
   if (isTorn) return {0.6F, 0.1F};
@@ -55,6 +55,7 @@ Demand demandFor(char32_t read, char32_t seen, double confidence) {
 struct Neighbours {
   char32_t before = Classification::noCharacter;
   char32_t after = Classification::noCharacter;
+  bool isBeforeTallDigit = false;  // It is clearly higher than the symbol.
 };
 
 /// Whether a letter of which the engine is sure would become a capital or no capital, or one amid small
@@ -63,6 +64,7 @@ bool breaksCase(char32_t read, char32_t seen, bool isSure, const Neighbours& bes
   const auto isUpper = [](char32_t c) { return u_isupper(static_cast<UChar32>(c)); };
   const auto isLower = [](char32_t c) { return u_islower(static_cast<UChar32>(c)); };
   if (u_tolower(static_cast<UChar32>(read)) != u_tolower(static_cast<UChar32>(seen))) return false;
+  if (isLower(seen) && beside.isBeforeTallDigit) return false;  // As in v8.
   return isSure || (isUpper(seen) ? isLower(beside.before) : isUpper(beside.before) && isUpper(beside.after));
 }
 
@@ -92,6 +94,10 @@ void correctStroke(Symbol& symbol, const Classification& shape, const Neighbours
                          std::u32string_view(U"'\"‘“„«([").find(beside.before) != std::u32string_view::npos;
   const bool isAlone = opensWord && beside.after == Classification::noCharacter;
   const auto become = [&](char c) { symbol.text.assign(1, c); };
+  const auto isSmall = [](char32_t c) { return u_islower(static_cast<UChar32>(c)); };
+  // In names of several words, In and Index begin one.
+  const bool isAmidSmall = isSmall(beside.before) && isSmall(beside.after);
+  constexpr float hardly = 0.02F;
   constexpr float possible = 0.05F;
   constexpr float rarely = 0.3F;
   constexpr float mostly = 0.6F;
@@ -104,7 +110,13 @@ void correctStroke(Symbol& symbol, const Classification& shape, const Neighbours
   } else if (read == U'!' && isAlone && shape.of(U'!') < 0.1F && shape.of(U'I') + shape.of(U'l') > 0.8F) {
     become('I');
   } else if (read == U'l' && isAlone) {
-    if (shape.of(U'I') >= possible) become('I');
+    if (shape.of(U'I') >= hardly) become('I');
+  } else if (isAmidSmall && read == U'I' && symbol.confidence < surely && beside.after != U'n' &&
+             shape.of(U'l') > 1.5F * shape.of(U'I')) {
+    become('l');
+  } else if (isAmidSmall && read == U'l' && symbol.confidence < surely &&
+             shape.of(U'I') > 3 * shape.of(U'l')) {
+    become('I');
   } else if (read == U'l' && capitalsBefore > 0 && !isLetter(beside.after) && !besideDigit) {
     // An acronym; behind one capital it may be a short name.
     if (shape.of(U'I') >= (capitalsBefore > 1 ? possible : rarely)) become('I');
@@ -226,6 +238,19 @@ std::size_t capitalsAtEnd(const std::vector<Symbol>& symbols) {
   return count;
 }
 
+bool mayBeOne(const Symbol& symbol) {
+  return std::u32string_view(U"il1I").find(onlyCodePoint(symbol.text)) != std::u32string_view::npos;
+}
+
+/// Whether ones side by side, as in F11, were read as one letter.
+bool areOnes(const std::vector<Symbol>& symbols, const Match& match, LineShapes& shapes) {
+  constexpr float sure = 0.9F;
+  if (match.clusterCount < 2 || match.symbolCount != 1 || !mayBeOne(symbols[match.firstSymbol])) return false;
+  for (std::size_t i = 0; i < match.clusterCount; ++i)
+    if (shapes.classification(match.firstCluster + i).of(U'1') < sure) return false;
+  return true;
+}
+
 bool isOneToOne(const Match& match) { return match.clusterCount > 0 && match.symbolCount == 1; }
 
 }  // namespace
@@ -253,6 +278,15 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
         match.symbolCount = 1;
       }
     }
+    if (areOnes(symbols, match, shapes)) {
+      // The engine may have read one of them for itself, for which no ink was left.
+      if (!corrected.empty() && !corrected.back().hasOwnInk && mayBeOne(corrected.back()))
+        corrected.pop_back();
+      for (std::size_t i = 0; i < match.clusterCount; ++i)
+        corrected.push_back({"1", i == 0 && symbols[match.firstSymbol].spaceBefore,
+                             shapes.box(match.firstCluster + i), surely, true, true});
+      continue;
+    }
     if (match.symbolCount == 0) {
       // The stem of an i whose dot touches the f before it stands below both.
       const bool isPoint = shapes.isPoint(match.firstCluster);
@@ -279,6 +313,11 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
     if (const std::size_t next = match.firstSymbol + match.symbolCount;
         next < symbols.size() && !symbols[next].spaceBefore)
       beside.after = onlyCodePoint(symbols[next].text);
+    if (first.hasOwnInk && isDigit(beside.after) && m + 1 < matches.size() && isOneToOne(matches[m + 1])) {
+      const PixelBox it = shapes.box(match.firstCluster, match.clusterCount);
+      const PixelBox digit = shapes.box(matches[m + 1].firstCluster, matches[m + 1].clusterCount);
+      beside.isBeforeTallDigit = 6 * (it.top - digit.top) >= digit.height();
+    }
     if (first.hasOwnInk) {
       const Classification& shape = shapes.classification(match.firstCluster, match.clusterCount);
       // A letter is hard to tell with something of the next in its picture.
