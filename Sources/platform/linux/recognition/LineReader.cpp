@@ -13,6 +13,7 @@
 #include "platform/linux/recognition/Columns.h"
 #include "platform/linux/recognition/Consensus.h"
 #include "platform/linux/recognition/CutLines.h"
+#include "platform/linux/recognition/FileTypes.h"
 #include "platform/linux/recognition/GlyphCorrections.h"
 #include "platform/linux/recognition/LanguageChoice.h"
 #include "platform/linux/recognition/LineImage.h"
@@ -194,6 +195,7 @@ Reading readLines(EngineCrew& crew, const std::vector<std::vector<std::string>>&
     std::vector<Symbol>& symbols = drafts[i].symbols;
     correctDashes(symbols, ink, *drafts[i].line);
     correctNumbers(symbols);
+    correctFileTypes(symbols);
     if (drafts[i].isWide) correctWideText(symbols);
     read[i].text = join(symbols);
   }

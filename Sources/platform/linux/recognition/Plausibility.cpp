@@ -71,7 +71,11 @@ bool isSure(const ReadLine& line) {
 bool isLoneLabel(const ReadLine& line) {
   const std::size_t letters = lettersIn(line.text);
   const bool isStroke = line.text.find_first_not_of("_-|Il. ") == std::string::npos;
-  if (line.likely == line.symbols && !isStroke && line.confidence >= (line.symbols > 1 ? 40 : 70))
+  const double leastOfShapes = line.symbols == 1 ? 70 : letters > 1 ? 20 : 40;
+  if (line.likely == line.symbols && !isStroke && line.confidence >= leastOfShapes) return true;
+  // Small letters touch. Where the engine is sure of each, it is less so of a word that it doesn't know.
+  if (letters > 1 && line.pieces < line.symbols && line.sureness >= 98 &&
+      line.confidence >= (line.symbols > 2 ? 65 : 75))
     return true;
   // The engine is as sure of a path as of its worst character.
   const double least = hasTouchingLetters(line) && letters >= 6 ? 70 : 85;

@@ -64,7 +64,6 @@ bool breaksCase(char32_t read, char32_t seen, bool isSure, const Neighbours& bes
   const auto isUpper = [](char32_t c) { return u_isupper(static_cast<UChar32>(c)); };
   const auto isLower = [](char32_t c) { return u_islower(static_cast<UChar32>(c)); };
   if (u_tolower(static_cast<UChar32>(read)) != u_tolower(static_cast<UChar32>(seen))) return false;
-  if (isLower(seen) && beside.isBeforeTallDigit) return false;  // As in v8.
   return isSure || (isUpper(seen) ? isLower(beside.before) : isUpper(beside.before) && isUpper(beside.after));
 }
 
@@ -73,8 +72,14 @@ void correctSymbol(Symbol& symbol, const Classification& shape, const Neighbours
   const char32_t read = onlyCodePoint(symbol.text);
   const char32_t seen = shape.best();
   if (read == seen || seen == Classification::noCharacter || !shape.knows(read) ||
-      differInSizeAlone(read, seen) || breaksCase(read, seen, symbol.confidence >= surely, beside))
+      differInSizeAlone(read, seen))
     return;
+  // As in v8.
+  if (beside.isBeforeTallDigit && seen == static_cast<char32_t>(u_tolower(static_cast<UChar32>(read)))) {
+    symbol.text = utf8Of(seen);
+    return;
+  }
+  if (breaksCase(read, seen, symbol.confidence >= surely, beside)) return;
   const Demand demand = demandFor(read, seen, symbol.confidence);
   // The engine prefers those of books.
   if (isQuote(read) && isQuote(seen) && shape.bestProbability() >= 2 * shape.of(read))
@@ -253,6 +258,24 @@ bool areOnes(const std::vector<Symbol>& symbols, const Match& match, LineShapes&
 
 bool isOneToOne(const Match& match) { return match.clusterCount > 0 && match.symbolCount == 1; }
 
+/// The neighbours of the first symbol of a match. What is before it has been corrected already.
+Neighbours neighboursOf(const std::vector<Symbol>& symbols, const std::vector<Match>& matches, std::size_t m,
+                        const std::vector<Symbol>& corrected, const LineShapes& shapes) {
+  const Match& match = matches[m];
+  Neighbours beside;
+  if (!corrected.empty() && !symbols[match.firstSymbol].spaceBefore)
+    beside.before = onlyCodePoint(corrected.back().text);
+  const std::size_t next = match.firstSymbol + match.symbolCount;
+  if (next == symbols.size() || symbols[next].spaceBefore) return beside;
+  beside.after = onlyCodePoint(symbols[next].text);
+  if (isOneToOne(match) && isDigit(beside.after) && isOneToOne(matches[m + 1])) {
+    const PixelBox it = shapes.box(match.firstCluster, match.clusterCount);
+    const PixelBox digit = shapes.box(matches[m + 1].firstCluster, matches[m + 1].clusterCount);
+    beside.isBeforeTallDigit = 6 * (it.top - digit.top) >= digit.height();
+  }
+  return beside;
+}
+
 }  // namespace
 
 void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
@@ -265,6 +288,10 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
   std::vector<Symbol> corrected;
   for (std::size_t m = 0; m < matches.size(); ++m) {
     Match& match = matches[m];
+    // The engine read one of the ones behind it for itself, for which no ink was left.
+    if (match.symbolCount == 2 && mayBeOne(symbols[match.firstSymbol + 1]) && m + 1 < matches.size() &&
+        areOnes(symbols, matches[m + 1], shapes))
+      match.symbolCount = 1;
     if (match.clusterCount == 1 && match.symbolCount > 1) {
       const Classification& shape = shapes.classification(match.firstCluster);
       std::size_t only = onlyOne(symbols, match, shapes);
@@ -279,9 +306,6 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
       }
     }
     if (areOnes(symbols, match, shapes)) {
-      // The engine may have read one of them for itself, for which no ink was left.
-      if (!corrected.empty() && !corrected.back().hasOwnInk && mayBeOne(corrected.back()))
-        corrected.pop_back();
       for (std::size_t i = 0; i < match.clusterCount; ++i)
         corrected.push_back({"1", i == 0 && symbols[match.firstSymbol].spaceBefore,
                              shapes.box(match.firstCluster + i), surely, true, true});
@@ -308,23 +332,14 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
                                          shapes.classification(match.firstCluster, match.clusterCount));
     if (match.clusterCount > 0) divide(shapes.box(match.firstCluster, match.clusterCount), symbols, match);
     constexpr double mild = 90;
-    Neighbours beside;
-    if (!corrected.empty() && !first.spaceBefore) beside.before = onlyCodePoint(corrected.back().text);
-    if (const std::size_t next = match.firstSymbol + match.symbolCount;
-        next < symbols.size() && !symbols[next].spaceBefore)
-      beside.after = onlyCodePoint(symbols[next].text);
-    if (first.hasOwnInk && isDigit(beside.after) && m + 1 < matches.size() && isOneToOne(matches[m + 1])) {
-      const PixelBox it = shapes.box(match.firstCluster, match.clusterCount);
-      const PixelBox digit = shapes.box(matches[m + 1].firstCluster, matches[m + 1].clusterCount);
-      beside.isBeforeTallDigit = 6 * (it.top - digit.top) >= digit.height();
-    }
+    const Neighbours beside = neighboursOf(symbols, matches, m, corrected, shapes);
     if (first.hasOwnInk) {
       const Classification& shape = shapes.classification(match.firstCluster, match.clusterCount);
       // A letter is hard to tell with something of the next in its picture.
       const bool isBlurred =
           shapes.isCut(match.firstCluster) && isLetter(onlyCodePoint(first.text)) &&
           (shape.bestProbability() < 0.999F || shape.of(onlyCodePoint(first.text)) > 1e-4F);
-      if (!isBlurred && (first.confidence < mild || isOther || isSteady(m)))
+      if (!isBlurred && (first.confidence < mild || isOther || beside.isBeforeTallDigit || isSteady(m)))
         correctSymbol(first, shape, beside);
       correctStroke(first, shape, beside, first.spaceBefore ? 0 : capitalsAtEnd(corrected), shapes.line());
       correctZero(first, shape, beside);

@@ -1,0 +1,37 @@
+#include "platform/linux/recognition/FileTypes.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <string>
+
+#include "platform/linux/recognition/Spacing.h"
+
+namespace lumiscan::desktop {
+
+namespace {
+
+bool isSmallOrI(const Symbol& symbol) {
+  return symbol.text == "I" ||
+         (symbol.text.size() == 1 && symbol.text.front() >= 'a' && symbol.text.front() <= 'z');
+}
+
+}  // namespace
+
+void correctFileTypes(std::vector<Symbol>& symbols) {
+  // Behind longer words the point may be that of a member, whose name may have a capital.
+  constexpr std::size_t longestType = 4;
+  for (std::size_t i = 1; i + 1 < symbols.size(); ++i) {
+    if (symbols[i - 1].text != "." || symbols[i].spaceBefore) continue;
+    std::size_t end = i;
+    while (end < symbols.size() && isWordCharacter(symbols[end]) && (end == i || !symbols[end].spaceBefore))
+      ++end;
+    if (end - i < 3 || end - i > longestType) continue;
+    const auto first = symbols.begin() + static_cast<std::ptrdiff_t>(i);
+    const auto last = symbols.begin() + static_cast<std::ptrdiff_t>(end);
+    if (!std::all_of(first, last, isSmallOrI) || first->text == "I" || (last - 1)->text == "I") continue;
+    for (auto symbol = first; symbol != last; ++symbol)
+      if (symbol->text == "I") symbol->text = std::string("l");
+  }
+}
+
+}  // namespace lumiscan::desktop
