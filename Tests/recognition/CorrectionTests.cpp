@@ -8,6 +8,7 @@
 #include "platform/linux/recognition/Bullets.h"
 #include "platform/linux/recognition/Clusters.h"
 #include "platform/linux/recognition/CutLines.h"
+#include "platform/linux/recognition/FileTypes.h"
 #include "platform/linux/recognition/GlyphCorrections.h"
 #include "platform/linux/recognition/Numbers.h"
 #include "platform/linux/recognition/Spacing.h"
@@ -54,6 +55,18 @@ TEST(Corrections, LettersAndSignsWithinNumbersBecomeDigits) {
   for (const auto& [read, meant] : texts) {
     std::vector<Symbol> symbols = symbolsOf(read);
     correctNumbers(symbols);
+    EXPECT_EQ(textOf(symbols), meant);
+  }
+}
+
+TEST(Corrections, TheTypeOfAFileHasNoCapitalI) {
+  const std::pair<std::string_view, std::string_view> texts[] = {
+      {"notes.xIsx (a.yamI) b.Ink", "notes.xlsx (a.yamI) b.Ink"},
+      {"it.isItem .xIs", "it.isItem .xls"},
+      {"xIs. xIs", "xIs. xIs"}};
+  for (const auto& [read, meant] : texts) {
+    std::vector<Symbol> symbols = symbolsOf(read);
+    correctFileTypes(symbols);
     EXPECT_EQ(textOf(symbols), meant);
   }
 }

@@ -78,6 +78,25 @@ TEST(TextRecognizer, ReadsSpacesByTheirWidthAndDashesByTheirStrokes) {
     EXPECT_THAT(linesOf(pictureOf({line}, {13})), ElementsAre(line));
 }
 
+TEST(TextRecognizer, ReadsNamesOfFilesKeysAndVersions) {
+  TesseractRecognizer recognizer;
+  for (const std::string line : {"F11", "notes (7).xlsx", "matrix.xlsx v8.17.1", "I'm sure"})
+    for (const double size : {15.0, 16.0, 18.0, 22.0})
+      EXPECT_THAT(linesOf(recognizer, pictureOf({line}, {size})), ElementsAre(line)) << size;
+}
+
+TEST(TextRecognizer, ReadsQuotationMarksSideBySide) {
+  TesseractRecognizer recognizer;
+  for (const std::string line :
+       {"eval '\"$file1\"' '\"$file2\"';", "if next == '\"':", "x = \"'${1+\"$@\"}'"})
+    for (const double size : {14.0, 18.0, 22.0})
+      EXPECT_THAT(linesOf(recognizer, pictureOf({line}, codeStyle(size))), ElementsAre(line)) << size;
+  for (const double size : {19.0, 20.0, 28.0}) {
+    const std::string line = "it was \"here.'\" -- Tom";
+    EXPECT_THAT(linesOf(recognizer, pictureOf({line}, {size})), ElementsAre(line)) << size;
+  }
+}
+
 TEST(TextRecognizer, TellsCurlyMarksFromStraightOnes) {
   const std::vector<std::string> curly{"She called it “no good” and left", "“Well,” he said, “that’s it.”"};
   const std::vector<std::string> straight{"She called it \"no good\" and left",

@@ -44,7 +44,7 @@ std::vector<Symbol> readColons(const std::vector<Glyph>& glyphs, const TextLine&
     // The more room there is between them, the longer the comma may be.
     const int longest = gap >= upper.height() ? 3 : 2;
     if (!isPoint || gap < 1 || 2 * lower.height() > (2 * longest + 1) * upper.height() ||
-        lower.width() > upper.width() + 2)
+        lower.width() > upper.width() + 2 || upper.width() > 2 * lower.width() + 1)
       return {};
     const bool isComma = 4 * lower.height() > 5 * upper.height();
     symbols.push_back(mark(isComma ? ";" : ":", cluster.box, symbols, line));

@@ -3,6 +3,7 @@
 #include <unicode/uchar.h>
 
 #include <algorithm>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -71,15 +72,13 @@ bool breaksCase(char32_t read, char32_t seen, bool isSure, const Neighbours& bes
 void correctSymbol(Symbol& symbol, const Classification& shape, const Neighbours& beside) {
   const char32_t read = onlyCodePoint(symbol.text);
   const char32_t seen = shape.best();
-  if (read == seen || seen == Classification::noCharacter || !shape.knows(read) ||
-      differInSizeAlone(read, seen))
-    return;
+  if (read == seen || seen == Classification::noCharacter || !shape.knows(read)) return;
   // As in v8.
   if (beside.isBeforeTallDigit && seen == static_cast<char32_t>(u_tolower(static_cast<UChar32>(read)))) {
     symbol.text = utf8Of(seen);
     return;
   }
-  if (breaksCase(read, seen, symbol.confidence >= surely, beside)) return;
+  if (differInSizeAlone(read, seen) || breaksCase(read, seen, symbol.confidence >= surely, beside)) return;
   const Demand demand = demandFor(read, seen, symbol.confidence);
   // The engine prefers those of books.
   if (isQuote(read) && isQuote(seen) && shape.bestProbability() >= 2 * shape.of(read))
@@ -112,6 +111,8 @@ void correctStroke(Symbol& symbol, const Classification& shape, const Neighbours
   const bool isOne = line.cells && shape.of(U'1') > 0.75F && shape.of(U'1') > 5 * shape.of(read);
   if (read == U'|' && endsOnLine && shape.of(U'|') < rarely && shape.of(U'I') + shape.of(U'l') > mostly) {
     become(isLetter(beside.before) ? 'l' : 'I');
+  } else if (read == U'|' && opensWord && !line.cells && isQuote(beside.after)) {
+    become('I');  // As in I'm.
   } else if (read == U'!' && isAlone && shape.of(U'!') < 0.1F && shape.of(U'I') + shape.of(U'l') > 0.8F) {
     become('I');
   } else if (read == U'l' && isAlone) {
@@ -204,6 +205,27 @@ bool isImagined(const Symbol& symbol, const TextLine& line) {
   constexpr double sure = 97;
   const char32_t character = onlyCodePoint(symbol.text);
   return line.cells || (symbol.confidence < sure && !isLetter(character) && !isDigit(character));
+}
+
+/// Whether a point is one of three that share a place, some of which touch.
+bool isOfEllipsis(const std::vector<Symbol>& symbols, const std::vector<Match>& matches, std::size_t m,
+                  const LineShapes& shapes) {
+  const auto isPoint = [&](std::size_t i) {
+    return matches[i].symbolCount == 1 && symbols[matches[i].firstSymbol].text == ".";
+  };
+  if (!shapes.line().cells || !isPoint(m)) return false;
+  std::size_t first = m;
+  std::size_t end = m + 1;
+  while (first > 0 && isPoint(first - 1)) --first;
+  while (end < matches.size() && isPoint(end)) ++end;
+  std::optional<PixelBox> all;
+  for (std::size_t i = first; i < end; ++i) {
+    if (matches[i].clusterCount == 0) continue;
+    const PixelBox box = shapes.box(matches[i].firstCluster, matches[i].clusterCount);
+    if (!all) all = box;
+    all->right = box.right;
+  }
+  return end - first == 3 && all && all->width() <= 1.2 * shapes.line().cells->pitch;
 }
 
 bool isLikely(const Symbol& symbol, const Classification& shape) {
@@ -324,7 +346,9 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
             {isSign ? utf8Of(shape.best()) : ".", false, shapes.box(match.firstCluster), 50, true, isSign});
       continue;
     }
-    if (match.clusterCount == 0 && isImagined(symbols[match.firstSymbol], shapes.line())) continue;
+    if (match.clusterCount == 0 && isImagined(symbols[match.firstSymbol], shapes.line()) &&
+        !isOfEllipsis(symbols, matches, m, shapes))
+      continue;
     Symbol& first = symbols[match.firstSymbol];
     first.hasOwnInk = isOneToOne(match);
     const bool isOther =
