@@ -99,8 +99,6 @@ void correctStroke(Symbol& symbol, const Classification& shape, const Neighbours
   const bool isAlone = opensWord && beside.after == Classification::noCharacter;
   const auto become = [&](char c) { symbol.text.assign(1, c); };
   const auto isSmall = [](char32_t c) { return u_islower(static_cast<UChar32>(c)); };
-  // In names of several words, In and Index begin one.
-  const bool isAmidSmall = isSmall(beside.before) && isSmall(beside.after);
   constexpr float hardly = 0.02F;
   constexpr float possible = 0.05F;
   constexpr float rarely = 0.3F;
@@ -109,20 +107,22 @@ void correctStroke(Symbol& symbol, const Classification& shape, const Neighbours
   const bool endsOnLine = 8 * (symbol.box.bottom + 1 - line.baseline) <= line.letterHeight;
   // In code, names have digits at their end, too.
   const bool isOne = line.cells && shape.of(U'1') > 0.75F && shape.of(U'1') > 5 * shape.of(read);
+  const bool isAmidSmall = isSmall(beside.before) && isSmall(beside.after) && symbol.confidence < surely;
+  // In names of several words, In and Index begin one.
+  const bool isSmallL =
+      isAmidSmall && read == U'I' && beside.after != U'n' && shape.of(U'l') > 1.5F * shape.of(U'I');
+  const bool isCapitalI = isAmidSmall && read == U'l' && shape.of(U'I') > 3 * shape.of(U'l');
+  // As in I'm.
+  const bool isPronoun = read == U'|' && opensWord && !line.cells && isQuote(beside.after);
   if (read == U'|' && endsOnLine && shape.of(U'|') < rarely && shape.of(U'I') + shape.of(U'l') > mostly) {
     become(isLetter(beside.before) ? 'l' : 'I');
-  } else if (read == U'|' && opensWord && !line.cells && isQuote(beside.after)) {
-    become('I');  // As in I'm.
-  } else if (read == U'!' && isAlone && shape.of(U'!') < 0.1F && shape.of(U'I') + shape.of(U'l') > 0.8F) {
+  } else if (isPronoun ||
+             (read == U'!' && isAlone && shape.of(U'!') < 0.1F && shape.of(U'I') + shape.of(U'l') > 0.8F)) {
     become('I');
   } else if (read == U'l' && isAlone) {
     if (shape.of(U'I') >= hardly) become('I');
-  } else if (isAmidSmall && read == U'I' && symbol.confidence < surely && beside.after != U'n' &&
-             shape.of(U'l') > 1.5F * shape.of(U'I')) {
-    become('l');
-  } else if (isAmidSmall && read == U'l' && symbol.confidence < surely &&
-             shape.of(U'I') > 3 * shape.of(U'l')) {
-    become('I');
+  } else if (isSmallL || isCapitalI) {
+    become(isSmallL ? 'l' : 'I');
   } else if (read == U'l' && capitalsBefore > 0 && !isLetter(beside.after) && !besideDigit) {
     // An acronym; behind one capital it may be a short name.
     if (shape.of(U'I') >= (capitalsBefore > 1 ? possible : rarely)) become('I');
