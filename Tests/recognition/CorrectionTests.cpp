@@ -7,6 +7,7 @@
 
 #include "platform/linux/recognition/Bullets.h"
 #include "platform/linux/recognition/Clusters.h"
+#include "platform/linux/recognition/Columns.h"
 #include "platform/linux/recognition/CutLines.h"
 #include "platform/linux/recognition/FileTypes.h"
 #include "platform/linux/recognition/GlyphCorrections.h"
@@ -216,6 +217,29 @@ TEST(TextLayout, UnderlinesAreErasedFromTheLettersThatTheyTouch) {
   GreyBitmap alone = lineWith({{130, 30, 190, 31}});
   findTextLines(alone, Characters::alphabetic);
   EXPECT_EQ(alone.at(150, 30), 255) << "underscores";
+}
+
+TEST(Columns, CommentsBehindLinesOfCodeAreNone) {
+  // Words of five letters of several widths, behind the two signs of a comment if any.
+  const auto lines = [](int left, bool areComments) {
+    std::vector<TextLine> all;
+    for (int row = 0; row < 4; ++row) {
+      TextLine line;
+      int x = left;
+      for (int i = 0; i < 26; ++i) {
+        const bool isSign = areComments && i < 2;
+        const int width = isSign ? 6 : 4 + (3 * i + 2 * row) % 5;
+        line.glyphs.push_back({{x, 20 * row, x + width - 1, 20 * row + 8}});
+        x += width + (i % 5 == 1 ? 6 : 1);
+      }
+      line.box = boxAround(line.glyphs);
+      all.push_back(line);
+    }
+    return all;
+  };
+  const Gutter gutter{60, 300};
+  EXPECT_TRUE(areColumns(lines(0, false), lines(300, false), gutter, 9));
+  EXPECT_FALSE(areColumns(lines(0, false), lines(300, true), gutter, 9));
 }
 
 TEST(CutLines, GoWhereTheSelectionShowsLessThanHalf) {

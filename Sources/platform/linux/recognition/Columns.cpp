@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdlib>
 
 #include "platform/linux/recognition/Level.h"
 
@@ -78,6 +79,19 @@ bool isRunningText(const std::vector<TextLine>& lines, int usual) {
          levelAt(widths, 0.7) * 10 >= widest * 6;
 }
 
+/// Whether all lines begin with one word of two signs, as the comments behind lines of code do.
+bool beginAlike(const std::vector<TextLine>& lines, int usual) {
+  const auto isAlike = [](const Glyph& a, const Glyph& b) {
+    return std::abs(a.width() - b.width()) <= 1 && std::abs(a.height() - b.height()) <= 1;
+  };
+  const std::vector<Glyph>& first = lines.front().glyphs;
+  return std::all_of(lines.begin(), lines.end(), [&](const TextLine& line) {
+    const std::vector<Glyph>& glyphs = line.glyphs;
+    return glyphs.size() > 2 && isAlike(glyphs[0], first[0]) && isAlike(glyphs[1], first[1]) &&
+           2 * (glyphs[2].box.left - glyphs[1].box.right) > usual;
+  });
+}
+
 }  // namespace
 
 std::vector<Gutter> gutters(const std::vector<Glyph>& glyphs, int least) {
@@ -109,7 +123,7 @@ bool areColumns(const std::vector<TextLine>& left, const std::vector<TextLine>& 
   for (const TextLine& line : left) pairs += paired(line, right);
   if (pairs * 10 < std::min(left.size(), right.size()) * 7) return true;
   if (2 * gutter.width < 5 * usual) return false;
-  return isRunningText(left, usual) && isRunningText(right, usual);
+  return !beginAlike(right, usual) && isRunningText(left, usual) && isRunningText(right, usual);
 }
 
 }  // namespace lumiscan::desktop
