@@ -138,9 +138,11 @@ void joinRowsOfMarks(std::vector<Row>& rows, int usual) {
 
 bool isFlat(const Glyph& glyph) { return glyph.width() >= 3 * glyph.height(); }
 
-/// How far a mark is from a row. Flat strokes stand below their row, as underscores do, or in it.
+/// How far a mark is from a row. Flat strokes stand below their row, as underscores do, or in it. Accents and
+/// quotation marks stand well above small letters, but nothing else far below them.
 int markDistance(const Row& row, const Glyph& mark, int usual) {
-  return distance(row, mark) + (isFlat(mark) && mark.box.bottom < row.top ? usual / 2 : 0);
+  if (isFlat(mark)) return distance(row, mark) + (mark.box.bottom < row.top ? usual / 2 : 0);
+  return mark.box.top > row.bottom ? 2 * distance(row, mark) : distance(row, mark);
 }
 
 /// Whether one glyph stands over another, nearer than a letter is high.
@@ -164,7 +166,6 @@ Glyphs addMarks(std::vector<Row>& rows, const Glyphs& marks, int usual, int reac
              std::pair(markDistance(b, mark, usual), std::abs(middle(b) - mark.middle()));
     });
     if (nearest == rows.end()) return marks;
-    // Accents and quotation marks stand well above small letters, but nothing far below them but strokes.
     const bool isLow = mark.box.top > nearest->bottom && !isFlat(mark);
     if (distance(*nearest, mark) <= (isLow ? reach / 2 : reach))
       near.push_back({&*nearest, &mark});
