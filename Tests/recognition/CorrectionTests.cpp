@@ -64,6 +64,7 @@ TEST(Corrections, TheTypeOfAFileHasNoCapitalI) {
   const std::pair<std::string_view, std::string_view> texts[] = {
       {"notes.xIsx (a.yamI) b.Ink", "notes.xlsx (a.yamI) b.Ink"},
       {"it.isItem .xIs", "it.isItem .xls"},
+      {"(x).isIn (y).xIsx(", "(x).isIn (y).xIsx("},
       {"xIs. xIs", "xIs. xIs"}};
   for (const auto& [read, meant] : texts) {
     std::vector<Symbol> symbols = symbolsOf(read);
@@ -138,6 +139,7 @@ TEST(Corrections, ShortUnderscoresSayHowManyALongerOneIs) {
   EXPECT_EQ(inserted({{{0, 14, 23, 14}}, {{40, 14, 62, 14}}}, 23), "____");
   EXPECT_EQ(inserted({twice}, 32), "___") << "by the height of the letters";
   EXPECT_EQ(inserted({twice}, 16), "__") << "another line has a shorter one";
+  EXPECT_EQ(inserted({{{0, 14, 99, 14}}}, 50), "________") << "even the shortest of a form is several";
 }
 
 TEST(Clusters, PointsBeneathQuotationMarksAreNoPartsOfThem) {

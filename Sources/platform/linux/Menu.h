@@ -13,7 +13,8 @@ namespace lumiscan::desktop {
 /// A title as one line: control characters and line separators, other than tabs, as spaces.
 QString menuLabel(const std::string& title);
 
-/// Calls the item's action after its menu has closed, unless the item can't be chosen.
+/// Calls the item's action on a later turn of the main queue, that of a capture once the screen has had time
+/// to be painted without the menu; unless the item can't be chosen.
 void chooseLater(const std::shared_ptr<platform::MenuItem>& item);
 
 /// Shows menus in windows of our own, where no panel shows them. Main thread only.

@@ -16,8 +16,8 @@ struct Match {
   std::size_t firstSymbol, symbolCount;
 };
 
-/// Whether a letter has an arm beneath which a full stop behind it may stand. Pieces that others seem to have
-/// there are their own.
+/// Whether a letter has an arm beneath which a full stop behind it may stand. What stands there beneath
+/// another letter is a part of it.
 bool reachesOverPoint(char32_t letter);
 
 /// Finds which symbol is which ink, by their order, by where the engine saw them, roughly, and by their

@@ -79,7 +79,8 @@ bool isRunningText(const std::vector<TextLine>& lines, int usual) {
          levelAt(widths, 0.7) * 10 >= widest * 6;
 }
 
-/// Whether all lines begin with one word of two signs, as the comments behind lines of code do.
+/// Whether all lines begin with one word of two signs, as the comments behind lines of code do. Those of a
+/// list begin with a digit and a point.
 bool beginAlike(const std::vector<TextLine>& lines, int usual) {
   const auto isAlike = [](const Glyph& a, const Glyph& b) {
     return std::abs(a.width() - b.width()) <= 1 && std::abs(a.height() - b.height()) <= 1;
@@ -87,8 +88,8 @@ bool beginAlike(const std::vector<TextLine>& lines, int usual) {
   const std::vector<Glyph>& first = lines.front().glyphs;
   return std::all_of(lines.begin(), lines.end(), [&](const TextLine& line) {
     const std::vector<Glyph>& glyphs = line.glyphs;
-    return glyphs.size() > 2 && isAlike(glyphs[0], first[0]) && isAlike(glyphs[1], first[1]) &&
-           2 * (glyphs[2].box.left - glyphs[1].box.right) > usual;
+    return glyphs.size() > 2 && 3 * glyphs[1].height() > usual && isAlike(glyphs[0], first[0]) &&
+           isAlike(glyphs[1], first[1]) && 2 * (glyphs[2].box.left - glyphs[1].box.right) > usual;
   });
 }
 

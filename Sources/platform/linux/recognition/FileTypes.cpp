@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 #include "platform/linux/recognition/Spacing.h"
 
@@ -29,8 +30,13 @@ void correctFileTypes(std::vector<Symbol>& symbols) {
     const auto first = symbols.begin() + static_cast<std::ptrdiff_t>(i);
     const auto last = symbols.begin() + static_cast<std::ptrdiff_t>(end);
     if (!std::all_of(first, last, isSmallOrI) || first->text == "I" || (last - 1)->text == "I") continue;
+    // In, Is or It at the end of a member's name.
+    const bool isMember = end - i == longestType && (last - 2)->text == "I" &&
+                          std::string_view("nst").find((last - 1)->text) != std::string_view::npos;
+    const bool isCalled = end < symbols.size() && !symbols[end].spaceBefore && symbols[end].text == "(";
+    if (isMember || isCalled) continue;
     for (auto symbol = first; symbol != last; ++symbol)
-      if (symbol->text == "I") symbol->text = std::string("l");
+      if (symbol->text == "I") symbol->text.assign(1, 'l');
   }
 }
 

@@ -37,10 +37,11 @@ double underscoreWidth(const std::vector<Glyph>& taken, const std::vector<Symbol
   if (line.cells) return line.cells->pitch;
   const auto longest = std::max_element(taken.begin(), taken.end(),
                                         [](const Glyph& a, const Glyph& b) { return a.width() < b.width(); });
-  if (10 * longest->width() >= 17 * shortest) return shortest;
-  if (const double low = usualHeight(symbols, "acemnorsuvwxz"); low > 0) return 0.93 * low;
+  const double low = usualHeight(symbols, "acemnorsuvwxz");
   const double high = usualHeight(symbols, "0123456789ABCDEFGHKLMNPRTUVXYZbdhkl");
-  return high > 0 ? 0.72 * high : 1.05 * line.letterHeight;
+  const double usual = low > 0 ? 0.93 * low : high > 0 ? 0.72 * high : 1.05 * line.letterHeight;
+  // Where even the shortest is longer than an underscore, as in a form, it is several.
+  return 10 * longest->width() >= 17 * shortest && shortest < 1.5 * usual ? shortest : usual;
 }
 
 /// Whether the ink in a box lies at one height all along, as that of hyphens does; a tilde goes up and down.

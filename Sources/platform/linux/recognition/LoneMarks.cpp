@@ -29,7 +29,7 @@ Symbol mark(const std::string& text, const PixelBox& box, const std::vector<Symb
 }
 
 /// A point high over another one or over a comma, which is hardly longer; beneath its dot an i has a whole
-/// stem.
+/// stem, and the hook of a question mark is far wider than its point.
 std::vector<Symbol> readColons(const std::vector<Glyph>& glyphs, const TextLine& line) {
   std::vector<Symbol> symbols;
   for (Cluster& cluster : clustersOf(glyphs)) {

@@ -101,14 +101,14 @@ void separateMarks(std::vector<FoundMark>& marks, std::vector<Symbol>& symbols) 
 std::vector<FoundMark> findMarks(const QuotedLine& line, const GreyBitmap& ink) {
   std::vector<Symbol>& symbols = *line.symbols;
   std::vector<FoundMark> found;
-  std::vector<QuoteMark> marks = quoteMarks(*line.glyphs, ink, *line.line);
+  const std::vector<QuoteMark> marks = quoteMarks(*line.glyphs, ink, *line.line);
   const auto isBesideMark = [&](const QuoteMark& mark) {
     return std::any_of(marks.begin(), marks.end(), [&](const QuoteMark& other) {
       const int gap = std::max(other.box.left - mark.box.right, mark.box.left - other.box.right);
       return gap > 0 && 2 * gap <= line.line->letterHeight && other.strokes == 2 && !other.touching;
     });
   };
-  for (QuoteMark& mark : marks) {
+  for (QuoteMark mark : marks) {
     const auto distance = [&](const Symbol& symbol) {
       return std::abs(middleOf(symbol.box) - middleOf(mark.box));
     };
@@ -123,6 +123,7 @@ std::vector<FoundMark> findMarks(const QuotedLine& line, const GreyBitmap& ink) 
       found.push_back({mark, *nearest});
   }
   separateMarks(found, symbols);
+  std::erase_if(found, [&](const FoundMark& mark) { return !isQuote(symbols[mark.place].text); });
   return found;
 }
 

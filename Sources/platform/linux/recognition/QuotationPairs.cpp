@@ -116,8 +116,12 @@ bool isWithinWord(const std::vector<Symbol>& symbols, std::size_t i) {
 }
 
 bool opens(const std::vector<Symbol>& symbols, std::size_t i) {
-  // Behind one that opens it begins a quotation within a quotation.
-  while (i > 0 && !symbols[i].spaceBefore && isQuote(symbols[i - 1].text)) --i;
+  // Before a word and behind a mark that opens it begins a quotation within a quotation.
+  std::size_t next = i + 1;
+  while (next < symbols.size() && !symbols[next].spaceBefore && isQuote(symbols[next].text)) ++next;
+  const bool isBeforeWord = next < symbols.size() && !symbols[next].spaceBefore &&
+                            std::string_view(")]}>,.;:!?").find(symbols[next].text) == std::string_view::npos;
+  while (isBeforeWord && i > 0 && !symbols[i].spaceBefore && isQuote(symbols[i - 1].text)) --i;
   return i == 0 || symbols[i].spaceBefore ||
          std::string_view("([{<").find(symbols[i - 1].text) != std::string_view::npos;
 }

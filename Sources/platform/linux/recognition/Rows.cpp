@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <iterator>
 #include <numeric>
+#include <tuple>
 #include <utility>
 
 #include "platform/linux/recognition/Level.h"
@@ -138,11 +139,16 @@ void joinRowsOfMarks(std::vector<Row>& rows, int usual) {
 
 bool isFlat(const Glyph& glyph) { return glyph.width() >= 3 * glyph.height(); }
 
-/// How far a mark is from a row. Flat strokes stand below their row, as underscores do, or in it. Accents and
-/// quotation marks stand well above small letters, but nothing else far below them.
+/// Whether a mark is so near to a row that it may be the row's. Accents and quotation marks stand well above
+/// small letters, but nothing far below them but strokes.
+bool isWithinReach(const Row& row, const Glyph& mark, int reach) {
+  const bool isLow = mark.box.top > row.bottom && !isFlat(mark);
+  return distance(row, mark) <= (isLow ? reach / 2 : reach);
+}
+
+/// How far a mark is from a row. Flat strokes stand below their row, as underscores do, or in it.
 int markDistance(const Row& row, const Glyph& mark, int usual) {
-  if (isFlat(mark)) return distance(row, mark) + (mark.box.bottom < row.top ? usual / 2 : 0);
-  return mark.box.top > row.bottom ? 2 * distance(row, mark) : distance(row, mark);
+  return distance(row, mark) + (isFlat(mark) && mark.box.bottom < row.top ? usual / 2 : 0);
 }
 
 /// Whether one glyph stands over another, nearer than a letter is high.
@@ -162,12 +168,14 @@ Glyphs addMarks(std::vector<Row>& rows, const Glyphs& marks, int usual, int reac
   Glyphs apart;
   for (const Glyph& mark : marks) {
     const auto nearest = std::min_element(rows.begin(), rows.end(), [&](const Row& a, const Row& b) {
-      return std::pair(markDistance(a, mark, usual), std::abs(middle(a) - mark.middle())) <
-             std::pair(markDistance(b, mark, usual), std::abs(middle(b) - mark.middle()));
+      const auto order = [&](const Row& row) {
+        return std::tuple(!isWithinReach(row, mark, reach), markDistance(row, mark, usual),
+                          std::abs(middle(row) - mark.middle()));
+      };
+      return order(a) < order(b);
     });
     if (nearest == rows.end()) return marks;
-    const bool isLow = mark.box.top > nearest->bottom && !isFlat(mark);
-    if (distance(*nearest, mark) <= (isLow ? reach / 2 : reach))
+    if (isWithinReach(*nearest, mark, reach))
       near.push_back({&*nearest, &mark});
     else
       apart.push_back(mark);

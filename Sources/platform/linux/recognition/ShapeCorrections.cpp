@@ -3,6 +3,7 @@
 #include <unicode/uchar.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -56,7 +57,7 @@ Demand demandFor(char32_t read, char32_t seen, double confidence) {
 struct Neighbours {
   char32_t before = Classification::noCharacter;
   char32_t after = Classification::noCharacter;
-  bool isBeforeTallDigit = false;  // It is clearly higher than the symbol.
+  bool isBeforeTallDigit = false;  // Of a capital: the digit is clearly higher.
 };
 
 /// Whether a letter of which the engine is sure would become a capital or no capital, or one amid small
@@ -74,7 +75,8 @@ void correctSymbol(Symbol& symbol, const Classification& shape, const Neighbours
   const char32_t seen = shape.best();
   if (read == seen || seen == Classification::noCharacter || !shape.knows(read)) return;
   // As in v8.
-  if (beside.isBeforeTallDigit && seen == static_cast<char32_t>(u_tolower(static_cast<UChar32>(read)))) {
+  if (beside.isBeforeTallDigit && shape.bestProbability() > 0.5F &&
+      seen == static_cast<char32_t>(u_tolower(static_cast<UChar32>(read)))) {
     symbol.text = utf8Of(seen);
     return;
   }
@@ -108,12 +110,15 @@ void correctStroke(Symbol& symbol, const Classification& shape, const Neighbours
   // In code, names have digits at their end, too.
   const bool isOne = line.cells && shape.of(U'1') > 0.75F && shape.of(U'1') > 5 * shape.of(read);
   const bool isAmidSmall = isSmall(beside.before) && isSmall(beside.after) && symbol.confidence < surely;
-  // In names of several words, In and Index begin one.
+  // As Item, Index and Id in names of several words.
+  const bool mayBeginPart = std::u32string_view(U"ndtmcsfp").find(beside.after) != std::u32string_view::npos;
   const bool isSmallL =
-      isAmidSmall && read == U'I' && beside.after != U'n' && shape.of(U'l') > 1.5F * shape.of(U'I');
-  const bool isCapitalI = isAmidSmall && read == U'l' && shape.of(U'I') > 3 * shape.of(U'l');
+      isAmidSmall && read == U'I' && !mayBeginPart && shape.of(U'l') > 1.5F * shape.of(U'I');
+  const bool isCapitalI = isAmidSmall && read == U'l' && mayBeginPart && shape.of(U'I') > mostly &&
+                          shape.of(U'I') > 3 * shape.of(U'l');
   // As in I'm.
-  const bool isPronoun = read == U'|' && opensWord && !line.cells && isQuote(beside.after);
+  const bool isPronoun = read == U'|' && opensWord && endsOnLine && !line.cells &&
+                         (beside.after == U'\'' || beside.after == U'’');
   if (read == U'|' && endsOnLine && shape.of(U'|') < rarely && shape.of(U'I') + shape.of(U'l') > mostly) {
     become(isLetter(beside.before) ? 'l' : 'I');
   } else if (isPronoun ||
@@ -287,13 +292,18 @@ Neighbours neighboursOf(const std::vector<Symbol>& symbols, const std::vector<Ma
   Neighbours beside;
   if (!corrected.empty() && !symbols[match.firstSymbol].spaceBefore)
     beside.before = onlyCodePoint(corrected.back().text);
-  const std::size_t next = match.firstSymbol + match.symbolCount;
+  // Symbols between two matches have been dropped.
+  const std::size_t next = m + 1 < matches.size() ? matches[m + 1].firstSymbol : symbols.size();
   if (next == symbols.size() || symbols[next].spaceBefore) return beside;
   beside.after = onlyCodePoint(symbols[next].text);
-  if (isOneToOne(match) && isDigit(beside.after) && isOneToOne(matches[m + 1])) {
+  const char32_t read = onlyCodePoint(symbols[match.firstSymbol].text);
+  if (isOneToOne(match) && u_isupper(static_cast<UChar32>(read)) && isDigit(beside.after) &&
+      isOneToOne(matches[m + 1])) {
     const PixelBox it = shapes.box(match.firstCluster, match.clusterCount);
     const PixelBox digit = shapes.box(matches[m + 1].firstCluster, matches[m + 1].clusterCount);
-    beside.isBeforeTallDigit = 6 * (it.top - digit.top) >= digit.height();
+    // A raised digit is no such.
+    beside.isBeforeTallDigit = 6 * (it.top - digit.top) >= digit.height() &&
+                               std::abs(it.bottom - digit.bottom) <= 1 + digit.height() / 8;
   }
   return beside;
 }
@@ -307,10 +317,13 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
     const auto isPlain = [](const Match& match) { return match.clusterCount > 0 && match.symbolCount < 2; };
     return (i == 0 || isPlain(matches[i - 1])) && (i + 1 == matches.size() || isPlain(matches[i + 1]));
   };
+  std::vector<bool> isEllipsis;
+  for (std::size_t m = 0; m < matches.size(); ++m)
+    isEllipsis.push_back(isOfEllipsis(symbols, matches, m, shapes));
   std::vector<Symbol> corrected;
   for (std::size_t m = 0; m < matches.size(); ++m) {
     Match& match = matches[m];
-    // The engine read one of the ones behind it for itself, for which no ink was left.
+    // Of F11 the engine read F, i and l: the i was put with the ink of the F, both strokes with the l.
     if (match.symbolCount == 2 && mayBeOne(symbols[match.firstSymbol + 1]) && m + 1 < matches.size() &&
         areOnes(symbols, matches[m + 1], shapes))
       match.symbolCount = 1;
@@ -346,8 +359,7 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
             {isSign ? utf8Of(shape.best()) : ".", false, shapes.box(match.firstCluster), 50, true, isSign});
       continue;
     }
-    if (match.clusterCount == 0 && isImagined(symbols[match.firstSymbol], shapes.line()) &&
-        !isOfEllipsis(symbols, matches, m, shapes))
+    if (match.clusterCount == 0 && isImagined(symbols[match.firstSymbol], shapes.line()) && !isEllipsis[m])
       continue;
     Symbol& first = symbols[match.firstSymbol];
     first.hasOwnInk = isOneToOne(match);
