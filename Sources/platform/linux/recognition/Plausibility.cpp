@@ -71,8 +71,9 @@ bool isSure(const ReadLine& line) {
 bool isLoneLabel(const ReadLine& line) {
   const std::size_t letters = lettersIn(line.text);
   const bool isStroke = line.text.find_first_not_of("_-|Il. ") == std::string::npos;
-  // Photographs have dots and corners, and there are more of them than selections of one colon.
-  if (line.symbols == 1 && letters == 0 && (line.confidence < 90 || line.text == ":" || line.text == ";"))
+  // Photographs have dots and edges, and there are more of them than selections of one colon or bracket.
+  if (line.symbols == 1 && letters == 0 &&
+      (line.confidence < 90 || line.text.find_first_of(":;()[]{}") != std::string::npos))
     return false;
   const double leastOfShapes = line.symbols == 1 ? 70 : letters > 1 ? 20 : 40;
   if (line.likely == line.symbols && !isStroke && line.confidence >= leastOfShapes) return true;
