@@ -19,7 +19,7 @@ bool isSmallOrI(const Symbol& symbol) {
 }  // namespace
 
 void correctFileTypes(std::vector<Symbol>& symbols) {
-  // Behind longer words the point may be that of a member, whose name may have a capital.
+  // What is longer may be the name of a member, which may have capitals.
   constexpr std::size_t longestType = 4;
   for (std::size_t i = 1; i + 1 < symbols.size(); ++i) {
     if (symbols[i - 1].text != "." || symbols[i].spaceBefore) continue;
