@@ -15,6 +15,7 @@ using platform::Image;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
+using ::testing::SizeIs;
 
 TextStyle codeStyle(double size) {
   return {size, Color::black(), Color::white(), platform::Font::Design::monospaced};
@@ -83,6 +84,11 @@ TEST(TextRecognizer, ReadsNamesOfFilesKeysAndVersions) {
   for (const std::string line : {"F11", "notes (7).xlsx", "matrix.xlsx v8.17.1", "I'm sure"})
     for (const double size : {15.0, 16.0, 18.0, 22.0})
       EXPECT_THAT(linesOf(recognizer, pictureOf({line}, {size})), ElementsAre(line)) << size;
+  // Most letters reach below the line.
+  EXPECT_THAT(linesOf(recognizer, pictureOf({"Postal code", "Apply"}, {15.5})),
+              ElementsAre("Postal code", "Apply"));
+  // The engine knows no such word, whose small letters touch.
+  EXPECT_THAT(linesOf(recognizer, pictureOf({"All of it", "eef72bfe05"}, {9.5})), SizeIs(2));
 }
 
 TEST(TextRecognizer, ReadsQuotationMarksSideBySide) {

@@ -59,6 +59,14 @@ bool isSureOfCharacters(const ReadLine& line) {
   });
 }
 
+/// Whether the engine is sure of the characters of a word whose letters touch, though of none such as a word:
+/// a version, a hash.
+bool isSureOfTouching(const ReadLine& line) {
+  constexpr std::size_t fewest = 5;
+  return line.symbols >= fewest && hasTouchingLetters(line) &&
+         line.sureness >= (2 * line.pieces <= line.symbols ? 75 : 93);
+}
+
 bool isSure(const ReadLine& line) {
   if (line.likely >= 3 && 2 * line.likely >= line.symbols) return true;
   const std::size_t letters = lettersIn(line.text);
@@ -104,8 +112,9 @@ void dropImplausible(std::vector<ReadLine>& lines) {
     constexpr double leastConfidence = 20;
     const bool isOfTheirSize = 3 * line.letterHeight >= smallest && line.letterHeight <= 3 * largest;
     const bool isRead = line.confidence >= leastConfidence || 2 * line.likely >= line.symbols ||
-                        (hasTouchingLetters(line) && hasLongWord(line.text));
-    return !isRead || (!isOfTheirSize && !isLoneLabel(line));
+                        (hasTouchingLetters(line) && hasLongWord(line.text)) || isSureOfTouching(line);
+    // A line most of which are points seems to be of smaller letters.
+    return !isRead || (!isOfTheirSize && !isLoneLabel(line) && !isSureOfCharacters(line));
   });
 }
 
