@@ -87,6 +87,28 @@ TEST(Corrections, SpacesAreMeasuredAgainstTheGapsWithinWords) {
   EXPECT_EQ(corrected(symbolsOf("a sign a mark no word", 2)), "a sign a mark no word");
 }
 
+TEST(Corrections, ANarrowGapIsASpaceWhereWordsOfOneLetterOrYearsAre) {
+  TextLine line;
+  line.letterHeight = 12;
+  // The gap before one of the symbols, in pixels, where no space was read.
+  const auto corrected = [&](std::string_view text, std::size_t at, int gap) {
+    std::vector<Symbol> symbols = symbolsOf(text);
+    const int further = gap - (symbols[at].box.left - symbols[at - 1].box.right - 1);
+    for (std::size_t i = at; i < symbols.size(); ++i) {
+      symbols[i].box.left += further;
+      symbols[i].box.right += further;
+    }
+    symbols[at].spaceBefore = false;
+    correctSpaces({{&symbols, &line}});
+    return textOf(symbols);
+  };
+  EXPECT_EQ(corrected("one two was a dog", 9, 6), "one two was a dog");
+  EXPECT_EQ(corrected("one two was any dog", 9, 6), "one two wasany dog");
+  EXPECT_EQ(corrected("one two was gone on", 8, 5), "one two was gone on");
+  EXPECT_EQ(corrected("on May 9, 2014 at two", 7, 5), "on May 9, 2014 at two");
+  EXPECT_EQ(corrected("on the 9,204 at two", 7, 5), "on the 9,204 at two");
+}
+
 TEST(Corrections, BackticksStandNarrowInTheirPlaces) {
   TextLine line;
   line.letterHeight = 12;

@@ -74,6 +74,11 @@ TEST(TextRecognizer, ReadsSpacesByTheirWidthAndDashesByTheirStrokes) {
       "Run `make all` in ~/notes -- or `make`", "The 'first' [link](#page) is \"here\""};
   for (const double size : {12.0, 15.0, 20.0})
     EXPECT_THAT(linesOf(pictureOf(text, {size})), ElementsAreArray(text)) << size;
+  // Each alone: a page tells more.
+  for (const std::string line :
+       {"4 min ago, Col 8", "IT IS A GAME", "A committee is a life", "88,24 € for all"})
+    for (const double size : {11.5, 14.5, 17.5, 20.0, 27.0})
+      EXPECT_THAT(linesOf(pictureOf({line}, {size})), ElementsAre(line)) << size;
   // An A has no room of its own; a stroke of a quotation mark touches the letter beside it.
   for (const std::string line : {"A section of it and what else", "in his \"views\" of it"})
     EXPECT_THAT(linesOf(pictureOf({line}, {13})), ElementsAre(line));

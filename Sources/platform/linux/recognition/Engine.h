@@ -25,6 +25,12 @@ struct Symbol {
   double confidence = 0;   ///< The engine's, from 0 to 100.
   bool hasOwnInk = false;  ///< Whether the box is that of its ink, and the ink no other's.
   bool isLikely = false;   ///< Whether its ink looks like it, as far as its shape alone tells.
+  /// Of ink that it shares with others: whether it is the first of them, and the last.
+  bool isFirstOfInk = false, isLastOfInk = false;
+
+  /// Whether its box does so where its ink does.
+  bool beginsWithInk() const { return hasOwnInk || isFirstOfInk; }
+  bool endsWithInk() const { return hasOwnInk || isLastOfInk; }
 };
 
 struct LineReading {

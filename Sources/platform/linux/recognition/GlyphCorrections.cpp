@@ -6,7 +6,7 @@
 #include <iterator>
 #include <string_view>
 
-#include "platform/linux/recognition/Level.h"
+#include "platform/linux/recognition/LetterHeights.h"
 #include "platform/linux/recognition/Strokes.h"
 
 namespace lumiscan::desktop {
@@ -21,15 +21,6 @@ bool isUnderscore(const Glyph& glyph, const TextLine& line) {
 
 int middleOf(const PixelBox& box) { return (box.left + box.right) / 2; }
 
-/// The median height of the symbols among some characters that have ink of their own; 0 without any.
-double usualHeight(const std::vector<Symbol>& symbols, std::string_view characters) {
-  std::vector<int> heights;
-  for (const Symbol& symbol : symbols)
-    if (symbol.hasOwnInk && symbol.text.size() == 1 && characters.find(symbol.text) != std::string_view::npos)
-      heights.push_back(symbol.box.height());
-  return heights.empty() ? 0 : levelAt(std::move(heights), 0.5);
-}
-
 /// The width of one underscore: a place where all characters have one width, or that of the shortest stroke
 /// where there are longer ones; else most fonts make it a little narrower than the height of an x.
 double underscoreWidth(const std::vector<Glyph>& taken, const std::vector<Symbol>& symbols,
@@ -37,8 +28,8 @@ double underscoreWidth(const std::vector<Glyph>& taken, const std::vector<Symbol
   if (line.cells) return line.cells->pitch;
   const auto longest = std::max_element(taken.begin(), taken.end(),
                                         [](const Glyph& a, const Glyph& b) { return a.width() < b.width(); });
-  const double low = usualHeight(symbols, "acemnorsuvwxz");
-  const double high = usualHeight(symbols, "0123456789ABCDEFGHKLMNPRTUVXYZbdhkl");
+  const double low = medianHeight(symbols, lowLetters);
+  const double high = medianHeight(symbols, tallCharacters);
   const double usual = low > 0 ? 0.93 * low : high > 0 ? 0.72 * high : 1.05 * line.letterHeight;
   // Where even the shortest is longer than an underscore, as in a form, it is several.
   return 10 * longest->width() >= 17 * shortest && shortest < 1.5 * usual ? shortest : usual;

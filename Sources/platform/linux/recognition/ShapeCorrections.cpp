@@ -160,6 +160,8 @@ void divide(const PixelBox& box, std::vector<Symbol>& symbols, const Match& matc
     symbols[match.firstSymbol + static_cast<std::size_t>(i)].box = {edge(i), box.top, edge(i + 1) - 1,
                                                                     box.bottom};
   }
+  symbols[match.firstSymbol].isFirstOfInk = true;
+  symbols[match.firstSymbol + match.symbolCount - 1].isLastOfInk = true;
 }
 
 /// Whether a symbol is an apostrophe within a word, which is easily taken for a part of the letter beside it.
@@ -283,6 +285,20 @@ bool areOnes(const std::vector<Symbol>& symbols, const Match& match, LineShapes&
   return true;
 }
 
+/// Takes the space before the next symbol to a cluster that wasn't read and is nearer to it than to what is
+/// before: of " --" the engine now and then reads " -", which may be the second one.
+bool takesSpace(std::vector<Symbol>& symbols, const std::vector<Match>& matches, std::size_t m,
+                const LineShapes& shapes) {
+  if (m == 0 || m + 1 == matches.size() || matches[m - 1].clusterCount == 0 ||
+      matches[m + 1].clusterCount == 0 || matches[m + 1].symbolCount == 0)
+    return false;
+  bool& isSpace = symbols[matches[m + 1].firstSymbol].spaceBefore;
+  const auto boxOf = [&](const Match& match) { return shapes.box(match.firstCluster, match.clusterCount); };
+  const PixelBox box = boxOf(matches[m]);
+  const bool isNearer = box.left - boxOf(matches[m - 1]).right > boxOf(matches[m + 1]).left - box.right;
+  return isNearer && std::exchange(isSpace, false);
+}
+
 bool isOneToOne(const Match& match) { return match.clusterCount > 0 && match.symbolCount == 1; }
 
 /// The neighbours of the first symbol of a match. What is before it has been corrected already.
@@ -355,8 +371,8 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
       const Classification& shape = shapes.classification(match.firstCluster);
       const bool isSign = isSurelySign(shape);
       if (isSign || isPoint)
-        corrected.push_back(
-            {isSign ? utf8Of(shape.best()) : ".", false, shapes.box(match.firstCluster), 50, true, isSign});
+        corrected.push_back({isSign ? utf8Of(shape.best()) : ".", takesSpace(symbols, matches, m, shapes),
+                             shapes.box(match.firstCluster), 50, true, isSign});
       continue;
     }
     if (match.clusterCount == 0 && isImagined(symbols[match.firstSymbol], shapes.line()) && !isEllipsis[m])

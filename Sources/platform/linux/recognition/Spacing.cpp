@@ -7,7 +7,9 @@
 #include <optional>
 #include <string_view>
 
+#include "platform/linux/recognition/LetterHeights.h"
 #include "platform/linux/recognition/Level.h"
+#include "platform/linux/recognition/SideBearings.h"
 
 namespace lumiscan::desktop {
 
@@ -24,6 +26,7 @@ struct Pair {
     return (right->box.left + right->box.right - left->box.left - left->box.right) / 2.0;
   }
   bool isOfOwnInk() const { return left->hasOwnInk && right->hasOwnInk; }
+  bool isMeasured() const { return left->endsWithInk() && right->beginsWithInk(); }
 };
 
 std::vector<Pair> pairsOf(std::vector<Symbol>& symbols) {
@@ -46,72 +49,186 @@ void correctByPitch(const std::vector<Pair>& pairs, double pitch) {
   }
 }
 
-/// A line's gaps that were read as spaces, and how wide those within its words are, all in pixels.
-struct Gaps {
-  std::vector<int> spaces;
-  int wideInWords = 0;    // Three of four are no wider,
-  int widestInWords = 0;  // and hardly one is wider than this.
+/// The height of a line's x, of which the heights of its characters tell.
+double sizeOf(const SpacedLine& line) {
+  constexpr double ofTall = 0.73;
+  if (const int low = medianHeight(*line.symbols, lowLetters); low > 0) return low;
+  if (const int tall = medianHeight(*line.symbols, tallCharacters); tall > 0) return ofTall * tall;
+  return line.line->letterHeight;
+}
+
+/// In heights of an x.
+struct Gap {
+  Pair pair;
+  double room;   // Between the ink.
+  double width;  // But for the shapes on both sides, and then beyond that of gaps within words.
 };
 
-Gaps gapsOf(const std::vector<Pair>& pairs) {
+using Gaps = std::vector<Gap>;
+
+Gaps gapsOf(const SpacedLine& line) {
   Gaps gaps;
-  std::vector<int> inWords;
-  for (const Pair& pair : pairs) (pair.right->spaceBefore ? gaps.spaces : inWords).push_back(pair.gap());
-  if (inWords.empty()) return gaps;
-  gaps.wideInWords = std::max(0, levelAt(inWords, 0.75));
-  gaps.widestInWords = std::max(0, levelAt(std::move(inWords), 0.9));
-  // What is no wider than those was read as a space by mistake.
-  std::erase_if(gaps.spaces, [&](int space) { return space <= gaps.widestInWords; });
+  const double size = std::max(1.0, sizeOf(line));
+  for (const Pair& pair : pairsOf(*line.symbols)) {
+    if (!pair.isMeasured()) continue;
+    const double room = pair.gap() / size;
+    gaps.push_back({pair, room, room - gapOf(*pair.left, *pair.right)});
+  }
   return gaps;
 }
 
-/// The usual width of a space, in hundredths of a letter's height.
-std::optional<int> usualSpace(Gaps gaps, int letterHeight) {
-  constexpr std::size_t fewest = 3;  // With few there is no telling.
-  if (gaps.spaces.size() < fewest) return std::nullopt;
-  // Some are the gaps between the columns of a table.
-  return 100 * levelAt(std::move(gaps.spaces), 0.3) / std::max(1, letterHeight);
+/// The median of some values, among which another counts as several.
+double usualOf(std::vector<double> values, double other, double countOfOther) {
+  if (values.empty()) return other;
+  const auto count = static_cast<double>(values.size());
+  return (levelAt(std::move(values), 0.5) * count + other * countOfOther) / (count + countOfOther);
 }
 
-/// The widest gap within words near one: in code amid text they are wider than elsewhere in the line.
-int widestAround(const std::vector<Pair>& pairs, const Pair& pair) {
-  constexpr std::ptrdiff_t reach = 4;
-  const std::ptrdiff_t at = &pair - pairs.data();
-  const auto size = static_cast<std::ptrdiff_t>(pairs.size());
-  int widest = 0;
-  for (std::ptrdiff_t i = std::max<std::ptrdiff_t>(0, at - reach); i <= std::min(size - 1, at + reach); ++i) {
-    const Pair& other = pairs[static_cast<std::size_t>(i)];
-    if (i != at && !other.right->spaceBefore) widest = std::max(widest, other.gap());
+std::vector<double> widthsWithinWords(const Gaps& gaps) {
+  std::vector<double> widths;
+  for (const Gap& gap : gaps)
+    if (gap.pair.isOfOwnInk() && !gap.pair.right->spaceBefore) widths.push_back(gap.width);
+  return widths;
+}
+
+/// The widths of the gaps that were read as spaces and may be such; in tables there are wider ones.
+std::vector<double> widthsOfSpaces(const Gaps& gaps) {
+  std::vector<double> widths;
+  for (const Gap& gap : gaps)
+    if (gap.pair.isOfOwnInk() && gap.pair.right->spaceBefore && gap.width > 0.2 && gap.width < 0.75)
+      widths.push_back(gap.width);
+  return widths;
+}
+
+/// A measure of each line's gaps. Lines with few of them have that of the image, and images the usual one.
+std::vector<double> measure(const std::vector<Gaps>& lines, std::vector<double> (*widthsOf)(const Gaps&),
+                            double usual, double countOfOther) {
+  std::vector<double> all;
+  for (const Gaps& gaps : lines)
+    for (const double width : widthsOf(gaps)) all.push_back(width);
+  const double ofImage = usualOf(std::move(all), usual, countOfOther);
+  std::vector<double> measures;
+  for (const Gaps& gaps : lines) measures.push_back(usualOf(widthsOf(gaps), ofImage, countOfOther));
+  return measures;
+}
+
+enum class Kind { letter, digit, sign };
+
+Kind kindOf(const Symbol& symbol) {
+  if (isDigit(symbol)) return Kind::digit;
+  // Accented letters and those of other scripts start with bytes from 0xC3 on, 0xE2 starts typographic marks.
+  const unsigned char c = firstByte(symbol);
+  return std::isalpha(c) || (c >= 0xC3 && c != 0xE2) ? Kind::letter : Kind::sign;
+}
+
+/// In widths of a space. What was read as none is one from `least` on; what was read as one is none up to
+/// `most`.
+struct Bounds {
+  double least, most;
+};
+
+/// Where the engine errs, by what is on both sides. Of letters it knows the words; digits have one width, and
+/// some much room in it; some signs stand far from their neighbours.
+Bounds boundsByKind(Kind left, Kind right) {
+  constexpr double none = -100;
+  switch (left) {
+    case Kind::letter:
+      return right == Kind::letter  ? Bounds{0.76, none}
+             : right == Kind::digit ? Bounds{0.62, 0.35}
+                                    : Bounds{0.76, 0.45};
+    case Kind::digit:
+      return right == Kind::letter  ? Bounds{0.62, 0.35}
+             : right == Kind::digit ? Bounds{0.8, 0.65}
+                                    : Bounds{0.95, 0.3};
+    default:
+      return right == Kind::letter  ? Bounds{1.0, 0.3}
+             : right == Kind::digit ? Bounds{0.9, 0.35}
+                                    : Bounds{1.0, 0};
   }
-  return widest;
 }
 
-/// Whether the pair's left one begins a word.
-bool isFirstLetter(const std::vector<Pair>& pairs, const Pair& pair) {
-  return &pair == pairs.data() || pair.left->spaceBefore || !isWordCharacter(*(&pair - 1)->left);
+bool isOneOf(const Symbol& symbol, std::string_view characters) {
+  return symbol.text.size() == 1 && characters.find(symbol.text) != std::string_view::npos;
 }
 
-/// A gap as wide as most of a space is one whatever was read; one that is far narrower is none. A space that
-/// was measured in other lines tells less. A space within a word must stand out among the gaps of words, too;
-/// one beside a backtick is wider than others, since the mark is narrow in its place.
-void correctByWidth(const std::vector<Pair>& pairs, int wideInWords, double space, bool isOfLine) {
-  for (const Pair& pair : pairs) {
-    Symbol& right = *pair.right;
-    if (!pair.isOfOwnInk()) continue;
-    const double width = pair.gap() / space;
-    const bool inWord = isWordCharacter(*pair.left) && isWordCharacter(right);
-    // Signs have room of their own; letters may reach over their neighbours, in italics most of all.
-    const bool atLetter = isWordCharacter(*pair.left) || isWordCharacter(right);
-    const bool atBacktick = pair.left->text == "`" || right.text == "`";
-    const double least = atBacktick ? 0.75 : !isOfLine ? 0.35 : atLetter ? 0.6 : 0.8;
-    if (right.spaceBefore && !inWord && width < least) right.spaceBefore = false;
-    const double leastInWord = 1.3 * std::max(wideInWords, widestAround(pairs, pair)) + 1;
-    // Digits have one width, and some much room in it. An A, alone a word, has none at its foot.
-    const bool atDigit = isDigit(*pair.left) || isDigit(right);
-    const bool behindA = isFirstLetter(pairs, pair) && pair.left->text == "A";
-    const double leastWidth = behindA ? 0.6 : atDigit || !inWord ? 1.0 : 0.8;
-    if (!right.spaceBefore && width > leastWidth && (!(inWord || behindA) || pair.gap() > leastInWord))
-      right.spaceBefore = true;
+/// Whether one of the pair may be a word of one letter, and the other the end of a word before it or the
+/// start of one behind it. Whatever their shapes, there is some room between them.
+bool isAtLoneLetter(const std::vector<Symbol>& symbols, const Gap& gap) {
+  constexpr double leastRoom = 0.29;
+  const auto& [left, right] = gap.pair;
+  const Symbol* const end = symbols.data() + symbols.size();
+  const bool beginsWord = left == symbols.data() || left->spaceBefore || kindOf(*(left - 1)) == Kind::sign;
+  const bool endsWord = right + 1 == end || right[1].spaceBefore;
+  const auto mayBeBeside = [](const Symbol& symbol) {
+    return kindOf(symbol) == Kind::letter || isOneOf(symbol, ".,\"'") || symbol.text.starts_with('\xE2');
+  };
+  return gap.room > leastRoom && ((beginsWord && isOneOf(*left, "AIa") && mayBeBeside(*right)) ||
+                                  (endsWord && isOneOf(*right, "AIa") && mayBeBeside(*left)));
+}
+
+/// Whether the pair's right one begins the year of a date, as no part of a number behind a comma does.
+bool isBeforeYear(const std::vector<Symbol>& symbols, const Pair& pair) {
+  constexpr std::ptrdiff_t digits = 4;
+  const std::ptrdiff_t left = symbols.data() + symbols.size() - pair.right;
+  if (pair.left->text != "," || left < digits || !(pair.right->text == "1" || pair.right->text == "2"))
+    return false;
+  const bool areDigits = std::all_of(pair.right, pair.right + digits, isDigit);
+  return areDigits &&
+         (left == digits || !isWordCharacter(pair.right[digits]) || pair.right[digits].spaceBefore);
+}
+
+/// Whether what was read as spaces around a pair is as wide as such: else symbols whose letters touch may
+/// have been put with the ink beside theirs.
+bool isSteady(const std::vector<Symbol>& symbols, const Gaps& gaps, std::size_t at, double space) {
+  constexpr std::ptrdiff_t reach = 5;
+  const Symbol* const first = std::max<const Symbol*>(symbols.data(), gaps[at].pair.left - reach);
+  const Symbol* const last =
+      std::min<const Symbol*>(symbols.data() + symbols.size() - 1, gaps[at].pair.right + reach);
+  for (const Symbol* symbol = first + 1; symbol <= last; ++symbol) {
+    if (!symbol->spaceBefore) continue;
+    const auto gap =
+        std::find_if(gaps.begin(), gaps.end(), [&](const Gap& each) { return each.pair.right == symbol; });
+    if (gap == gaps.end() || gap->width < 0.6 * space) return false;
+  }
+  return true;
+}
+
+Bounds boundsOf(const std::vector<Symbol>& symbols, const Gap& gap) {
+  constexpr double leastAtLoneLetter = 0.58;
+  constexpr double leastBeforeYear = 0.4;
+  constexpr double leastInSigns = 1.3;
+  constexpr double mostAtBacktick = 0.6;
+  const auto& [left, right] = gap.pair;
+  Bounds bounds = boundsByKind(kindOf(*left), kindOf(*right));
+  if (isAtLoneLetter(symbols, gap)) bounds.least = std::min(bounds.least, leastAtLoneLetter);
+  if (isBeforeYear(symbols, gap.pair)) bounds.least = leastBeforeYear;
+  // A double sign, marks side by side, or a sign that belongs to what is before it.
+  const bool areAlike = kindOf(*left) == Kind::sign && left->text == right->text;
+  const bool areMarks = isOneOf(*left, "'\"`") && isOneOf(*right, "'\"`");
+  if (areAlike || areMarks || isOneOf(*right, ".,;:")) bounds.least = std::max(bounds.least, leastInSigns);
+  // The mark is narrow in its place.
+  if (left->text == "`" || right->text == "`") bounds.most = mostAtBacktick;
+  return bounds;
+}
+
+/// Whether the ink tells enough of a pair. Of letters that touch only the outer edges are known, and which of
+/// them is where may be a slip.
+bool isCertain(const std::vector<Symbol>& symbols, const Gaps& gaps, std::size_t at, double space) {
+  const auto& [left, right] = gaps[at].pair;
+  if (gaps[at].pair.isOfOwnInk()) return true;
+  const bool isClear = isDigit(*left) || isDigit(*right) ||
+                       ((left->isLikely || right->isLikely) && isAtLoneLetter(symbols, gaps[at]));
+  return !right->spaceBefore && isClear && isSteady(symbols, gaps, at, space);
+}
+
+void correctByWidth(const std::vector<Symbol>& symbols, const Gaps& gaps, double space) {
+  // Where the engine sees none in so much room, a sign isn't where it seems to be.
+  constexpr double mostSpaces = 3;
+  for (std::size_t i = 0; i < gaps.size(); ++i) {
+    if (gaps[i].width > mostSpaces * space || !isCertain(symbols, gaps, i, space)) continue;
+    const Bounds bounds = boundsOf(symbols, gaps[i]);
+    bool& isSpace = gaps[i].pair.right->spaceBefore;
+    isSpace = gaps[i].width > space * (isSpace ? bounds.most : bounds.least);
   }
 }
 
@@ -189,23 +306,19 @@ bool isWordCharacter(const Symbol& symbol) {
 }
 
 void correctSpaces(const std::vector<SpacedLine>& lines) {
-  std::vector<int> spaces;
-  for (const SpacedLine& each : lines)
-    if (const auto space = usualSpace(gapsOf(pairsOf(*each.symbols)), each.line->letterHeight))
-      spaces.push_back(*space);
-  for (const SpacedLine& each : lines) {
-    const std::vector<Pair> pairs = pairsOf(*each.symbols);
-    if (each.line->cells) {
-      correctByPitch(pairs, each.line->cells->pitch);
+  std::vector<Gaps> gaps;
+  for (const SpacedLine& line : lines) gaps.push_back(line.line->cells ? Gaps{} : gapsOf(line));
+  const std::vector<double> inWords = measure(gaps, widthsWithinWords, 0.136, 6);
+  for (std::size_t i = 0; i < lines.size(); ++i)
+    for (Gap& gap : gaps[i]) gap.width -= inWords[i];
+  const std::vector<double> spaces = measure(gaps, widthsOfSpaces, 0.47, 2);
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    const std::vector<Pair> pairs = pairsOf(*lines[i].symbols);
+    if (lines[i].line->cells) {
+      correctByPitch(pairs, lines[i].line->cells->pitch);
       continue;
     }
-    const Gaps gaps = gapsOf(pairs);
-    std::optional<int> space = usualSpace(gaps, each.line->letterHeight);
-    // In a line with many spaces that are none, they look narrow.
-    const bool isOfLine = space && (spaces.empty() || 10 * *space >= 7 * levelAt(spaces, 0.5));
-    if (!isOfLine && !spaces.empty()) space = levelAt(spaces, 0.5);
-    if (space && *space > 0)
-      correctByWidth(pairs, gaps.wideInWords, *space * each.line->letterHeight / 100.0, isOfLine);
+    correctByWidth(*lines[i].symbols, gaps[i], spaces[i]);
     joinFixedWidth(pairs);
   }
 }
