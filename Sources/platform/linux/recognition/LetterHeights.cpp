@@ -1,5 +1,7 @@
 #include "platform/linux/recognition/LetterHeights.h"
 
+#include <utility>
+
 #include "platform/linux/recognition/Level.h"
 
 namespace lumiscan::desktop {

@@ -101,6 +101,7 @@ void correctStroke(Symbol& symbol, const Classification& shape, const Neighbours
   const bool isAlone = opensWord && beside.after == Classification::noCharacter;
   const auto become = [&](char c) { symbol.text.assign(1, c); };
   const auto isSmall = [](char32_t c) { return u_islower(static_cast<UChar32>(c)); };
+  const auto isCapital = [](char32_t c) { return u_isupper(static_cast<UChar32>(c)); };
   constexpr float hardly = 0.02F;
   constexpr float possible = 0.05F;
   constexpr float rarely = 0.3F;
@@ -124,7 +125,7 @@ void correctStroke(Symbol& symbol, const Classification& shape, const Neighbours
   } else if (isPronoun ||
              (read == U'!' && isAlone && shape.of(U'!') < 0.1F && shape.of(U'I') + shape.of(U'l') > 0.8F)) {
     become('I');
-  } else if (read == U'l' && isAlone) {
+  } else if (read == U'l' && (isAlone || (opensWord && !line.cells && isCapital(beside.after)))) {
     if (shape.of(U'I') >= hardly) become('I');
   } else if (isSmallL || isCapitalI) {
     become(isSmallL ? 'l' : 'I');

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
-#include <cstdlib>
-#include <optional>
 #include <string_view>
 
 #include "platform/linux/recognition/LetterHeights.h"
@@ -141,7 +139,7 @@ Bounds boundsByKind(Kind left, Kind right) {
              : right == Kind::digit ? Bounds{0.8, 0.65}
                                     : Bounds{0.95, 0.3};
     default:
-      return right == Kind::letter  ? Bounds{1.0, 0.3}
+      return right == Kind::letter  ? Bounds{1.0, 0.25}
              : right == Kind::digit ? Bounds{0.9, 0.35}
                                     : Bounds{1.0, 0};
   }
@@ -181,10 +179,11 @@ bool isBeforeYear(const std::vector<Symbol>& symbols, const Pair& pair) {
 /// have been put with the ink beside theirs.
 bool isSteady(const std::vector<Symbol>& symbols, const Gaps& gaps, std::size_t at, double space) {
   constexpr std::ptrdiff_t reach = 5;
-  const Symbol* const first = std::max<const Symbol*>(symbols.data(), gaps[at].pair.left - reach);
-  const Symbol* const last =
-      std::min<const Symbol*>(symbols.data() + symbols.size() - 1, gaps[at].pair.right + reach);
-  for (const Symbol* symbol = first + 1; symbol <= last; ++symbol) {
+  const std::ptrdiff_t right = gaps[at].pair.right - symbols.data();
+  const Symbol* const first = symbols.data() + std::max<std::ptrdiff_t>(1, right - reach);
+  const Symbol* const end =
+      symbols.data() + std::min(static_cast<std::ptrdiff_t>(symbols.size()), right + reach + 1);
+  for (const Symbol* symbol = first; symbol < end; ++symbol) {
     if (!symbol->spaceBefore) continue;
     const auto gap =
         std::find_if(gaps.begin(), gaps.end(), [&](const Gap& each) { return each.pair.right == symbol; });
@@ -201,11 +200,15 @@ Bounds boundsOf(const std::vector<Symbol>& symbols, const Gap& gap) {
   const auto& [left, right] = gap.pair;
   Bounds bounds = boundsByKind(kindOf(*left), kindOf(*right));
   if (isAtLoneLetter(symbols, gap)) bounds.least = std::min(bounds.least, leastAtLoneLetter);
-  if (isBeforeYear(symbols, gap.pair)) bounds.least = leastBeforeYear;
-  // A double sign, marks side by side, or a sign that belongs to what is before it.
+  // A double sign, marks side by side, or a sign that belongs to what is before it or, in a number, behind
+  // it.
   const bool areAlike = kindOf(*left) == Kind::sign && left->text == right->text;
   const bool areMarks = isOneOf(*left, "'\"`") && isOneOf(*right, "'\"`");
-  if (areAlike || areMarks || isOneOf(*right, ".,;:")) bounds.least = std::max(bounds.least, leastInSigns);
+  const bool isInNumber = isOneOf(*left, ".,") && isDigit(*right) && left != symbols.data() &&
+                          !left->spaceBefore && isDigit(*(left - 1));
+  if (areAlike || areMarks || isInNumber || isOneOf(*right, ".,;:"))
+    bounds.least = std::max(bounds.least, leastInSigns);
+  if (isBeforeYear(symbols, gap.pair)) bounds.least = leastBeforeYear;
   // The mark is narrow in its place.
   if (left->text == "`" || right->text == "`") bounds.most = mostAtBacktick;
   return bounds;
@@ -222,12 +225,14 @@ bool isCertain(const std::vector<Symbol>& symbols, const Gaps& gaps, std::size_t
 }
 
 void correctByWidth(const std::vector<Symbol>& symbols, const Gaps& gaps, double space) {
-  // Where the engine sees none in so much room, a sign isn't where it seems to be.
+  // Where the engine sees none in so much room, a symbol isn't where it seems to be.
   constexpr double mostSpaces = 3;
   for (std::size_t i = 0; i < gaps.size(); ++i) {
-    if (gaps[i].width > mostSpaces * space || !isCertain(symbols, gaps, i, space)) continue;
+    Symbol* const right = gaps[i].pair.right;
+    if (!right->spaceBefore && gaps[i].width > mostSpaces * space) continue;
+    if (!isCertain(symbols, gaps, i, space)) continue;
     const Bounds bounds = boundsOf(symbols, gaps[i]);
-    bool& isSpace = gaps[i].pair.right->spaceBefore;
+    bool& isSpace = right->spaceBefore;
     isSpace = gaps[i].width > space * (isSpace ? bounds.most : bounds.least);
   }
 }
