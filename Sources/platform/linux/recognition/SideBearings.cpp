@@ -31,7 +31,7 @@ double bearing(const std::array<signed char, count>& bearings, const Symbol& sym
 
 }  // namespace
 
-double gapOf(const Symbol& left, const Symbol& right) {
+double roomOfShapes(const Symbol& left, const Symbol& right) {
   return bearing(behind, left) + bearing(before, right);
 }
 

@@ -70,7 +70,7 @@ Gaps gapsOf(const SpacedLine& line) {
   for (const Pair& pair : pairsOf(*line.symbols)) {
     if (!pair.isMeasured()) continue;
     const double room = pair.gap() / size;
-    gaps.push_back({pair, room, room - gapOf(*pair.left, *pair.right)});
+    gaps.push_back({pair, room, room - roomOfShapes(*pair.left, *pair.right)});
   }
   return gaps;
 }
