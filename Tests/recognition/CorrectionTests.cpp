@@ -12,6 +12,7 @@
 #include "platform/linux/recognition/FileTypes.h"
 #include "platform/linux/recognition/GlyphCorrections.h"
 #include "platform/linux/recognition/Numbers.h"
+#include "platform/linux/recognition/QuotationStrokes.h"
 #include "platform/linux/recognition/Spacing.h"
 
 namespace lumiscan::desktop {
@@ -162,6 +163,21 @@ TEST(Corrections, ShortUnderscoresSayHowManyALongerOneIs) {
   EXPECT_EQ(inserted({twice}, 32), "___") << "by the height of the letters";
   EXPECT_EQ(inserted({twice}, 16), "__") << "another line has a shorter one";
   EXPECT_EQ(inserted({{{0, 14, 99, 14}}}, 50), "________") << "even the shortest of a form is several";
+}
+
+TEST(QuotationStrokes, TheSecondStrokeOfAMarkIsToldFromLettersThatItTouches) {
+  const QuoteMark mark{{20, 2, 21, 6}, 1, false, true, 0, 1};
+  const auto isClear = [&](std::initializer_list<PixelBox> letter) {
+    GreyBitmap ink(60, 20, 0);
+    fillBox(ink, mark.box, 255);
+    for (const PixelBox& box : letter) fillBox(ink, box, 255);
+    return hasClearTwin(mark, ink);
+  };
+  EXPECT_TRUE(isClear({{17, 2, 18, 6}, {10, 7, 16, 8}, {10, 7, 11, 14}})) << "above the arm of an r";
+  EXPECT_TRUE(isClear({{23, 2, 24, 6}, {26, 5, 36, 14}})) << "beside a small letter";
+  EXPECT_FALSE(isClear({{23, 2, 24, 14}})) << "an l";
+  EXPECT_FALSE(isClear({{23, 2, 34, 3}, {28, 4, 29, 14}, {23, 4, 24, 5}})) << "a T with serifs";
+  EXPECT_FALSE(isClear({{27, 2, 28, 6}})) << "far away";
 }
 
 TEST(Clusters, PointsBeneathQuotationMarksAreNoPartsOfThem) {

@@ -117,8 +117,10 @@ std::vector<FoundMark> findMarks(const QuotedLine& line, const GreyBitmap& ink) 
       if (mayBeMark(symbols[i]) && (!nearest || distance(symbols[i]) < distance(symbols[*nearest])))
         nearest = i;
     if (!nearest || distance(symbols[*nearest]) > line.line->letterHeight) continue;
-    if (mark.strokes == 1 && isDouble(symbols[*nearest]) && !isBesideMark(mark) && hasTwinAtLetter(mark, ink))
-      mark.strokes = 2;
+    const bool hasTwin = isDouble(symbols[*nearest])
+                             ? hasTwinAtLetter(mark, ink)
+                             : !isWithinWord(symbols, *nearest) && hasClearTwin(mark, ink);
+    if (mark.strokes == 1 && !isBesideMark(mark) && hasTwin) mark.strokes = 2;
     if (!mark.touching || (isDouble(symbols[*nearest]) && symbols[*nearest].box == mark.box))
       found.push_back({mark, *nearest});
   }

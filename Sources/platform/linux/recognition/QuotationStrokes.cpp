@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
+#include <optional>
 
 #include "platform/linux/recognition/Clusters.h"
 #include "platform/linux/recognition/QuotationShapes.h"
@@ -119,30 +120,56 @@ std::vector<QuoteMark> quoteMarks(const std::vector<Glyph>& glyphs, const GreyBi
   return marks;
 }
 
-bool hasTwinAtLetter(const QuoteMark& mark, const GreyBitmap& ink) {
-  const PixelBox& box = mark.box;
-  const int middle = (box.top + box.bottom) / 2;
+namespace {
+
+/// A stroke beside a mark, as high and about as wide, that a letter touches.
+struct Twin {
+  int gap;
+  int bottom;   // Where it ends, or the letter beneath it.
+  bool isFree;  // Nothing else stands at its upper half.
+};
+
+std::optional<Twin> twinOf(const PixelBox& mark, int edge, int step, const GreyBitmap& ink) {
+  const int middle = (mark.top + mark.bottom) / 2;
   int full = 0;
-  for (int x = box.left; x <= box.right; ++x) full = std::max<int>(full, ink.at(x, middle));
+  for (int x = mark.left; x <= mark.right; ++x) full = std::max<int>(full, ink.at(x, middle));
   const auto isInk = [&](int x, int y) { return ink.contains(x, y) && 2 * ink.at(x, y) >= full; };
-  const auto isTwin = [&](int edge, int step) {
-    int first = edge + step;
-    while (!isInk(first, middle) && std::abs(first - edge) <= box.height()) first += step;
-    int last = first;
-    while (isInk(last + step, middle)) last += step;
-    const int width = std::abs(last - first) + 1;
-    if (!isInk(first, middle) || width > box.width() + 1) return false;
-    const auto reaches = [&](int y) {
-      for (int x = std::min(first, last); x <= std::max(first, last); ++x)
-        if (isInk(x, y)) return true;
-      return false;
-    };
-    if (!reaches(box.top) || reaches(box.top - 1)) return false;
-    int bottom = box.bottom;
-    while (reaches(bottom + 1)) ++bottom;
-    return bottom <= box.bottom + 2 * box.height();
+  int first = edge + step;
+  while (!isInk(first, middle) && std::abs(first - edge) <= mark.height()) first += step;
+  int last = first;
+  while (isInk(last + step, middle)) last += step;
+  if (!isInk(first, middle) || std::abs(last - first) > mark.width()) return std::nullopt;
+  const auto reaches = [&](int y) {
+    for (int x = std::min(first, last); x <= std::max(first, last); ++x)
+      if (isInk(x, y)) return true;
+    return false;
   };
-  return isTwin(box.left, -1) || isTwin(box.right, 1);
+  if (!reaches(mark.top) || reaches(mark.top - 1)) return std::nullopt;
+  Twin twin{std::abs(first - edge) - 1, mark.bottom, true};
+  while (reaches(twin.bottom + 1)) ++twin.bottom;
+  for (int y = mark.top; y <= middle; ++y)
+    twin.isFree = twin.isFree && 2 * ink.at(last + step, y) < std::max(ink.at(first, y), ink.at(last, y));
+  return twin;
+}
+
+template <typename Condition>
+bool hasTwin(const PixelBox& mark, const GreyBitmap& ink, const Condition& isTwin) {
+  const std::optional<Twin> left = twinOf(mark, mark.left, -1, ink);
+  const std::optional<Twin> right = twinOf(mark, mark.right, 1, ink);
+  return (left && isTwin(*left)) || (right && isTwin(*right));
+}
+
+}  // namespace
+
+bool hasTwinAtLetter(const QuoteMark& mark, const GreyBitmap& ink) {
+  return hasTwin(mark.box, ink,
+                 [&](const Twin& twin) { return twin.bottom <= mark.box.bottom + 2 * mark.box.height(); });
+}
+
+bool hasClearTwin(const QuoteMark& mark, const GreyBitmap& ink) {
+  return hasTwin(mark.box, ink, [&](const Twin& twin) {
+    return twin.isFree && twin.gap <= mark.box.width() && twin.bottom <= mark.box.bottom + 1;
+  });
 }
 
 }  // namespace lumiscan::desktop

@@ -25,4 +25,8 @@ std::vector<QuoteMark> quoteMarks(const std::vector<Glyph>& glyphs, const GreyBi
 /// one.
 bool hasTwinAtLetter(const QuoteMark& mark, const GreyBitmap& ink);
 
+/// The same where the other can be nothing but the second stroke: it is near, ends where the mark does, and
+/// its upper half stands free.
+bool hasClearTwin(const QuoteMark& mark, const GreyBitmap& ink);
+
 }  // namespace lumiscan::desktop
