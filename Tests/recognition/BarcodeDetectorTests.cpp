@@ -69,6 +69,27 @@ TEST(BarcodeDetector, ReadsEverySymbology) {
   }
 }
 
+TEST(BarcodeDetector, TextMayHaveControlCharactersAndBytesAreNoText) {
+  const std::string licence = "@\n\x1e\rANSI 636000090002DL00410278DLDAQT64235789\nDCSSAMPLE\n";
+  EXPECT_THAT(payloads(codePicture(BarcodeFormat::PDF417, licence)), ElementsAre(licence));
+  for (const BarcodeFormat format :
+       {BarcodeFormat::QRCode, BarcodeFormat::DataMatrix, BarcodeFormat::Aztec, BarcodeFormat::Code128})
+    EXPECT_THAT(payloads(codePicture(format, "user\tpass")), ElementsAre("user\tpass"))
+        << ZXing::ToString(format);
+  EXPECT_THAT(payloads(codePicture(BarcodeFormat::QRCode, "(01)95\x1d(10)AB")),
+              ElementsAre("(01)95\x1d(10)AB"));
+  using ZXing::CharacterSet;
+  EXPECT_THAT(payloads(codePicture(BarcodeFormat::QRCode, "Größe\tя", 3, CharacterSet::UTF8)),
+              ElementsAre("Größe\tя"));
+  EXPECT_THAT(payloads(codePicture(BarcodeFormat::QRCode, "C:\\000899\tя", 3, CharacterSet::UTF8)),
+              ElementsAre("C:\\000899\tя"));
+  // Each character is one byte.
+  const std::string bytes = "\u0001\u00FE\u0080\u0003\u00C3";
+  EXPECT_THAT(payloads(codePicture(BarcodeFormat::QRCode, bytes)), ElementsAre("(no text)"));
+  EXPECT_THAT(payloads(codePicture(BarcodeFormat::QRCode, bytes, 3, CharacterSet::BINARY)),
+              ElementsAre("(no text)"));
+}
+
 TEST(BarcodeDetector, ReadsOnlyTheSymbologiesAskedFor) {
   const Image others = Page(500, 400)
                            .lay(codePicture(BarcodeFormat::ITF, "12345678901231", 2), 10, 10)
@@ -101,6 +122,10 @@ TEST(BarcodeDetector, EqualCodesAndLinearOnesSideBySideAreReportedOnceEach) {
   const Image matrix = codePicture(BarcodeFormat::QRCode, "same");
   EXPECT_THAT(payloads(Page(400, 200).lay(matrix, 10, 10).lay(matrix, 200, 10).image()),
               ElementsAre("same", "same"));
+  const Image small = codePicture(BarcodeFormat::QRCode, "same", 1);
+  EXPECT_THAT(payloads(Page(200, 100).lay(small, 10, 10).lay(small, 10 + small.width() - 4, 10).image()),
+              ElementsAre("same", "same"))
+      << "within one margin";
   // Asked for all at once, the library would end the process.
   const Image code = codePicture(BarcodeFormat::Code128, "twice", 2);
   EXPECT_THAT(payloads(Page(700, 300).lay(code, 10, 10).lay(code, 10, 150).image()),

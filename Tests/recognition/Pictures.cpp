@@ -103,10 +103,13 @@ Image withLongRows(const Image& image) {
       image.width(), image.height(), image.format(), [&](int x, int y) { return pixelAt(image, x, y); }, 13);
 }
 
-Image codePicture(ZXing::BarcodeFormat format, const std::string& payload, int module) {
+Image codePicture(ZXing::BarcodeFormat format, const std::string& payload, int module,
+                  ZXing::CharacterSet characters) {
   const bool linear = ZXing::BarcodeFormats(ZXing::BarcodeFormat::LinearCodes).testFlag(format);
-  const ZXing::BitMatrix bits =
-      ZXing::MultiFormatWriter(format).setMargin(linear ? 10 : 4).encode(payload, 0, linear ? 30 : 0);
+  const ZXing::BitMatrix bits = ZXing::MultiFormatWriter(format)
+                                    .setMargin(linear ? 10 : 4)
+                                    .setEncoding(characters)
+                                    .encode(payload, 0, linear ? 30 : 0);
   const Image small = imageOf(bits.width(), bits.height(), PixelFormat::argbPremultiplied,
                               [&](int x, int y) { return bits.get(x, y) ? opaque : opaque | 0xFFFFFF; });
   return platform::enlarged(small, module);

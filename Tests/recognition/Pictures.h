@@ -1,6 +1,7 @@
 #pragma once
 
 #include <ZXing/BarcodeFormat.h>
+#include <ZXing/CharacterSet.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -37,7 +38,8 @@ platform::Image asXrgb(const platform::Image& image);
 platform::Image withLongRows(const platform::Image& image);
 
 /// A code as the library writes it, `module` pixels a module, with its quiet zone.
-platform::Image codePicture(ZXing::BarcodeFormat format, const std::string& payload, int module = 3);
+platform::Image codePicture(ZXing::BarcodeFormat format, const std::string& payload, int module = 3,
+                            ZXing::CharacterSet characters = ZXing::CharacterSet::Unknown);
 
 /// A white page on which pictures are laid.
 class Page {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <exception>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "platform/UTF8.h"
@@ -42,20 +43,32 @@ Symbology symbologyOf(BarcodeFormat wanted) {
   return Symbology::qr;
 }
 
+/// Whether a part of the content is declared to be bytes, by \000899. There a backslash stands for itself
+/// twice.
+bool declaresBytes(const ZXing::ByteArray& contentWithECI) {
+  const std::string_view content = contentWithECI.asString();
+  for (std::size_t i = content.find('\\'); i != std::string_view::npos; i = content.find('\\', i + 2))
+    if (content.substr(i).starts_with("\\000899")) return true;
+  return false;
+}
+
+/// What the code says, if that is text. Tabs and the separators of fields are text; the library calls all
+/// that has such characters binary.
 std::optional<std::string> textOf(const ZXing::Result& result) {
-  const ZXing::ByteArray& bytes = result.bytes();
-  if (bytes.empty()) return std::string();
+  const std::string bytes(result.bytes().asString());
+  if (bytes.empty()) return bytes;
+  // The library guesses the encoding of unmarked bytes, and takes short UTF-8 for something else.
+  if (!result.hasECI() && bytes.find('\0') == std::string::npos && platform::validUTF8(bytes) == bytes)
+    return bytes;
   switch (result.contentType()) {
     case ZXing::ContentType::Text:
     case ZXing::ContentType::GS1:
     case ZXing::ContentType::ISO15434:
-      // The library guesses the encoding of unmarked bytes, and takes short UTF-8 for something else.
-      if (const std::string text(bytes.begin(), bytes.end());
-          !result.hasECI() && platform::validUTF8(text) == text)
-        return text;
       return result.text();
     case ZXing::ContentType::Binary:
     case ZXing::ContentType::Mixed:
+      if (result.hasECI() && !declaresBytes(result.bytesECI())) return result.text();
+      return std::nullopt;
     case ZXing::ContentType::UnknownECI:
       return std::nullopt;
   }
