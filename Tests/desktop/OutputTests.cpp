@@ -192,6 +192,43 @@ TEST_F(OutputTest, ThePanelFloatsAboveEverythingWithoutFocusAndFadesAway) {
   }
 }
 
+TEST_F(OutputTest, ThePanelStandsBelowTheBarsOfItsScreenAlone) {
+  const auto showBar = [this](const std::string& property, const std::vector<std::uint32_t>& strut) {
+    const xcb_window_t bar = xcb_generate_id(screen().x());
+    xcb_create_window(screen().x(), XCB_COPY_FROM_PARENT, bar, screen().root(), 0, 0, 30, 30, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    const xcb_atom_t dock = screen().atom("_NET_WM_WINDOW_TYPE_DOCK");
+    xcb_change_property(screen().x(), XCB_PROP_MODE_REPLACE, bar, screen().atom("_NET_WM_WINDOW_TYPE"),
+                        XCB_ATOM_ATOM, 32, 1, &dock);
+    xcb_change_property(screen().x(), XCB_PROP_MODE_REPLACE, bar, screen().atom(property), XCB_ATOM_CARDINAL,
+                        32, static_cast<std::uint32_t>(strut.size()), strut.data());
+    xcb_map_window(screen().x(), bar);
+    xcb_flush(screen().x());
+    return bar;
+  };
+  // Of both screens: how much is left of the width and the height.
+  const auto freeIs = [](const std::vector<platform::Size>& sizes) {
+    return waitFor([&] {
+      std::vector<platform::Size> found;
+      for (const platform::Screen& each : platform::Displays::shared().screens())
+        found.push_back(each.visibleFrame.size);
+      return found == sizes;
+    });
+  };
+  const xcb_window_t top = showBar("_NET_WM_STRUT_PARTIAL", {0, 0, 30, 0, 0, 0, 0, 0, 500, 1279, 0, 0});
+  EXPECT_TRUE(freeIs({{1280, 770}}));
+  screen().attachTwoMonitors();
+  EXPECT_TRUE(freeIs({{780, 770}, {499, 600}}));
+  const xcb_window_t side = showBar("_NET_WM_STRUT", {40, 0, 0, 0});
+  EXPECT_TRUE(freeIs({{780, 770}, {459, 600}}));
+  const auto hud = std::make_shared<ResultHUD>();
+  hud->show("Copied", std::nullopt, false, std::nullopt, 0.2);
+  ASSERT_TRUE(waitFor([this] { return panels().size() == 1; }));
+  EXPECT_EQ(screen().geometryOf(panels()[0]).y, 30 + 12);
+  for (const xcb_window_t bar : {top, side}) screen().closeWindow(bar);
+  EXPECT_TRUE(freeIs({{780, 800}, {499, 600}}));
+}
+
 TEST_F(OutputTest, ThePanelIsOnNoPicture) {
   for (const bool composited : {false, true}) {
     SCOPED_TRACE(composited ? "with a compositor" : "without a compositor");

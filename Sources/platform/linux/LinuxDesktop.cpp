@@ -44,6 +44,7 @@
 #include "platform/linux/x11/Display.h"
 #include "platform/linux/x11/HotKeys.h"
 #include "platform/linux/x11/InstanceClaim.h"
+#include "platform/linux/x11/Struts.h"
 
 namespace lumiscan::desktop {
 
@@ -66,14 +67,16 @@ platform::Rect inPixels(const QRect& rect, const QScreen& screen) {
           {rect.width() * scale, rect.height() * scale}};
 }
 
-/// Tells `displays` what the toolkit knows of the screens, now and at each change, and `overlays` that they
-/// changed, as long as `context` lives.
-void followToolkitScreens(x11::X11Displays& displays, OverlaySession& overlays, QObject& context) {
-  const auto tell = [&displays, &overlays] {
+/// Tells `displays` what the toolkit and the desktop's bars say of the screens, now and at each change, and
+/// `overlays` that they changed, as long as `context` lives.
+void followToolkitScreens(x11::X11Displays& displays, OverlaySession& overlays, x11::Struts& struts,
+                          QObject& context) {
+  const auto tell = [&displays, &overlays, &struts] {
     std::map<std::string, x11::X11Displays::ToolkitScreen> screens;
     for (const QScreen* screen : QGuiApplication::screens())
-      screens[screen->name().toStdString()] = {screen->devicePixelRatio(),
-                                               inPixels(screen->availableGeometry(), *screen)};
+      screens[screen->name().toStdString()] = {
+          screen->devicePixelRatio(), intersection(inPixels(screen->availableGeometry(), *screen),
+                                                   struts.workArea(inPixels(screen->geometry(), *screen)))};
     displays.setToolkitScreens(std::move(screens));
     overlays.screensChanged();
   };
@@ -86,6 +89,7 @@ void followToolkitScreens(x11::X11Displays& displays, OverlaySession& overlays, 
   };
   QObject::connect(qGuiApp, &QGuiApplication::screenAdded, &context, follow);
   QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, &context, tell);
+  struts.changed = tell;
   for (QScreen* screen : QGuiApplication::screens()) follow(screen);
 }
 
@@ -104,7 +108,7 @@ struct Interactive {
                      [this] { colorScheme.useBus(sessionBus.connection()); });
     panels.beforeShowing = [this] { overlays.freezeAll(); };
     displays.setStage(&panels);
-    followToolkitScreens(displays, overlays, screenFollower);
+    followToolkitScreens(displays, overlays, struts, screenFollower);
   }
   ~Interactive() { displays.setStage(nullptr); }
   Interactive(const Interactive&) = delete;
@@ -124,6 +128,7 @@ struct Interactive {
   PanelFreeDisplays& displays;
   PanelStage panels;
   OverlaySession overlays;
+  x11::Struts struts{toolkitConnection()};
   QObject screenFollower;
   QTimer recognizerSettles, recognizerGoes;  ///< Since the recogniser's last use.
 };

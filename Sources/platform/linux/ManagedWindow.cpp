@@ -57,7 +57,7 @@ void ManagedWindow::placeOnScreen() {
           !contains(screen.frame, {frame.midX(), frame.midY()}))
         continue;
       const int titleHeight = style()->pixelMetric(QStyle::PM_TitleBarHeight);
-      setFixedHeight(std::min(height(), toolkit->availableGeometry().height() - titleHeight));
+      setFixedHeight(std::min(height(), qRound(screen.visibleFrame.size.height) - titleHeight));
       // The toolkit measures downwards, in points from the screen's top left.
       move(toolkit->geometry().topLeft() +
            QPoint(qRound(frame.minX() - screen.frame.minX()), qRound(screen.frame.maxY() - frame.maxY())));

@@ -33,7 +33,10 @@ std::vector<std::string> QtTypesetter::lines(std::string_view text, const platfo
 }
 
 std::string QtTypesetter::truncatedInMiddle(std::string_view text, const platform::Font& font, double width) {
-  return QFontMetricsF(qtFont(font)).elidedText(qtString(text), Qt::ElideMiddle, width).toStdString();
+  // To the toolkit this character separates versions of a text, of which it takes one that fits.
+  constexpr QChar versionSeparator(0x9C);
+  const QString whole = qtString(text).replace(versionSeparator, u' ');
+  return QFontMetricsF(qtFont(font)).elidedText(whole, Qt::ElideMiddle, width).toStdString();
 }
 
 }  // namespace lumiscan::desktop
