@@ -55,7 +55,7 @@ void ScreenCaptureController::repeatLast(CaptureMode mode, LineBreaksOverride li
     request.deliver(outcome::NoPreviousSelection{});
     return;
   }
-  platform::Task::detached(platform::TaskPriority::userInitiated, [request, selection = *selection] {
+  platform::Task::detached(platform::TaskPriority::userInteractive, [request, selection = *selection] {
     const bool hasAccess = platform::Displays::shared().preflightScreenCaptureAccess();
     const auto snapshot = hasAccess ? snapshotOf(selection.displayID) : std::nullopt;
     platform::MainQueue::async([request, rect = selection.rect, snapshot] {

@@ -89,7 +89,7 @@ void ScreenCaptureController::selectionWindowDidConfirmSelection(SelectionWindow
   closeAllWindows();
   captureLog().info("selection confirmed " + std::to_string(static_cast<long>(rect.size.width)) + "×" +
                     std::to_string(static_cast<long>(rect.size.height)));
-  platform::Task::detached(platform::TaskPriority::userInitiated,
+  platform::Task::detached(platform::TaskPriority::userInteractive,
                            [weakSelf = weak_from_this(), request = takeRequest(), rect, target] {
                              const auto snapshot = platform::Displays::shared().createImage(target.displayID);
                              const auto image = snapshot ? crop(*snapshot, rect, target) : std::nullopt;

@@ -6,8 +6,9 @@
 
 namespace lumiscan::platform {
 
-/// How soon a detached task should run.
-enum class TaskPriority { userInitiated, utility };
+/// How soon a detached task should run. `userInteractive` is for what is short and can't wait, such as a
+/// picture of the screen as it is now: no task of another priority keeps it from running.
+enum class TaskPriority { userInteractive, userInitiated, utility };
 
 /// The main queue, the clock behind delays, and background threads, as a desktop provides them. The
 /// program uses `MainQueue`, `WorkItem`, `Timer` and `Task` below.

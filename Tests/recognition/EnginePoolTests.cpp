@@ -68,6 +68,16 @@ TEST_F(EnginePoolTest, ABorrowerWaitsForTheEngineThatIsBeingLoaded) {
   EXPECT_EQ(loads_, 1);
 }
 
+TEST_F(EnginePoolTest, NobodyWaitsForALoadThatHasNotBegun) {
+  ASSERT_TRUE(pool_.announce(english));
+  // The load may never begin before the borrower is done: it may wait for the borrower's thread.
+  auto first = pool_.borrow(english);
+  EXPECT_TRUE(first.ok());
+  pool_.loadAhead(english);
+  EXPECT_EQ(loads_, 1) << "the borrower has loaded what was announced";
+  EXPECT_TRUE(pool_.announce(english)) << "nothing is left of it";
+}
+
 TEST_F(EnginePoolTest, AFailureReachesTheBorrowerAndIsNotKept) {
   failing_ = true;
   ASSERT_TRUE(pool_.announce(english));

@@ -79,7 +79,7 @@ TEST_F(CaptureSessionTest, ConfirmationCapturesAfterTheOverlaysHaveGone) {
   EXPECT_THAT(ends, IsEmpty());
   EXPECT_THAT(logMessages(), ElementsAre("view mouseDown", "view mouseUp window=true rect=300x150",
                                          "selection confirmed 300×150"));
-  EXPECT_EQ(desktop.dispatcher().priorityOfNextTask(), platform::TaskPriority::userInitiated);
+  EXPECT_EQ(desktop.dispatcher().priorityOfNextTask(), platform::TaskPriority::userInteractive);
   desktop.settle();
   EXPECT_THAT(ends, ElementsAre("session: 100,550 300×150"));
   ASSERT_EQ(desktop.displays().snapshots.size(), 1U);

@@ -1,5 +1,6 @@
 #include "platform/linux/Dispatch.h"
 
+#include <QDeadlineTimer>
 #include <QMetaObject>
 #include <QPointer>
 #include <QTimer>
@@ -11,11 +12,20 @@
 namespace lumiscan::desktop {
 
 QtDispatcher::QtDispatcher() {
-  // Two at least, so that a short task never waits for a long recognition.
+  // Two at least, so that two captures are recognised at once.
   pool_.setMaxThreadCount(std::max(2, QThread::idealThreadCount()));
+  interactivePool_.setMaxThreadCount(2);
 }
 
-void QtDispatcher::startTaskThreads() { startAllThreads(pool_); }
+void QtDispatcher::startTaskThreads() {
+  startAllThreads(interactivePool_);
+  startAllThreads(pool_);
+}
+
+void QtDispatcher::dropWaitingTasks() {
+  interactivePool_.clear();
+  pool_.clear();
+}
 
 void QtDispatcher::async(std::function<void()> work) {
   QMetaObject::invokeMethod(&mainContext_, std::move(work), Qt::QueuedConnection);
@@ -39,13 +49,18 @@ std::function<void()> QtDispatcher::asyncAfter(double seconds, std::function<voi
 }
 
 void QtDispatcher::detach(platform::TaskPriority priority, std::function<void()> work) {
-  pool_.start(std::move(work), priority == platform::TaskPriority::userInitiated ? 1 : 0);
+  if (priority == platform::TaskPriority::userInteractive)
+    interactivePool_.start(std::move(work));
+  else
+    pool_.start(std::move(work), priority == platform::TaskPriority::userInitiated ? 1 : 0);
 }
 
 bool QtDispatcher::isMainThread() const { return std::this_thread::get_id() == mainThread_; }
 
 bool QtDispatcher::waitForTasks(std::chrono::milliseconds patience) {
-  return pool_.waitForDone(static_cast<int>(patience.count()));
+  const QDeadlineTimer deadline(patience);
+  return interactivePool_.waitForDone(static_cast<int>(deadline.remainingTime())) &&
+         pool_.waitForDone(static_cast<int>(deadline.remainingTime()));
 }
 
 }  // namespace lumiscan::desktop

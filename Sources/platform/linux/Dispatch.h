@@ -9,7 +9,8 @@
 
 namespace lumiscan::desktop {
 
-/// The main queue on Qt's event loop, and a small pool of background threads. Made on the main thread; work
+/// The main queue on Qt's event loop, and two small pools of background threads: recognitions may hold all of
+/// one for seconds, while pictures are taken on the other. Made on the main thread; work
 /// that is submitted before the event loop runs waits for it.
 class QtDispatcher : public platform::Dispatcher {
  public:
@@ -23,7 +24,7 @@ class QtDispatcher : public platform::Dispatcher {
   /// Once, before the first task: tasks then never need a thread that can't be started.
   void startTaskThreads();
   /// Tasks that haven't started never will.
-  void dropWaitingTasks() { pool_.clear(); }
+  void dropWaitingTasks();
   /// Waits for the tasks; whether all ended within `patience`.
   bool waitForTasks(std::chrono::milliseconds patience);
 
@@ -31,6 +32,7 @@ class QtDispatcher : public platform::Dispatcher {
   std::thread::id mainThread_ = std::this_thread::get_id();
   QObject mainContext_;
   QThreadPool pool_;
+  QThreadPool interactivePool_;  // For tasks of that priority.
 };
 
 }  // namespace lumiscan::desktop

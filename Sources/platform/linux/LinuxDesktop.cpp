@@ -56,7 +56,7 @@ constexpr std::chrono::milliseconds tasksPatience(500);
 constexpr std::chrono::seconds recognizerSettles(20);
 constexpr std::chrono::seconds recognizerKept(600);
 /// For tasks, drawing, sound, speech and the toolkit's connections, and some more.
-constexpr int threadsAtStart = 10;
+constexpr int threadsAtStart = 12;
 
 /// A rectangle on one screen, from the toolkit's coordinates, in which a screen's origin is in pixels and
 /// everything from there on in points, to pixels.

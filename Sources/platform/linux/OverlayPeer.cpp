@@ -104,7 +104,7 @@ void OverlayPeer::useFrozenDesktop() {
 void OverlayPeer::fetchBehind() {
   freeze();
   if (!ground_.frozenDesktop) return;
-  platform::Task::detached(platform::TaskPriority::userInitiated,
+  platform::Task::detached(platform::TaskPriority::userInteractive,
                            [desktop = ground_.frozenDesktop] { desktop->image(); });
 }
 

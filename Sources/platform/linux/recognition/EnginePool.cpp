@@ -18,14 +18,16 @@ platform::Result<std::shared_ptr<Engine>> EnginePool::borrow(const EngineKey& ke
   {
     std::unique_lock lock(mutex_);
     Shelf& shelf = shelves_[key];
-    if (shelf.idle.empty() && shelf.coming > shelf.waiting) {
+    if (shelf.idle.empty() && shelf.loading > shelf.waiting) {
       ++shelf.waiting;
-      arrived_.wait(lock, [&] { return !shelf.idle.empty() || shelf.coming < shelf.waiting; });
+      arrived_.wait(lock, [&] { return !shelf.idle.empty() || shelf.loading < shelf.waiting; });
       --shelf.waiting;
     }
     if (!shelf.idle.empty()) {
       engine = std::move(shelf.idle.back().engine);
       shelf.idle.pop_back();
+    } else if (shelf.announced > 0) {
+      --shelf.announced;
     }
   }
   if (!engine) {
@@ -41,16 +43,23 @@ platform::Result<std::shared_ptr<Engine>> EnginePool::borrow(const EngineKey& ke
 bool EnginePool::announce(const EngineKey& key) {
   const std::lock_guard lock(mutex_);
   Shelf& shelf = shelves_[key];
-  if (!shelf.idle.empty() || shelf.coming > 0) return false;
-  ++shelf.coming;
+  if (!shelf.idle.empty() || shelf.announced + shelf.loading > 0) return false;
+  ++shelf.announced;
   return true;
 }
 
 void EnginePool::loadAhead(const EngineKey& key) {
+  {
+    const std::lock_guard lock(mutex_);
+    Shelf& shelf = shelves_[key];
+    if (shelf.announced == 0) return;
+    --shelf.announced;
+    ++shelf.loading;
+  }
   auto loaded = load_(key);
   {
     const std::lock_guard lock(mutex_);
-    --shelves_[key].coming;
+    --shelves_[key].loading;
   }
   if (loaded.ok()) giveBack(key, std::move(loaded).value());
   arrived_.notify_all();
@@ -110,7 +119,7 @@ void EnginePool::renew() {
       if (shelf.idle.empty()) continue;
       std::ranges::move(shelf.idle, std::back_inserter(freed));
       shelf.idle.clear();
-      ++shelf.coming;
+      ++shelf.announced;
       keys.push_back(key);
     }
   }

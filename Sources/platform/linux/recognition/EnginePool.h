@@ -24,13 +24,15 @@ class EnginePool {
   explicit EnginePool(Load load);
 
   /// An engine of the caller's own; it goes back to the pool when the last copy of the pointer goes, which
-  /// must be before the pool does. Waits for one that is being loaded ahead, or loads one.
+  /// must be before the pool does. Waits for one that is being loaded ahead, or loads one: one that was only
+  /// announced may need the caller's thread to be loaded.
   platform::Result<std::shared_ptr<Engine>> borrow(const EngineKey& key);
 
-  /// Says that `loadAhead` will be called soon with this key, so that borrowers wait for it. False when an
-  /// engine is there or coming already, and there is nothing to do.
+  /// Says that `loadAhead` will be called soon with this key. False when an engine is there or coming
+  /// already, and there is nothing to do.
   bool announce(const EngineKey& key);
-  /// Loads the announced engine; a failure shows with the next `borrow`.
+  /// Loads the announced engine, unless a borrower came first and did; a failure shows with the next
+  /// `borrow`.
   void loadAhead(const EngineKey& key);
 
   /// Frees the engines that nobody has used for `age` and returns how many there were.
@@ -49,8 +51,9 @@ class EnginePool {
   };
   struct Shelf {
     std::vector<Idle> idle;
-    int coming = 0;   // Engines being loaded ahead,
-    int waiting = 0;  // and borrowers who wait for one of them.
+    int announced = 0;  // Engines to be loaded ahead,
+    int loading = 0;    // those being loaded ahead,
+    int waiting = 0;    // and borrowers who wait for one of these.
   };
 
   void giveBack(const EngineKey& key, std::shared_ptr<Engine> engine);
