@@ -123,7 +123,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   // Where its log goes when the preferences' file can't be changed at once, which is no reason to end.
-  const lumiscan::desktop::LinuxDesktop desktop(argc, argv);
+  const lumiscan::desktop::LinuxDesktop desktop;
   try {
     return soak(std::chrono::seconds(seconds)) ? EXIT_SUCCESS : EXIT_FAILURE;
   } catch (const std::exception& exception) {

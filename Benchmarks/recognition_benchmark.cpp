@@ -161,7 +161,7 @@ int main(int argc, char** argv) {
     std::cerr << "no such folder: " << (error ? arguments->output : arguments->folder).string() << '\n';
     return 1;
   }
-  lumiscan::desktop::LinuxDesktop desktop(argc, argv);
+  lumiscan::desktop::LinuxDesktop desktop;
   if (arguments->barcodes)
     measureBarcodes(*arguments);
   else

@@ -199,10 +199,7 @@ void measureSnapshot() {
   constexpr int width = 3840, height = 2160;
   PrivateDesktop x(width, height);
   x.showPicture();
-  char name[] = "session_benchmark";
-  char* arguments[] = {name, nullptr};
-  int count = 1;
-  lumiscan::desktop::LinuxDesktop desktop(count, arguments);
+  lumiscan::desktop::LinuxDesktop desktop;
   auto& displays = lumiscan::platform::Displays::shared();
   const auto screen = displays.screens().at(0);
   std::vector<double> snapshots, copies, copiesToNew;

@@ -77,7 +77,7 @@ int main(int argc, char** argv) {
     std::cerr << "usage: soak TEXT_FOLDER CODES_FOLDER [CAPTURES]\n";
     return 2;
   }
-  lumiscan::desktop::LinuxDesktop desktop(argc, argv);
+  lumiscan::desktop::LinuxDesktop desktop;
   std::vector<Image> texts = smallImages(argv[1]);
   const std::vector<Image> codes = smallImages(argv[2]);
   if (texts.empty() || codes.empty()) {

@@ -73,7 +73,7 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "usage: storing_benchmark FOLDER, a new one on the disk to measure\n");
     return 2;
   }
-  const lumiscan::desktop::LinuxDesktop desktop(argc, argv);  // For the log.
+  const lumiscan::desktop::LinuxDesktop desktop;  // For the log.
   const fs::path folder = argv[1];
   if (!fs::create_directory(folder)) {
     std::fprintf(stderr, "storing_benchmark: %s is there already\n", folder.c_str());

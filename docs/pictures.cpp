@@ -229,7 +229,7 @@ int main(int argc, char** argv) {
   setenv("QT_SCALE_FACTOR", std::to_string(scale).c_str(), 1);
   setenv("TZ", "UTC", 1);
   PrivateDesktop screen(1000 * scale, 700 * scale);
-  desktop::LinuxDesktop desktop(argc, argv);
+  desktop::LinuxDesktop desktop;
   platform::Application::shared();
   topic->second(Camera(screen, argv[2], scale));
 }

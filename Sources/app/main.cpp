@@ -27,7 +27,7 @@ int runInteractive(lumiscan::platform::Desktop& desktop) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  lumiscan::desktop::LinuxDesktop desktop(argc, argv);
+  lumiscan::desktop::LinuxDesktop desktop;
   switch (lumiscan::launchMode({argv, argv + argc})) {
     case lumiscan::LaunchMode::selfTest:
       return lumiscan::SelfTest::run();

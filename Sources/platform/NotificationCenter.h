@@ -43,7 +43,7 @@ class NotificationCenter {
   std::vector<Entry> entries_;
 };
 
-/// Posted on the workspace centre when the displays wake from sleep.
+/// Posted on the workspace centre when the displays wake from the machine's sleep.
 inline constexpr std::string_view screensDidWake = "workspace.screensDidWake";
 /// Posted on the workspace centre when the user's login session becomes the active one again.
 inline constexpr std::string_view sessionDidBecomeActive = "workspace.sessionDidBecomeActive";

@@ -124,14 +124,11 @@ class LinuxFixture {
 
  private:
   void start() {
-    desktop_ = std::make_unique<desktop::LinuxDesktop>(argc_, argv_);
+    desktop_ = std::make_unique<desktop::LinuxDesktop>();
     platform::Application::shared();
   }
 
   PrivateDesktop private_;
-  char name_[5] = "test";
-  char* argv_[2] = {name_, nullptr};
-  int argc_ = 1;
   std::unique_ptr<desktop::LinuxDesktop> desktop_;
 };
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <cstdlib>
 
 #include "desktop/PrivateDesktop.h"
@@ -34,6 +35,15 @@ TEST(Program, SaysWhetherItMayCaptureTheScreen) {
   Process program({LUMISCAN_PROGRAM, "--check-permission"});
   EXPECT_EQ(program.waitForEnd(), 1);
   EXPECT_EQ(program.standardOutput(), "Screen recording granted: false\n");
+}
+
+TEST(Program, StartsWhateverElseItsArgumentsSay) {
+  const PrivateDesktop desktop;
+  // The toolkit knows these, and would end the process.
+  Process program({LUMISCAN_PROGRAM, "--platform", "offscreen", "-display", ":4999"});
+  EXPECT_TRUE(waitUntil([&] { return desktop.shortcutIsTaken(); }));
+  program.signal(SIGTERM);
+  EXPECT_EQ(program.waitForEnd(), 0);
 }
 
 TEST(Program, EndsWithOneClearLineWhereNoThreadCanBeStarted) {

@@ -173,6 +173,13 @@ TEST_P(SessionTest, ARepeatDuringASessionShowsNothingOfIt) {
   expectTheDesktopIsTheUsers();
 }
 
+TEST_P(SessionTest, EndsWithWhateverKeyTheUserHasMadeEscape) {
+  Process({"setxkbmap", "-option", "caps:escape"}).waitForEnd(processEvents);
+  beginAndWait();
+  screen().pressKeys({KEY_CAPSLOCK});
+  EXPECT_TRUE(isCancelled(waitForEnd()));
+}
+
 TEST_P(SessionTest, IsAboveMenusAndTheirPixelsAreCaptured) {
   const auto menu = screen().showMenu(600, 200, 100, 100);
   ASSERT_TRUE(waitFor([this] { return screen().screenPixels() != picture_; }));

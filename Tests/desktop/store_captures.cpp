@@ -10,9 +10,9 @@
 #include "platform/Application.h"
 #include "platform/linux/LinuxDesktop.h"
 
-int main(int argc, char** argv) {
+int main() {
   using namespace lumiscan;
-  const desktop::LinuxDesktop desktop(argc, argv);
+  const desktop::LinuxDesktop desktop;
   platform::Application::shared();
   const auto& items = HistoryStore::shared().items();
   for (int number = items.empty() ? 1 : std::stoi(items[0].text) + 1;; ++number) {

@@ -61,15 +61,15 @@ void keepNoPaintedPictures() { QPixmapCache::setCacheLimit(0); }
 
 /// What must be settled before the toolkit looks around. Its choice of a window system is ours: the desktop
 /// behind this layer is X11's, also where a Wayland session offers it beside its own.
-int& prepared(int& argc) {
+int& prepared(int& argumentCount) {
   qputenv("QT_QPA_PLATFORM", "xcb");
   avoidHangingSessionBus();
-  return argc;
+  return argumentCount;
 }
 
 }  // namespace
 
-QtApplication::QtApplication(int& argc, char** argv) : application_(prepared(argc), argv) {
+QtApplication::QtApplication() : application_(prepared(argumentCount_), arguments_) {
   QApplication::setApplicationName("Lumiscan");
   QGuiApplication::setDesktopFileName(platform::applicationID);
   QApplication::setQuitOnLastWindowClosed(false);

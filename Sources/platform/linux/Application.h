@@ -14,8 +14,7 @@ namespace lumiscan::desktop {
 /// is doing: everything is saved as it happens. Precondition: an X display answers.
 class QtApplication : public platform::Application {
  public:
-  /// The arguments outlive the object, which removes those that Qt knows.
-  QtApplication(int& argc, char** argv);
+  QtApplication();
   ~QtApplication() override;
 
   void setDelegate(platform::ApplicationDelegate* delegate) override { delegate_ = delegate; }
@@ -28,6 +27,10 @@ class QtApplication : public platform::Application {
  private:
   void catchSignals();
 
+  // No argument of the program's is the toolkit's: it knows some that end the process.
+  char name_[9] = "lumiscan";
+  char* arguments_[2] = {name_, nullptr};
+  int argumentCount_ = 1;
   QApplication application_;
   platform::ApplicationDelegate* delegate_ = nullptr;
   std::unique_ptr<QSocketNotifier> signalNotifier_;

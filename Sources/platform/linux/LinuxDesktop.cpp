@@ -97,9 +97,8 @@ void followToolkitScreens(x11::X11Displays& displays, OverlaySession& overlays, 
 
 /// What needs the application object, made with it.
 struct Interactive {
-  Interactive(int& argc, char** argv, PanelFreeDisplays& allDisplays, platform::NotificationCenter& workspace)
-      : application(argc, argv),
-        loginSession(workspace),
+  Interactive(PanelFreeDisplays& allDisplays, platform::NotificationCenter& workspace)
+      : loginSession(workspace),
         hotKeys(toolkitConnection(), FieldWidget::windowWithFocus),
         displays(allDisplays),
         panels(toolkitConnection(), displays),
@@ -134,10 +133,6 @@ struct Interactive {
 };
 
 struct LinuxDesktop::Parts {
-  Parts(int& argumentCount, char** arguments) : argc(argumentCount), argv(arguments) {}
-
-  int& argc;
-  char** argv;
   JournalLog log;
   QtDispatcher dispatcher;
   FileUserDefaults userDefaults{FileUserDefaults::defaultFile()};
@@ -185,7 +180,7 @@ struct LinuxDesktop::Parts {
   Interactive& needInteractive() {
     assert(dispatcher.isMainThread());
     if (!interactive) {
-      interactive = std::make_unique<Interactive>(argc, argv, displays, workspaceNotificationCenter);
+      interactive = std::make_unique<Interactive>(displays, workspaceNotificationCenter);
       dispatcher.startTaskThreads();
       giveRecognizerBackWhenUnused();
     }
@@ -193,7 +188,7 @@ struct LinuxDesktop::Parts {
   }
 };
 
-LinuxDesktop::LinuxDesktop(int& argc, char** argv) : parts_(std::make_unique<Parts>(argc, argv)) {
+LinuxDesktop::LinuxDesktop() : parts_(std::make_unique<Parts>()) {
   keepFreeMemoryTogether();
   Desktop::install(this);
 }

@@ -10,9 +10,7 @@ namespace lumiscan::desktop {
 /// thread; installs itself, and takes itself out when it goes.
 class LinuxDesktop : public platform::Desktop {
  public:
-  /// The arguments are those of `main`; the toolkit removes its own from them when the application object
-  /// is made.
-  LinuxDesktop(int& argc, char** argv);
+  LinuxDesktop();
   ~LinuxDesktop() override;
 
   std::optional<std::string> interactiveModeProblem() override;

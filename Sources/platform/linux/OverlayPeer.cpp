@@ -153,7 +153,8 @@ void OverlayPeer::mouseEvent(platform::Window::MousePhase phase, QPoint root) {
 }
 
 void OverlayPeer::keyPressed(const xcb_key_press_event_t& event) {
-  const auto key = x11::virtualKeyCode(event.detail);
+  const auto key = x11::isEscape(session_.connection(), event.detail) ? platform::keyCodeEscape
+                                                                      : x11::virtualKeyCode(event.detail);
   const auto modifiers = x11::ModifierMap::read(session_.connection()).flags(event.state);
   if (const auto window = window_.weak_from_this().lock())
     window->sendKeyDown({key.value_or(platform::keyCodeNone), modifiers});

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "platform/linux/x11/Connection.h"
+
 namespace lumiscan::desktop::x11 {
 
 namespace {
@@ -65,6 +67,14 @@ std::optional<std::uint16_t> virtualKeyCode(xcb_keycode_t keycode) {
                                 [keycode](const Key& k) { return k.evdevCode + evdevOffset == keycode; });
   if (key == std::end(keys)) return std::nullopt;
   return key->virtualKeyCode;
+}
+
+bool isEscape(xcb_connection_t* connection, xcb_keycode_t keycode) {
+  constexpr xcb_keysym_t escape = 0xFF1B;
+  const Reply<xcb_get_keyboard_mapping_reply_t> symbols(
+      xcb_get_keyboard_mapping_reply(connection, xcb_get_keyboard_mapping(connection, keycode, 1), nullptr));
+  return symbols && xcb_get_keyboard_mapping_keysyms_length(symbols.get()) > 0 &&
+         xcb_get_keyboard_mapping_keysyms(symbols.get())[0] == escape;
 }
 
 }  // namespace lumiscan::desktop::x11
