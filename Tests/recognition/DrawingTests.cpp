@@ -15,25 +15,9 @@ using platform::Font;
 using platform::FontWeight;
 using platform::Image;
 using platform::QRCorrectionLevel;
-using platform::Rect;
-using platform::TextAttributes;
 
 std::uint32_t pixel(const Image& image, int x, int y) {
   return reinterpret_cast<const std::uint32_t*>(image.row(y))[x];
-}
-
-/// The box around all pixels that aren't transparent, y downwards.
-Rect inkOfImage(const Image& image) {
-  int left = image.width(), top = image.height(), right = -1, bottom = -1;
-  for (int y = 0; y < image.height(); ++y)
-    for (int x = 0; x < image.width(); ++x)
-      if (pixel(image, x, y) >> 24 > 20) {
-        left = std::min(left, x);
-        right = std::max(right, x);
-        top = std::min(top, y);
-        bottom = std::max(bottom, y);
-      }
-  return {{double(left), double(top)}, {double(right - left + 1), double(bottom - top + 1)}};
 }
 
 TEST(BitmapContext, StartsClearAndRefusesImpossibleSizes) {
@@ -63,17 +47,6 @@ TEST(BitmapContext, DrawsShapesWithYUpwardsAndPremultipliedColours) {
   const Image after = context->makeImage();
   EXPECT_EQ(pixel(after, 10, 2), 0xFFFFFFFFU);
   EXPECT_EQ(pixel(after, 0, 9), 0xFFFF0000U) << "outside the oval";
-}
-
-TEST(BitmapContext, TextStandsInTheBoxThatItsSizeTells) {
-  const auto context = CairoBitmapContext::create(300, 100);
-  const TextAttributes attributes{{Font::Design::system, 30}, Color::black()};
-  const platform::Size size = context->sizeOf("Ajqy", attributes);
-  context->draw("Ajqy", {20, 30}, attributes);
-  const Rect drawn = inkOfImage(context->makeImage());
-  EXPECT_GE(100 - drawn.maxY(), 30 - 1);
-  EXPECT_LE(100 - drawn.minY(), 30 + size.height + 1);
-  EXPECT_LE(drawn.maxX(), 20 + size.width + 2);
 }
 
 TEST(BitmapContext, FontsDiffer) {
