@@ -2,6 +2,7 @@
 
 #include <linux/input-event-codes.h>
 
+#include <QDBusVariant>
 #include <algorithm>
 #include <cstdlib>
 #include <iterator>
@@ -15,14 +16,9 @@ namespace {
 
 using testing::idOf;
 using testing::PrivateDesktop;
-using testing::waitUntil;
 
 void require(bool condition, const char* what) {
   if (!condition) throw std::runtime_error(what);
-}
-
-bool waitFor(const std::function<bool()>& condition) {
-  return waitUntil(condition, [] { QCoreApplication::processEvents(QEventLoop::AllEvents, 5); });
 }
 
 }  // namespace
@@ -34,7 +30,7 @@ RandomUse::RandomUse() {
                                          "echo The quick brown fox jumps over 24680; exec sleep 86400"});
   require(panel_.start(), "no name on the bus");
   program_.emplace(std::vector<std::string>{LUMISCAN_PROGRAM});
-  require(waitFor([this] { return desktop_.shortcutIsTaken() && !panel_.item().isEmpty(); }),
+  require(loop_.waitFor([this] { return desktop_.shortcutIsTaken() && !panel_.item().isEmpty(); }),
           "the program didn't start");
   uses_ = {
       [this] {
@@ -76,7 +72,7 @@ void RandomUse::use(std::size_t kind) {
   try {
     uses_[kind]();
     require(!program_->exitStatus(), "the program ended");
-    require(waitFor([this] { return desktop_.inputIsFree(); }), "an overlay or a grab stayed");
+    require(loop_.waitFor([this] { return desktop_.inputIsFree(); }), "an overlay or a grab stayed");
   } catch (const std::runtime_error& error) {
     constexpr std::size_t tail = 2000;
     const std::string log = program_->standardError();
@@ -101,7 +97,7 @@ void RandomUse::captureJoiningLines() {
 }
 
 void RandomUse::goThroughTheSession() {
-  require(waitFor([this] { return desktop_.inputIsTaken(); }), "a session didn't begin");
+  require(loop_.waitFor([this] { return desktop_.inputIsTaken(); }), "a session didn't begin");
   const int x = 600 + below(200), y = 300 + below(100);
   switch (below(4)) {
     case 0:
@@ -109,7 +105,7 @@ void RandomUse::goThroughTheSession() {
       break;
     case 1:
       PrivateDesktop::detachMonitor("LEFT");
-      require(waitFor([this] { return desktop_.inputIsFree(); }), "a session outlived its screen");
+      require(loop_.waitFor([this] { return desktop_.inputIsFree(); }), "a session outlived its screen");
       PrivateDesktop::setMonitor("LEFT", "499/132x600/159+0+100", "none");
       break;
     default:
@@ -118,6 +114,14 @@ void RandomUse::goThroughTheSession() {
 }
 
 void RandomUse::repeatByKeys() { desktop_.pressKeys({KEY_LEFTCTRL, KEY_LEFTALT, KEY_LEFTMETA, KEY_R}); }
+
+bool RandomUse::clickIfThere(int id) {
+  const desktop::statusnotifier::MenuEvent event{id, QStringLiteral("clicked"), QDBusVariant(0), 0};
+  const QList<desktop::statusnotifier::MenuEvent> events{event};
+  const auto unknown =
+      panel_.callMenu(QStringLiteral("EventGroup"), {QVariant::fromValue(events)}).arguments();
+  return qdbus_cast<QList<int>>(unknown.value(0)).isEmpty();
+}
 
 void RandomUse::chooseFromMenu(const QString& label) {
   panel_.aboutToShow(0);
@@ -129,7 +133,7 @@ void RandomUse::chooseFromMenu(const QString& label) {
       if (item.properties["label"].toString().section('\t', 0, 0) == label) id = item.id;
     require(id.has_value(), "an item is missing in the menu");
     // What was chosen before may just have had the menu made anew, which a panel would show.
-  } while (!panel_.clickIfThere(*id));
+  } while (!clickIfThere(*id));
 }
 
 void RandomUse::chooseFromHistory() {
@@ -142,36 +146,36 @@ void RandomUse::chooseFromHistory() {
 }
 
 void RandomUse::waitForWindows(std::size_t count, const char* what) {
-  require(waitFor([&] { return windows() == count; }), what);
+  require(loop_.waitFor([&] { return windows() == count; }), what);
 }
 
 void RandomUse::showTheAboutBox() {
   chooseFromMenu("About Lumiscan");
   waitForWindows(1, "no about box");
-  require(waitFor([this] {
-            desktop_.pressKeys({KEY_ENTER});
-            return windows() == 0;
-          }),
+  require(loop_.waitFor([this] {
+    desktop_.pressKeys({KEY_ENTER});
+    return windows() == 0;
+  }),
           "the about box stayed");
 }
 
 void RandomUse::changeInTheSettingsWindow() {
   chooseFromMenu("Settings…");
-  require(waitFor([this] {
-            const auto shown = desktop_.windowsOfClass("Lumiscan");
-            return shown.size() == 1 && desktop_.focusedWindow() == shown[0];
-          }),
+  require(loop_.waitFor([this] {
+    const auto shown = desktop_.windowsOfClass("Lumiscan");
+    return shown.size() == 1 && desktop_.focusedWindow() == shown[0];
+  }),
           "no settings window");
   // The first four controls are switches; the window opens again with the focus where it was.
   const int steps = below(4);
   for (int i = 0; i < steps; ++i) desktop_.pressKeys({KEY_TAB});
   desktop_.pressKeys({KEY_SPACE});
   for (int i = 0; i < steps; ++i) desktop_.pressKeys({KEY_LEFTSHIFT, KEY_TAB});
-  require(waitFor([this] {
-            // By its title bar's button. With the key a second press could close the page.
-            for (const xcb_window_t window : desktop_.windowsOfClass("Lumiscan")) askToClose(window);
-            return windows() == 0;
-          }),
+  require(loop_.waitFor([this] {
+    // By its title bar's button. With the key a second press could close the page.
+    for (const xcb_window_t window : desktop_.windowsOfClass("Lumiscan")) askToClose(window);
+    return windows() == 0;
+  }),
           "the settings window stayed");
 }
 

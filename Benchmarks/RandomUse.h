@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QCoreApplication>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -40,6 +39,8 @@ class RandomUse {
   void captureByKeys(const Keys& keys);
   void captureJoiningLines();
   void repeatByKeys();
+  /// Clicks in the protocol's other words; false when the menu doesn't have the item any more.
+  bool clickIfThere(int id);
   void chooseFromMenu(const QString& label);
   void chooseFromHistory();
   void showTheAboutBox();
@@ -52,13 +53,10 @@ class RandomUse {
   void askToClose(xcb_window_t window) const;
   void waitForWindows(std::size_t count, const char* what);
 
-  char name_[5] = "soak";
-  char* argv_[2] = {name_, nullptr};
-  int argc_ = 1;
+  testing::EventLoop loop_;
   testing::PrivateDesktop desktop_;
   const std::unique_ptr<testing::Process> speechServer_ = testing::startSilentSpeechServer(desktop_);
   testing::PrivateBus bus_;
-  QCoreApplication application_{argc_, argv_};
   testing::TrayPanel panel_{bus_.address()};
   std::optional<testing::Process> page_, program_;
   bool hasCompositor_ = false;

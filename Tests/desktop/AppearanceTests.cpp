@@ -31,8 +31,6 @@ class Portal : public BusObject {
     EXPECT_TRUE(bus().registerService("org.freedesktop.portal.Desktop"));
   }
   ~Portal() override { QDBusConnection::disconnectFromBus("program"); }
-  Portal(const Portal&) = delete;
-  Portal& operator=(const Portal&) = delete;
 
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
     EXPECT_EQ(message.interface(), interface);
@@ -126,25 +124,17 @@ TEST(Appearance, TheIconAndAnOpenWindowFollowAtOnce) {
   const PrivateDesktop screen;
   const PrivateBus bus;
   setenv("DBUS_SESSION_BUS_ADDRESS", bus.address().c_str(), 1);
-  char name[] = "test";
-  char* argv[] = {name, nullptr};
-  int argc = 1;
-  const QCoreApplication application(argc, argv);
-  const auto waitFor = [](const std::function<bool()>& condition) {
-    return waitUntil(condition, [] { QCoreApplication::processEvents(QEventLoop::AllEvents, 5); });
-  };
+  const EventLoop loop;
   Portal portal(bus.address());
   portal.scheme = light;
   TrayPanel panel(bus.address());
   ASSERT_TRUE(panel.start());
   const Process program({LUMISCAN_PROGRAM});
-  ASSERT_TRUE(waitFor([&] { return !panel.item().isEmpty(); }));
+  ASSERT_TRUE(loop.waitFor([&] { return !panel.item().isEmpty(); }));
 
   const auto iconIsLight = [&] {
-    const auto reply = panel.call("/StatusNotifierItem", "org.freedesktop.DBus.Properties", "Get",
-                                  {"org.kde.StatusNotifierItem", "IconPixmap"});
-    const auto pixmaps = qdbus_cast<QList<desktop::statusnotifier::Pixmap>>(
-        reply.arguments().value(0).value<QDBusVariant>().variant());
+    const auto pixmaps =
+        qdbus_cast<QList<desktop::statusnotifier::Pixmap>>(panel.itemProperties()["IconPixmap"]);
     if (pixmaps.isEmpty()) return std::optional<bool>();
     const QByteArray& bytes = pixmaps.last().bytes;
     int balance = 0;
@@ -152,14 +142,14 @@ TEST(Appearance, TheIconAndAnOpenWindowFollowAtOnce) {
       if (bytes[i] == '\xFF') balance += static_cast<unsigned char>(bytes[i + 1]) > 0x80 ? 1 : -1;
     return std::optional(balance > 0);
   };
-  ASSERT_TRUE(waitFor([&] { return iconIsLight() == false; })) << "dark ink for a light panel";
+  ASSERT_TRUE(loop.waitFor([&] { return iconIsLight() == false; })) << "dark ink for a light panel";
   panel.click(idOf(panel.layout(), "Settings…").value());
   const auto windowIsDark = [&] {
     if (screen.windowsOfClass("Lumiscan").size() != 1) return std::optional<bool>();
     // Left of what is in the window, which is in the middle of the screen.
     return std::optional((screen.pixelAt(screen.width() / 2 - 250, screen.height() / 2) & 0xFF) < 0x50);
   };
-  ASSERT_TRUE(waitFor([&] { return windowIsDark() == false; }));
+  ASSERT_TRUE(loop.waitFor([&] { return windowIsDark() == false; }));
 
   QTimer iconAnnounced;
   panel.bus().connect(panel.item(), "/StatusNotifierItem", "org.kde.StatusNotifierItem", "NewIcon",
@@ -168,8 +158,8 @@ TEST(Appearance, TheIconAndAnOpenWindowFollowAtOnce) {
     iconAnnounced.stop();
     portal.scheme = scheme;
     portal.tell("color-scheme", scheme);
-    EXPECT_TRUE(waitFor([&] { return windowIsDark() == (scheme == dark); })) << scheme;
-    EXPECT_TRUE(waitFor([&] { return iconAnnounced.isActive(); })) << scheme;
+    EXPECT_TRUE(loop.waitFor([&] { return windowIsDark() == (scheme == dark); })) << scheme;
+    EXPECT_TRUE(loop.waitFor([&] { return iconAnnounced.isActive(); })) << scheme;
     EXPECT_EQ(iconIsLight(), scheme == dark);
   }
 }

@@ -5,9 +5,26 @@
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
 #include <QString>
+#include <functional>
 #include <stdexcept>
 
+#include "desktop/Process.h"
+
 namespace lumiscan::testing {
+
+/// An application object without a desktop, for what needs an event loop. Also the base of test fixtures.
+class EventLoop {
+ public:
+  static void processEvents() { QCoreApplication::processEvents(QEventLoop::AllEvents, 5); }
+  /// Waits as `waitUntil` does, handling events meanwhile.
+  static bool waitFor(const std::function<bool()>& condition) { return waitUntil(condition, processEvents); }
+
+ private:
+  char name_[5] = "test";
+  char* argv_[2] = {name_, nullptr};
+  int argc_ = 1;
+  QCoreApplication application_{argc_, argv_};
+};
 
 /// An object of a test's own on a bus, at a connection of its own, which ends with it. Answers come when an
 /// event loop runs.
@@ -25,8 +42,6 @@ class BusObject : public QDBusVirtualObject {
     QCoreApplication::removePostedEvents(this);
     QDBusConnection::disconnectFromBus(bus_.name());
   }
-  BusObject(const BusObject&) = delete;
-  BusObject& operator=(const BusObject&) = delete;
 
   QDBusConnection bus() const { return bus_; }
 

@@ -13,19 +13,12 @@
 
 namespace lumiscan::testing {
 
-/// What the page shows, line by line.
-inline const std::vector<std::string> pageLines = {
-    "The quick brown fox jumps over the lazy dog.",
-    "Lumiscan copies whatever you can see:",
-    "an error in a dialog, a name in a picture,",
-    "the 24680 lines of a log from last night.",
-};
-
-inline std::string joined(const std::vector<std::string>& lines, const std::string& separator) {
-  std::string text;
-  for (const std::string& line : lines) text += (text.empty() ? "" : separator) + line;
-  return text;
-}
+/// What the page shows.
+inline const std::string pageText =
+    "The quick brown fox jumps over the lazy dog.\n"
+    "Lumiscan copies whatever you can see:\n"
+    "an error in a dialog, a name in a picture,\n"
+    "the 24680 lines of a log from last night.";
 
 /// The program itself on a private desktop, beside a page of text.
 class CaptureTest : public ::testing::Test {
@@ -34,7 +27,7 @@ class CaptureTest : public ::testing::Test {
   static constexpr int left = 100, top = 100, right = 800, bottom = 300;
 
   void SetUp() override {
-    std::ofstream(desktop_.home() / "page") << joined(pageLines, "\n") << "\n";
+    std::ofstream(desktop_.home() / "page") << pageText << "\n";
     // A terminal that takes keys without showing them, and has no cursor to blink.
     page_ = Process::start({"xterm", "-class", "Page", "-fa", "DejaVu Sans Mono", "-fs", "14", "-geometry",
                             "60x8+90+70", "-bg", "white", "-fg", "black", "-e",

@@ -101,16 +101,15 @@ TEST_P(EveryModeTest, CapturesWithoutANetworkAndLeavesTheTextOnlyWhereItBelongs)
   desktop_.writePreferences(R"({"additiveEnabled": true})");
   startProgram(GetParam());
 
-  const std::string page = joined(pageLines, "\n");
   struct Mode {
     std::vector<std::uint8_t> keys;
     bool drags = true;
     std::string clipboard;
   };
   const Mode modes[] = {
-      {{KEY_LEFTMETA, KEY_LEFTSHIFT, KEY_2}, true, page},
-      {{KEY_LEFTCTRL, KEY_LEFTALT, KEY_LEFTMETA, KEY_S}, true, page + "\n" + page},
-      {{KEY_LEFTCTRL, KEY_LEFTALT, KEY_LEFTMETA, KEY_R}, false, page + "\n" + page + "\n" + page},
+      {{KEY_LEFTMETA, KEY_LEFTSHIFT, KEY_2}, true, pageText},
+      {{KEY_LEFTCTRL, KEY_LEFTALT, KEY_LEFTMETA, KEY_S}, true, pageText + "\n" + pageText},
+      {{KEY_LEFTCTRL, KEY_LEFTALT, KEY_LEFTMETA, KEY_R}, false, pageText + "\n" + pageText + "\n" + pageText},
       {{KEY_LEFTCTRL, KEY_LEFTALT, KEY_LEFTMETA, KEY_B}, true, code},
   };
   const xcb_window_t focused = desktop_.focusedWindow();
@@ -155,7 +154,7 @@ TEST_F(CaptureTest, ASecondStartEndsAtOnceAndLeavesTheFirstAlone) {
   EXPECT_EQ(second.standardError(), "");
   EXPECT_EQ(second.standardOutput(), "");
   captureThePage();
-  EXPECT_TRUE(waitForClipboard(joined(pageLines, "\n")));
+  EXPECT_TRUE(waitForClipboard(pageText));
   EXPECT_EQ(program_->exitStatus(), std::nullopt);
   // One that was killed is in nobody's way.
   program_->signal(SIGKILL);

@@ -19,8 +19,6 @@ namespace {
 
 class FaultTest : public CaptureTest {
  protected:
-  const std::string text_ = joined(pageLines, "\n");
-
   /// Returns when the program has heard it, and a next press is none within the same millisecond, which would
   /// be a key's repetition.
   void pressAndBeHeard() {
@@ -50,7 +48,7 @@ class FaultTest : public CaptureTest {
   void expectACapture() {
     fillClipboard();
     captureThePage();
-    EXPECT_TRUE(waitForClipboard(text_)) << PrivateDesktop::clipboard().value_or("no text");
+    EXPECT_TRUE(waitForClipboard(pageText)) << PrivateDesktop::clipboard().value_or("no text");
     EXPECT_EQ(program_->exitStatus(), std::nullopt);
   }
   long logged(const std::string& line) const { return program_->countInError(line); }
@@ -71,7 +69,7 @@ TEST_F(FaultTest, WindowAndCompositingManagersMayComeAndGo) {
     EXPECT_TRUE(waitUntil([this] { return pageHasInk(); })) << "and shows the desktop";
     dragOverThePage();
     ASSERT_TRUE(waitForOverlays(0));
-    EXPECT_TRUE(waitForClipboard(text_)) << PrivateDesktop::clipboard().value_or("no text");
+    EXPECT_TRUE(waitForClipboard(pageText)) << PrivateDesktop::clipboard().value_or("no text");
     expectACapture();
   }
 }
@@ -82,7 +80,7 @@ TEST_F(FaultTest, ASessionGoesOnAfterTheProgramWasSuspended) {
   dragOverThePage();
   program_->signal(SIGCONT);
   ASSERT_TRUE(waitForOverlays(0));
-  EXPECT_TRUE(waitForClipboard(text_));
+  EXPECT_TRUE(waitForClipboard(pageText));
   expectACapture();
 }
 
@@ -121,7 +119,7 @@ TEST_F(FaultTest, ACaptureMayBeginAtEveryStageOfAnother) {
     desktop_.pressKeys({KEY_ESC});
     ASSERT_TRUE(waitForOverlays(0));
     const bool isReplaced = name == std::string("opening") || name == std::string("dragging");
-    EXPECT_TRUE(isReplaced || waitForClipboard(text_)) << "the first one's";
+    EXPECT_TRUE(isReplaced || waitForClipboard(pageText)) << "the first one's";
     expectACapture();
     ++sessions;
   }
@@ -135,7 +133,7 @@ TEST_F(FaultTest, FiveHundredPressesLeaveOneSession) {
       waitUntil([this] { return logged("selection surfaces shown") == 500 && desktop_.inputIsTaken(); }));
   EXPECT_EQ(overlays(), 1U);
   dragOverThePage();
-  EXPECT_TRUE(waitForClipboard(text_));
+  EXPECT_TRUE(waitForClipboard(pageText));
   expectACapture();
 }
 
@@ -178,7 +176,7 @@ TEST_F(FaultTest, ACaptureForWhichMemoryIsShortIsTheOnlyOneLost) {
   prlimit(program_->id(), RLIMIT_DATA, &before, nullptr);
   // At once, while what the first session showed is still kept.
   captureThePage();
-  EXPECT_TRUE(waitForClipboard(text_)) << PrivateDesktop::clipboard().value_or("no text");
+  EXPECT_TRUE(waitForClipboard(pageText)) << PrivateDesktop::clipboard().value_or("no text");
   EXPECT_EQ(logged("crop failed"), 1);
 }
 

@@ -10,19 +10,6 @@
 namespace lumiscan::testing {
 namespace {
 
-/// Counts the presses that the server sends, repetitions included.
-class PressCounter : public QAbstractNativeEventFilter {
- public:
-  PressCounter() { qGuiApp->installNativeEventFilter(this); }
-  int presses = 0;
-
- private:
-  bool nativeEventFilter(const QByteArray&, void* message, qintptr*) override {
-    presses += (static_cast<const xcb_generic_event_t*>(message)->response_type & 0x7F) == XCB_KEY_PRESS;
-    return false;
-  }
-};
-
 class HotKeyTest : public ::testing::Test {
  protected:
   HotKeyTest() {
@@ -63,11 +50,7 @@ TEST_F(HotKeyTest, EveryHotkeyIsItsPhysicalKeyWhateverTheKeyboardSays) {
   const auto command = [this](std::vector<std::string> words) {
     return [this, words = std::move(words)] { run(words); };
   };
-  struct Step {
-    const char* name;
-    std::function<void()> change;
-  };
-  const Step steps[] = {
+  const std::pair<const char*, std::function<void()>> steps[] = {
       {"as the server starts", [] {}},
       {"Caps Lock on", press(KEY_CAPSLOCK)},
       {"Num Lock on as well", press(KEY_NUMLOCK)},
@@ -85,9 +68,9 @@ TEST_F(HotKeyTest, EveryHotkeyIsItsPhysicalKeyWhateverTheKeyboardSays) {
       {"Meta in the place of Alt",
        command({"xmodmap", "-e", "clear mod4", "-e", "keycode 64 = Meta_L", "-e", "add mod4 = Meta_L"})},
   };
-  for (const Step& step : steps) {
-    SCOPED_TRACE(step.name);
-    step.change();
+  for (const auto& [name, change] : steps) {
+    SCOPED_TRACE(name);
+    change();
     EXPECT_EQ(pressAll(), all);
     HotkeyManager::shared().reregisterAll();
     desktop_.handleWhatTheServerSent();
@@ -108,9 +91,9 @@ TEST_F(HotKeyTest, AHeldKeyFiresOnceAndItsNextPressAgain) {
   PrivateDesktop& screen = desktop_.screen();
   const auto firings = [this] { return std::ranges::count(fired_, HotkeyAction::captureTextNoBreaks); };
   run({"xset", "r", "rate", "30", "100"});
-  PressCounter counter;
+  const KeyCounter presses(XCB_KEY_PRESS, KEY_F9);
   screen.keyDown(KEY_F9);
-  ASSERT_TRUE(waitUntil([&] { return counter.presses > 3; }, [this] { desktop_.processEvents(); }));
+  ASSERT_TRUE(desktop_.waitFor([&] { return presses.count > 3; }));
   EXPECT_EQ(firings(), 1);
 
   // Our own grab ends while the key is held: its release is nobody's. No other key is pressed meanwhile.

@@ -26,22 +26,18 @@ class LoginItemTest : public ::testing::Test {
 };
 
 TEST_F(LoginItemTest, StartsTheProgramWhateverItsPath) {
-  struct Case {
-    const char* path;
-    const char* command;  ///< As the entry has it.
-  };
-  for (const Case& each :
-       {Case{"/usr/bin/lumiscan", R"(Exec="/usr/bin/lumiscan")"},
-        Case{"/a b/100%/lumiscan", R"(Exec="/a b/100%%/lumiscan")"},
-        Case{"/\"$x`\\y", R"(Exec="/\\"\\$x\\`\\\\y")"}, Case{"/größer;=#[/x", R"(Exec="/größer;=#[/x")"},
-        Case{"/line\nfeed", R"(Exec="/line\nfeed")"}}) {
-    SCOPED_TRACE(each.path);
-    AutostartEntry entry = entryFor(each.path);
+  for (const auto& [path, command] : {std::pair("/usr/bin/lumiscan", R"(Exec="/usr/bin/lumiscan")"),
+                                      {"/a b/100%/lumiscan", R"(Exec="/a b/100%%/lumiscan")"},
+                                      {"/\"$x`\\y", R"(Exec="/\\"\\$x\\`\\\\y")"},
+                                      {"/größer;=#[/x", R"(Exec="/größer;=#[/x")"},
+                                      {"/line\nfeed", R"(Exec="/line\nfeed")"}}) {
+    SCOPED_TRACE(path);
+    AutostartEntry entry = entryFor(path);
     EXPECT_EQ(entry.status(), LoginItemStatus::notRegistered);
     EXPECT_TRUE(entry.registerItem());
     EXPECT_EQ(entry.status(), LoginItemStatus::enabled);
     const std::string content = contentOf(file());
-    EXPECT_NE(content.find(std::string(each.command) + "\n"), std::string::npos) << content;
+    EXPECT_NE(content.find(std::string(command) + "\n"), std::string::npos) << content;
     EXPECT_TRUE(entry.unregisterItem());
     EXPECT_TRUE(fs::is_empty(file().parent_path()));
   }

@@ -4,7 +4,6 @@
 #include <xcb/xfixes.h>
 #include <xcb/xtest.h>
 
-#include <csignal>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -36,9 +35,6 @@ std::vector<xcb_window_t> childrenOf(xcb_connection_t* x, xcb_window_t window) {
 void require(bool condition, const char* what) {
   if (!condition) throw std::runtime_error(what);
 }
-
-/// X key codes are the kernel's, moved by 8.
-std::uint8_t keycode(std::uint8_t evdevCode) { return static_cast<std::uint8_t>(evdevCode + 8); }
 
 }  // namespace
 
@@ -90,9 +86,7 @@ void PrivateDesktop::waitForWindowManager() const {
   const xcb_atom_t check = atom("_NET_SUPPORTING_WM_CHECK");
   require(waitUntil([&] { return !stringProperty(connection_, root_, check).empty(); }), "no window manager");
   // It says that it is there before it is ready, and leaves alone windows that come meanwhile.
-  const xcb_window_t probe = xcb_generate_id(connection_);
-  xcb_create_window(connection_, XCB_COPY_FROM_PARENT, probe, root_, 0, 0, 1, 1, 0,
-                    XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+  const xcb_window_t probe = makeWindow(0, 0, 1, 1, 0, nullptr);
   require(waitUntil([&] {
             xcb_map_window(connection_, probe);
             return isMapped(connection_, probe);
@@ -106,19 +100,6 @@ void PrivateDesktop::startCompositor() {
       Process::start({"picom", "--backend", "xrender", "--config", "/dev/null", "--no-fading-openclose"});
   require(waitUntil([this] { return selectionOwner("_NET_WM_CM_S0") != XCB_WINDOW_NONE; }),
           "no compositing manager");
-}
-
-void PrivateDesktop::endCompositor() {
-  compositor_->signal(SIGKILL);
-  compositor_ = nullptr;
-}
-
-void PrivateDesktop::pauseCompositor() const {
-  if (compositor_) compositor_->signal(SIGSTOP);
-}
-
-void PrivateDesktop::resumeCompositor() const {
-  if (compositor_) compositor_->signal(SIGCONT);
 }
 
 void PrivateDesktop::setMonitor(const std::string& name, const std::string& geometry,
@@ -145,31 +126,34 @@ void PrivateDesktop::showPicture() {
   xcb_create_pixmap(connection_, 24, pixmap, root_, width, height);
   const xcb_gcontext_t gc = xcb_generate_id(connection_);
   xcb_create_gc(connection_, gc, pixmap, 0, nullptr);
-  std::vector<std::uint32_t> row(width);
-  for (std::uint32_t y = 0; y < height; ++y) {
-    for (std::uint32_t x = 0; x < width; ++x) row[x] = color(x, y);
-    xcb_put_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, gc, width, 1, 0,
-                  static_cast<std::int16_t>(y), 0, 24, width * 4U,
-                  reinterpret_cast<const std::uint8_t*>(row.data()));
-  }
+  std::vector<std::uint32_t> picture;
+  for (std::uint32_t y = 0; y < height; ++y)
+    for (std::uint32_t x = 0; x < width; ++x) picture.push_back(color(x, y));
+  xcb_put_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, gc, width, height, 0, 0, 0, 24,
+                static_cast<std::uint32_t>(4 * picture.size()),
+                reinterpret_cast<const std::uint8_t*>(picture.data()));
   const std::uint32_t values[] = {pixmap, 1};
-  const xcb_window_t window = xcb_generate_id(connection_);
-  xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window, root_, 0, 0, width, height, 0,
-                    XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
-                    XCB_CW_BACK_PIXMAP | XCB_CW_OVERRIDE_REDIRECT, values);
-  xcb_map_window(connection_, window);
+  xcb_map_window(connection_,
+                 makeWindow(0, 0, width, height, XCB_CW_BACK_PIXMAP | XCB_CW_OVERRIDE_REDIRECT, values));
   xcb_free_pixmap(connection_, pixmap);
   xcb_free_gc(connection_, gc);
   require(waitUntil([&] { return screenPixels().back() == color(width - 1U, height - 1U); }), "no picture");
 }
 
-xcb_window_t PrivateDesktop::showMenu(int x, int y, int width, int height) const {
-  const std::uint32_t values[] = {0xEEEEEE, 1};
+xcb_window_t PrivateDesktop::makeWindow(int x, int y, int width, int height, std::uint32_t mask,
+                                        const std::uint32_t* values) const {
   const xcb_window_t window = xcb_generate_id(connection_);
   xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window, root_, static_cast<std::int16_t>(x),
                     static_cast<std::int16_t>(y), static_cast<std::uint16_t>(width),
                     static_cast<std::uint16_t>(height), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
-                    XCB_COPY_FROM_PARENT, XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
+                    XCB_COPY_FROM_PARENT, mask, values);
+  return window;
+}
+
+xcb_window_t PrivateDesktop::showMenu(int x, int y, int width, int height) const {
+  const std::uint32_t values[] = {0xEEEEEE, 1};
+  const xcb_window_t window =
+      makeWindow(x, y, width, height, XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
   xcb_map_window(connection_, window);
   sync();
   return window;
@@ -197,8 +181,9 @@ xcb_window_t PrivateDesktop::selectionOwner(const std::string& selection) const 
   return owned(xcb_get_selection_owner_reply(connection_, request, nullptr))->owner;
 }
 
-void PrivateDesktop::fake(std::uint8_t type, std::uint8_t detail, int x, int y) {
-  xcb_test_fake_input(connection_, type, detail, XCB_TIME_CURRENT_TIME, root_, static_cast<std::int16_t>(x),
+void PrivateDesktop::fake(int type, int detail, int x, int y) {
+  xcb_test_fake_input(connection_, static_cast<std::uint8_t>(type), static_cast<std::uint8_t>(detail),
+                      XCB_TIME_CURRENT_TIME, root_, static_cast<std::int16_t>(x),
                       static_cast<std::int16_t>(y), 0);
   sync();
 }
@@ -207,19 +192,12 @@ void PrivateDesktop::sync() const {
   owned(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
 }
 
-void PrivateDesktop::keyDown(std::uint8_t evdevCode) { fake(XCB_KEY_PRESS, keycode(evdevCode)); }
-void PrivateDesktop::keyUp(std::uint8_t evdevCode) { fake(XCB_KEY_RELEASE, keycode(evdevCode)); }
-
 void PrivateDesktop::pressKeys(const std::vector<std::uint8_t>& evdevCodes) {
   for (const auto code : evdevCodes) keyDown(code);
   for (auto code = evdevCodes.rbegin(); code != evdevCodes.rend(); ++code) keyUp(*code);
 }
 
-void PrivateDesktop::moveMouse(int x, int y) { fake(XCB_MOTION_NOTIFY, 0, x, y); }
-void PrivateDesktop::buttonDown(std::uint8_t button) { fake(XCB_BUTTON_PRESS, button); }
-void PrivateDesktop::buttonUp(std::uint8_t button) { fake(XCB_BUTTON_RELEASE, button); }
-
-void PrivateDesktop::click(int x, int y, std::uint8_t button) {
+void PrivateDesktop::click(int x, int y, int button) {
   moveMouse(x, y);
   buttonDown(button);
   buttonUp(button);
@@ -332,10 +310,6 @@ bool PrivateDesktop::shortcutIsTaken() const {
   xcb_flush(connection_);
   return refusal != nullptr;
 }
-
-std::uint32_t PrivateDesktop::pixelAt(int x, int y) const { return pixels(x, y, 1, 1).front(); }
-
-std::vector<std::uint32_t> PrivateDesktop::screenPixels() const { return pixels(0, 0, width_, height_); }
 
 std::vector<std::uint32_t> PrivateDesktop::pixels(int x, int y, int width, int height) const {
   const auto request =

@@ -45,10 +45,11 @@ class PrivateDesktop {
   void restartWindowManager();
   /// Starts a compositing manager; returns when it runs.
   void startCompositor();
-  void endCompositor();  ///< Without a farewell.
-  /// Without one these do nothing.
-  void pauseCompositor() const;
-  void resumeCompositor() const;
+  /// Without a compositing manager this does nothing.
+  void signalCompositor(int number) const {
+    if (compositor_) compositor_->signal(number);
+  }
+  void endCompositor() { compositor_ = nullptr; }  ///< Without a farewell.
 
   xcb_connection_t* x() const { return connection_; }
   xcb_window_t root() const { return root_; }
@@ -62,12 +63,12 @@ class PrivateDesktop {
 
   // What a user does, made by the server itself as if it came from the devices. Keys are kernel key codes.
   void pressKeys(const std::vector<std::uint8_t>& evdevCodes);  ///< All held together, then released.
-  void keyDown(std::uint8_t evdevCode);
-  void keyUp(std::uint8_t evdevCode);
-  void moveMouse(int x, int y);
-  void buttonDown(std::uint8_t button = XCB_BUTTON_INDEX_1);
-  void buttonUp(std::uint8_t button = XCB_BUTTON_INDEX_1);
-  void click(int x, int y, std::uint8_t button = XCB_BUTTON_INDEX_1);
+  void keyDown(int evdevCode) { fake(XCB_KEY_PRESS, evdevCode + 8); }
+  void keyUp(int evdevCode) { fake(XCB_KEY_RELEASE, evdevCode + 8); }
+  void moveMouse(int x, int y) { fake(XCB_MOTION_NOTIFY, 0, x, y); }
+  void buttonDown(int button = XCB_BUTTON_INDEX_1) { fake(XCB_BUTTON_PRESS, button); }
+  void buttonUp(int button = XCB_BUTTON_INDEX_1) { fake(XCB_BUTTON_RELEASE, button); }
+  void click(int x, int y, int button = XCB_BUTTON_INDEX_1);
   void drag(int fromX, int fromY, int toX, int toY);
 
   /// Covers the screen with a picture of which no two neighbours are alike, in a window that the window
@@ -100,8 +101,8 @@ class PrivateDesktop {
   /// Changes whenever another cursor shows.
   std::uint32_t cursorSerial() const;
   /// The whole screen, a word 0x??RRGGBB a pixel, row by row.
-  std::vector<std::uint32_t> screenPixels() const;
-  std::uint32_t pixelAt(int x, int y) const;
+  std::vector<std::uint32_t> screenPixels() const { return pixels(0, 0, width_, height_); }
+  std::uint32_t pixelAt(int x, int y) const { return pixels(x, y, 1, 1).front(); }
   /// What every property of every window holds, the root window's too.
   std::vector<std::string> windowProperties() const;
   /// Where a pixel of the screen stands in `screenPixels`.
@@ -117,7 +118,10 @@ class PrivateDesktop {
  private:
   void waitForWindowManager() const;
   int heldByOthers() const;  ///< How many of the mouse and the keyboard.
-  void fake(std::uint8_t type, std::uint8_t detail, int x = 0, int y = 0);
+  void fake(int type, int detail, int x = 0, int y = 0);
+  /// Not mapped yet. `mask` and `values` are the window's attributes.
+  xcb_window_t makeWindow(int x, int y, int width, int height, std::uint32_t mask,
+                          const std::uint32_t* values) const;
   void sync() const;
   std::vector<std::uint32_t> pixels(int x, int y, int width, int height) const;
 

@@ -56,23 +56,19 @@ TEST(Program, EndsWithOneClearLineWhereNoThreadCanBeStarted) {
 }
 
 TEST(Program, EndsWithOneClearLineWhereThereIsNoDisplay) {
-  struct Case {
-    const char* display;
-    std::string line;
-  };
-  const Case cases[] = {
+  const std::pair<const char*, std::string> cases[] = {
       {nullptr, "lumiscan: no X display: DISPLAY is not set\n"},
       {":4999", "lumiscan: no X display answers at DISPLAY=:4999\n"},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.line);
-    if (c.display)
-      setenv("DISPLAY", c.display, 1);
+  for (const auto& [display, line] : cases) {
+    SCOPED_TRACE(line);
+    if (display)
+      setenv("DISPLAY", display, 1);
     else
       unsetenv("DISPLAY");
     Process program({LUMISCAN_PROGRAM});
     EXPECT_EQ(program.waitForEnd(), 1);
-    EXPECT_EQ(program.standardError(), c.line);
+    EXPECT_EQ(program.standardError(), line);
     EXPECT_EQ(program.standardOutput(), "");
   }
 }

@@ -5,6 +5,7 @@
 #include <linux/input-event-codes.h>
 
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -45,6 +46,7 @@ class SessionTest : public ::testing::TestWithParam<const char*>, protected Linu
         [this](const CaptureOutcome& outcome, CaptureMode, LineBreaksOverride) { ends_.push_back(outcome); };
   }
   void begin() { controller_->begin(CaptureMode::text, std::nullopt, noteEnd()); }
+  void repeat() { controller_->repeatLast(CaptureMode::text, std::nullopt, noteEnd()); }
   /// Begins a session and waits until it shows and has the user's input.
   void beginAndWait() {
     screen().moveMouse(700, 400);
@@ -74,8 +76,11 @@ class SessionTest : public ::testing::TestWithParam<const char*>, protected Linu
     ends_.clear();
     return last_;
   }
-  bool isCancelled(const CaptureOutcome& outcome) {
-    return std::holds_alternative<outcome::Cancelled>(outcome);
+  void expectToBeCancelled() { EXPECT_TRUE(std::holds_alternative<outcome::Cancelled>(waitForEnd())); }
+  /// A whole session.
+  void drag(int fromX, int fromY, int toX, int toY) {
+    beginAndWait();
+    screen().drag(fromX, fromY, toX, toY);
   }
 
   std::vector<xcb_window_t> overlays() const { return screen().windowsOfClass("Lumiscan"); }
@@ -84,9 +89,9 @@ class SessionTest : public ::testing::TestWithParam<const char*>, protected Linu
       return overlays().empty() && screen().inputIsFree() && screen().screenPixels() == picture_;
     }));
   }
-  /// Compares every pixel of what was captured with that part of the picture.
-  void expectCaptured(const CaptureOutcome& end, int left, int top, int width, int height) {
-    const auto* captured = std::get_if<outcome::Captured>(&end);
+  /// Compares every pixel of what a session or a repeat captures with that part of the picture.
+  void expectCaptured(int left, int top, int width, int height) {
+    const auto* captured = std::get_if<outcome::Captured>(&waitForEnd());
     ASSERT_TRUE(captured);
     ASSERT_EQ(captured->image.width(), width);
     ASSERT_EQ(captured->image.height(), height);
@@ -104,35 +109,33 @@ TEST_P(SessionTest, CapturesWhatWasDraggedToThePixelOnEveryMonitor) {
   beginAndWait();
   EXPECT_NE(screen().cursorSerial(), cursor);
   screen().drag(500, 0, 1279, 799);
-  expectCaptured(waitForEnd(), 500, 0, 780, 800);
+  expectCaptured(500, 0, 780, 800);
   expectTheDesktopIsTheUsers();
 
-  beginAndWait();
-  screen().drag(498, 699, 0, 100);
-  expectCaptured(waitForEnd(), 0, 100, 499, 600);
+  drag(498, 699, 0, 100);
+  expectCaptured(0, 100, 499, 600);
   beginAndWait();
   screen().click(600, 300, XCB_BUTTON_INDEX_3);  // The other buttons do nothing.
   screen().drag(123, 234, 345, 456);
-  expectCaptured(waitForEnd(), 123, 234, 222, 222);
+  expectCaptured(123, 234, 222, 222);
   // Before anything beneath the overlay could paint itself again, and while the compositor, if there is one,
   // is busy with something else as the overlay goes.
   for (int i = 0; i < 3; ++i) {
     beginAndWait();
-    screen().pauseCompositor();
+    screen().signalCompositor(SIGSTOP);
     screen().drag(520, 30, 1270, 780);
     std::thread busy([this] {
       std::this_thread::sleep_for(std::chrono::milliseconds(20));
-      screen().resumeCompositor();
+      screen().signalCompositor(SIGCONT);
     });
-    expectCaptured(waitForEnd(), 520, 30, 750, 750);
+    expectCaptured(520, 30, 750, 750);
     busy.join();
   }
   // From one monitor to the other: cut to the one where it began.
-  beginAndWait();
-  screen().drag(600, 150, 300, 350);
-  expectCaptured(waitForEnd(), 500, 150, 100, 200);
-  controller_->repeatLast(CaptureMode::text, std::nullopt, noteEnd());
-  expectCaptured(waitForEnd(), 500, 150, 100, 200);
+  drag(600, 150, 300, 350);
+  expectCaptured(500, 150, 100, 200);
+  repeat();
+  expectCaptured(500, 150, 100, 200);
   expectTheDesktopIsTheUsers();
 }
 
@@ -148,28 +151,26 @@ TEST_P(SessionTest, IsRightAtFractionalAndDifferentScales) {
       EXPECT_EQ(place.height, main ? 800 : 600);
     }
     screen().drag(500, 0, 1279, 799);
-    expectCaptured(waitForEnd(), 500, 0, 780, 800);
-    beginAndWait();
-    screen().drag(0, 100, 498, 699);
-    expectCaptured(waitForEnd(), 0, 100, 499, 600);
-    controller_->repeatLast(CaptureMode::text, std::nullopt, noteEnd());
-    expectCaptured(waitForEnd(), 0, 100, 499, 600);
+    expectCaptured(500, 0, 780, 800);
+    drag(0, 100, 498, 699);
+    expectCaptured(0, 100, 499, 600);
+    repeat();
+    expectCaptured(0, 100, 499, 600);
   }
 }
 
 TEST_P(SessionTest, ARepeatDuringASessionShowsNothingOfIt) {
-  beginAndWait();
-  screen().drag(520, 20, 1270, 780);
+  drag(520, 20, 1270, 780);
   waitForEnd();
   beginAndWait();
   for (int i = 0; i < 3; ++i) {
-    controller_->repeatLast(CaptureMode::text, std::nullopt, noteEnd());
+    repeat();
     screen().moveMouse(700 + i, 300);
-    expectCaptured(waitForEnd(), 520, 20, 750, 760);
+    expectCaptured(520, 20, 750, 760);
     EXPECT_TRUE(waitFor([this] { return crosshairShows(); })) << "the session goes on";
   }
   screen().pressKeys({KEY_ESC});
-  EXPECT_TRUE(isCancelled(waitForEnd()));
+  expectToBeCancelled();
   expectTheDesktopIsTheUsers();
 }
 
@@ -177,7 +178,7 @@ TEST_P(SessionTest, EndsWithWhateverKeyTheUserHasMadeEscape) {
   Process({"setxkbmap", "-option", "caps:escape"}).waitForEnd(processEvents);
   beginAndWait();
   screen().pressKeys({KEY_CAPSLOCK});
-  EXPECT_TRUE(isCancelled(waitForEnd()));
+  expectToBeCancelled();
 }
 
 TEST_P(SessionTest, IsAboveMenusAndTheirPixelsAreCaptured) {
@@ -188,7 +189,7 @@ TEST_P(SessionTest, IsAboveMenusAndTheirPixelsAreCaptured) {
   const auto windows = screen().windows();
   EXPECT_LT(std::ranges::find(windows, menu), std::ranges::find(windows, overlays().front()));
   screen().drag(650, 250, 800, 400);
-  expectCaptured(waitForEnd(), 650, 250, 150, 150);
+  expectCaptured(650, 250, 150, 150);
 }
 
 TEST_P(SessionTest, WhatIsFrozenHasNoOtherWindowOfOurs) {
@@ -204,7 +205,7 @@ TEST_P(SessionTest, WhatIsFrozenHasNoOtherWindowOfOurs) {
   ASSERT_TRUE(waitFor([this] { return screen().pixelAt(500 + 200, 150) == 0xFFFFFF; }));
   ASSERT_TRUE(waitFor([this] { return screen().pixelAt(890, 20) != picture_[screen().indexOf(890, 20)]; }));
   screen().drag(510, 10, 1200, 700);
-  expectCaptured(waitForEnd(), 510, 10, 690, 690);
+  expectCaptured(510, 10, 690, 690);
 }
 
 TEST_P(SessionTest, MonitorsMayShowTheSame) {
@@ -212,9 +213,8 @@ TEST_P(SessionTest, MonitorsMayShowTheSame) {
   startProgram();
   ASSERT_EQ(platform::Displays::shared().screens().size(), 2U);
   for (int i = 0; i < 2; ++i) {
-    beginAndWait();
-    screen().drag(510, 10, 1200, 700);
-    expectCaptured(waitForEnd(), 510, 10, 690, 690);
+    drag(510, 10, 1200, 700);
+    expectCaptured(510, 10, 690, 690);
     expectTheDesktopIsTheUsers();
   }
 }
@@ -223,7 +223,7 @@ TEST_P(SessionTest, WithoutTheUsersInputItEndsAndWithItItGoesOn) {
   for (const bool keyboard : {false, true}) {
     ASSERT_TRUE(keyboard ? screen().grabKeyboard() : screen().grabPointer());
     begin();
-    EXPECT_TRUE(isCancelled(waitForEnd()));
+    expectToBeCancelled();
     screen().ungrab();
     expectTheDesktopIsTheUsers();
 
@@ -234,42 +234,39 @@ TEST_P(SessionTest, WithoutTheUsersInputItEndsAndWithItItGoesOn) {
     screen().ungrab();
     EXPECT_TRUE(waitFor([this] { return screen().inputIsTaken(); }));
     screen().pressKeys({KEY_ESC});
-    EXPECT_TRUE(isCancelled(waitForEnd()));
+    expectToBeCancelled();
   }
 }
 
 TEST_P(SessionTest, ScreensMayChangeAtAnyTime) {
   const auto left = platform::Displays::shared().screens().at(1).displayID;
-  beginAndWait();
-  screen().drag(0, 100, 249, 400);
-  expectCaptured(waitForEnd(), 0, 100, 249, 300);
-  const auto repeat = [this]() -> const CaptureOutcome& {
-    controller_->repeatLast(CaptureMode::text, std::nullopt, noteEnd());
-    return waitForEnd();
-  };
+  drag(0, 100, 249, 400);
+  expectCaptured(0, 100, 249, 300);
 
   // During a session: it ends, since what it covers is no longer there.
   beginAndWait();
   PrivateDesktop::detachMonitor("LEFT");
-  EXPECT_TRUE(isCancelled(waitForEnd()));
+  expectToBeCancelled();
   expectTheDesktopIsTheUsers();
-  EXPECT_TRUE(std::holds_alternative<outcome::NoScreenAccess>(repeat()));
+  repeat();
+  EXPECT_TRUE(std::holds_alternative<outcome::NoScreenAccess>(waitForEnd()));
 
   // Back with half the size, after a restart of the program: the same part of the same display.
   PrivateDesktop::setMonitor("LEFT", "249/66x300/80+10+20", "none");
   startProgram();
   EXPECT_EQ(platform::Displays::shared().screens().at(1).displayID, left);
-  expectCaptured(repeat(), 10, 20, 125, 150);
-  beginAndWait();
-  screen().drag(10, 20, 258, 319);
-  expectCaptured(waitForEnd(), 10, 20, 249, 300);
+  repeat();
+  expectCaptured(10, 20, 125, 150);
+  drag(10, 20, 258, 319);
+  expectCaptured(10, 20, 249, 300);
 
   // Smaller right after a session: what that froze of it is not taken for what it shows.
   beginAndWait();
   PrivateDesktop::detachMonitor("LEFT");
-  EXPECT_TRUE(isCancelled(waitForEnd()));
+  expectToBeCancelled();
   PrivateDesktop::setMonitor("LEFT", "125/33x150/40+30+40", "none");
-  expectCaptured(repeat(), 30, 40, 125, 150);
+  repeat();
+  expectCaptured(30, 40, 125, 150);
 }
 
 /// Kibibytes of memory that this process has to itself, and its open files.

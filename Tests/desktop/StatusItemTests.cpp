@@ -4,9 +4,8 @@
 #include <gtest/gtest.h>
 #include <linux/input-event-codes.h>
 
-#include <QCoreApplication>
 #include <QDBusMessage>
-#include <QDBusVariant>
+#include <QDBusObjectPath>
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
@@ -24,17 +23,12 @@ using desktop::statusnotifier::MenuItemProperties;
 using desktop::statusnotifier::MenuLayout;
 using desktop::statusnotifier::Pixmap;
 
-const QString propertiesInterface = "org.freedesktop.DBus.Properties";
-
-class StatusItemTest : public ::testing::Test {
+class StatusItemTest : public ::testing::Test, protected EventLoop {
  protected:
   StatusItemTest() {
     setenv("DBUS_SESSION_BUS_ADDRESS", busDaemon_.address().c_str(), 1);
     setenv("TZ", "UTC", 1);
   }
-
-  static void processEvents() { QCoreApplication::processEvents(QEventLoop::AllEvents, 5); }
-  static bool waitFor(const std::function<bool()>& condition) { return waitUntil(condition, processEvents); }
 
   void startProgram() { program_ = Process::start({LUMISCAN_PROGRAM}); }
   bool isInPanel() {
@@ -42,12 +36,6 @@ class StatusItemTest : public ::testing::Test {
   }
   long logged(const std::string& line) const { return program_->countInError(line); }
 
-  QDBusMessage call(const QString& path, const QString& interface, const QString& member,
-                    const QVariantList& arguments) {
-    QDBusMessage reply = panel_.call(path, interface, member, arguments);
-    EXPECT_EQ(reply.type(), QDBusMessage::ReplyMessage) << reply.errorMessage().toStdString();
-    return reply;
-  }
   /// A line an item: what marks it, and its label.
   static std::vector<std::string> lines(const MenuLayout& menu) {
     std::vector<std::string> lines;
@@ -71,10 +59,6 @@ class StatusItemTest : public ::testing::Test {
 
   PrivateDesktop screen_;
   PrivateBus busDaemon_{"unix:path=" + (screen_.home() / "bus").string()};
-  char name_[5] = "test";
-  char* argv_[2] = {name_, nullptr};
-  int argc_ = 1;
-  QCoreApplication application_{argc_, argv_};
   TrayPanel panel_{busDaemon_.address()};
   std::unique_ptr<Process> program_;
 };
@@ -87,10 +71,7 @@ TEST_F(StatusItemTest, APanelReadsAndChoosesOverTheBus) {
   startProgram();
   ASSERT_TRUE(isInPanel());
 
-  const QVariantMap item = qdbus_cast<QVariantMap>(
-      call("/StatusNotifierItem", propertiesInterface, "GetAll", {"org.kde.StatusNotifierItem"})
-          .arguments()
-          .at(0));
+  const QVariantMap item = panel_.itemProperties();
   EXPECT_TRUE(item["ItemIsMenu"].toBool());
   EXPECT_EQ(item["Menu"].value<QDBusObjectPath>().path(), "/MenuBar");
   EXPECT_EQ(qdbus_cast<desktop::statusnotifier::ToolTip>(item["ToolTip"]).title,
@@ -148,9 +129,7 @@ TEST_F(StatusItemTest, TellsTheInstalledIconsNameToPanelsThatTintIt) {
     ASSERT_TRUE(panel_.start());
     startProgram();
     ASSERT_TRUE(isInPanel());
-    const auto told =
-        call("/StatusNotifierItem", propertiesInterface, "Get", {"org.kde.StatusNotifierItem", "IconName"});
-    EXPECT_EQ(qdbus_cast<QDBusVariant>(told.arguments().at(0)).variant().toString(), name) << desktop;
+    EXPECT_EQ(panel_.itemProperties().value("IconName", "none").toString(), name) << desktop;
     program_ = nullptr;
     ASSERT_TRUE(panel_.stop());
   }

@@ -42,6 +42,14 @@ QDBusMessage TrayPanel::call(const QString& path, const QString& interface, cons
   return bus().call(message);
 }
 
+QVariantMap TrayPanel::itemProperties() {
+  return qdbus_cast<QVariantMap>(
+      call(QStringLiteral("/StatusNotifierItem"), QStringLiteral("org.freedesktop.DBus.Properties"),
+           QStringLiteral("GetAll"), {QStringLiteral("org.kde.StatusNotifierItem")})
+          .arguments()
+          .value(0));
+}
+
 QDBusMessage TrayPanel::callMenu(const QString& member, const QVariantList& arguments) {
   return call(QStringLiteral("/MenuBar"), QStringLiteral("com.canonical.dbusmenu"), member, arguments);
 }
@@ -54,13 +62,6 @@ MenuLayout TrayPanel::layout(int id) {
 void TrayPanel::click(int id) {
   callMenu(QStringLiteral("Event"),
            {id, QStringLiteral("clicked"), QVariant::fromValue(QDBusVariant(0)), 0U});
-}
-
-bool TrayPanel::clickIfThere(int id) {
-  const desktop::statusnotifier::MenuEvent event{id, QStringLiteral("clicked"), QDBusVariant(0), 0};
-  const QList<desktop::statusnotifier::MenuEvent> events{event};
-  const auto unknown = callMenu(QStringLiteral("EventGroup"), {QVariant::fromValue(events)}).arguments();
-  return qdbus_cast<QList<int>>(unknown.value(0)).isEmpty();
 }
 
 bool TrayPanel::aboutToShow(int id) {

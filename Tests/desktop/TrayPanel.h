@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDBusMessage>
+#include <QVariantMap>
 #include <optional>
 #include <string>
 
@@ -21,17 +22,16 @@ class TrayPanel : public BusObject {
   const QString& item() const { return item_; }
 
   // Of that item; these wait for its program. What fails comes as an error message, or empty.
-  QDBusMessage call(const QString& path, const QString& interface, const QString& member,
-                    const QVariantList& arguments);
+  QVariantMap itemProperties();
   QDBusMessage callMenu(const QString& member, const QVariantList& arguments);
   desktop::statusnotifier::MenuLayout layout(int id = 0);
   void click(int id);
-  /// The same in the protocol's other words; false when the menu doesn't have the item any more.
-  bool clickIfThere(int id);
   /// Whether what is in the submenu of this number has changed. Number 0 is the menu itself.
   bool aboutToShow(int id);
 
  private:
+  QDBusMessage call(const QString& path, const QString& interface, const QString& member,
+                    const QVariantList& arguments);
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
 
   QString item_;
