@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <thread>
@@ -37,10 +38,9 @@ class PreferencesFile : public ::testing::Test {
     return status.st_mode & 0777;
   }
   long filesInFolder() const { return std::distance(fs::directory_iterator(file_.parent_path()), {}); }
-  std::size_t errorLines() {
-    std::size_t count = 0;
-    for (const auto& line : simulated_.logSink().lines) count += line.level == platform::LogLevel::error;
-    return count;
+  std::ptrdiff_t errorLines() {
+    return std::ranges::count_if(simulated_.logSink().lines,
+                                 [](const auto& line) { return line.starts_with("preferences error: "); });
   }
 
   SimulatedDesktop simulated_;  // For its log.
@@ -100,7 +100,7 @@ TEST_F(PreferencesFile, SetsAsideWhatCannotBeParsed) {
        {std::string("{\"cut\": "), std::string("[1, 2]"), std::string(), deep, large}) {
     SCOPED_TRACE(text.substr(0, 20));
     write(text);
-    const std::size_t before = errorLines();
+    const auto before = errorLines();
     desktop::FileUserDefaults defaults(file_);
     EXPECT_EQ(defaults.object("flag"), std::nullopt);
     EXPECT_EQ(errorLines(), before + 1);
@@ -119,7 +119,7 @@ TEST_F(PreferencesFile, LivesOnInMemoryWhereItCannotBeWritten) {
   desktop::FileUserDefaults nowhere("/proc/self/lumiscan/preferences.json");
   nowhere.setObject("flag", true);
   EXPECT_EQ(nowhere.object("flag"), DefaultsValue(true));
-  EXPECT_EQ(errorLines(), 1U);
+  EXPECT_EQ(errorLines(), 1);
   // Nor can a folder in the file's place be read or replaced.
   fs::create_directories(file_ / "in the way");
   desktop::FileUserDefaults defaults(file_);
@@ -128,7 +128,7 @@ TEST_F(PreferencesFile, LivesOnInMemoryWhereItCannotBeWritten) {
   defaults.removeObject("gone");
   EXPECT_EQ(defaults.object("flag"), DefaultsValue(true));
   EXPECT_EQ(defaults.object("gone"), std::nullopt);
-  EXPECT_EQ(errorLines(), 2U);
+  EXPECT_EQ(errorLines(), 2);
   // What couldn't be written goes out with the next write that can.
   fs::remove_all(file_);
   defaults.setObject("number", 2.0);
@@ -150,7 +150,7 @@ TEST_F(PreferencesFile, LeavesAloneWhatCannotBeRead) {
   defaults.setObject("flag", true);
   EXPECT_EQ(defaults.object("history"), DefaultsValue(std::string("kept")));
   setrlimit(RLIMIT_NOFILE, &before);
-  EXPECT_EQ(errorLines(), 1U);
+  EXPECT_EQ(errorLines(), 1);
   EXPECT_EQ(contentOf(file_), R"({"history": "newer"})");
   defaults.setObject("number", 2.0);
   EXPECT_EQ(documentIn(file_), nlohmann::json::parse(R"({"flag": true, "history": "newer", "number": 2.0})"));
@@ -168,7 +168,7 @@ TEST_F(PreferencesFile, AFullDiskLeavesTheLastStateAndNothingElse) {
     defaults.setObject("flag", true);
     const std::string complete = contentOf(file_);
     const DefaultsValue text = std::string(length, 'x');
-    const std::size_t errors = errorLines();
+    const auto errors = errorLines();
     const rlimit little{complete.size(), before.rlim_max};
     setrlimit(RLIMIT_FSIZE, &little);
     defaults.setObject("text", text);
@@ -247,7 +247,7 @@ TEST_F(PreferencesFile, WaitsForAStoppedWriterOnceAndNotForLong) {
   const auto start = steady_clock::now();
   for (int i = 0; i < 20; ++i) defaults.setObject("number", double(i));
   EXPECT_LT(steady_clock::now() - start, std::chrono::seconds(3));
-  EXPECT_EQ(errorLines(), 1U);
+  EXPECT_EQ(errorLines(), 1);
   EXPECT_EQ(desktop::FileUserDefaults(file_).object("number"), DefaultsValue(19.0));
   close(held);
 }

@@ -55,11 +55,7 @@ class SimulatedDesktop : public platform::Desktop {
  public:
   /// One screen of 1440 by 900 points is attached, display 1.
   explicit SimulatedDesktop(std::shared_ptr<Preferences> preferences = std::make_shared<Preferences>())
-      : dispatcher_([this] {
-          pasteboard_.publish();
-          hotKeys_.releaseUnregistered();
-        }),
-        userDefaults_(std::move(preferences), effects_) {
+      : dispatcher_([this] { pasteboard_.publish(); }), userDefaults_(std::move(preferences), effects_) {
     Desktop::install(this);
     displays_.attach(1, {{0, 0}, {1440, 900}});
   }
@@ -72,10 +68,7 @@ class SimulatedDesktop : public platform::Desktop {
 
   std::optional<std::string> interactiveModeProblem() override { return std::nullopt; }
   bool claimInstance() override { return true; }
-  SimulatedApplication& application() override {
-    if (!application_) application_ = std::make_unique<SimulatedApplication>(dispatcher_);
-    return *application_;
-  }
+  SimulatedApplication& application() override { return onMainThread(application_); }
   SimulatedDispatcher& dispatcher() override { return dispatcher_; }
   /// A day and the virtual clock's seconds after the reference date.
   platform::Date currentDate() override { return {86400 + dispatcher_.now()}; }
@@ -85,28 +78,27 @@ class SimulatedDesktop : public platform::Desktop {
   platform::NotificationCenter& workspaceNotificationCenter() override { return workspaceCenter_; }
   SimulatedDisplays& displays() override { return displays_; }
   platform::Point mouseLocation() override { return windows_.mouseLocation; }
-  SimulatedCursors& cursors() override { return cursors_; }
-  SimulatedPasteboard& pasteboard() override { return pasteboard_; }
-  SimulatedSounds& sounds() override { return sounds_; }
-  SimulatedSpeechSynthesizer& speechSynthesizer() override { return speechSynthesizer_; }
-  SimulatedHotKeys& hotKeys() override { return hotKeys_; }
-  SimulatedLoginItem& loginItem() override { return loginItem_; }
-  SimulatedWorkspace& workspace() override { return workspace_; }
+  SimulatedCursors& cursors() override { return onMainThread(cursors_); }
+  SimulatedPasteboard& pasteboard() override { return onMainThread(pasteboard_); }
+  SimulatedSounds& sounds() override { return onMainThread(sounds_); }
+  SimulatedSpeechSynthesizer& speechSynthesizer() override { return onMainThread(speechSynthesizer_); }
+  SimulatedHotKeys& hotKeys() override { return onMainThread(hotKeys_); }
+  SimulatedLoginItem& loginItem() override { return onMainThread(loginItem_); }
+  SimulatedWorkspace& workspace() override { return onMainThread(workspace_); }
   SimulatedTextRecognizer& textRecognizer() override { return textRecognizer_; }
   SimulatedBarcodeDetector& barcodeDetector() override { return barcodeDetector_; }
-  SimulatedStatusBar& statusBar() override { return statusBar_; }
-  SimulatedAlerts& alerts() override { return alerts_; }
+  SimulatedStatusBar& statusBar() override { return onMainThread(statusBar_); }
+  SimulatedAlerts& alerts() override { return onMainThread(alerts_); }
   platform::Appearance appearance() override { return look; }
   SimulatedTypesetter& typesetter() override { return typesetter_; }
   std::unique_ptr<platform::WindowPeer> makeWindowPeer(platform::Window& window) override {
     return windows_.makePeer(window);
   }
-  std::unique_ptr<platform::BitmapContext> makeBitmapContext(int width, int height) override {
-    return drawing_.makeContext(width, height);
+  std::unique_ptr<platform::BitmapContext> makeBitmapContext(int, int) override {
+    return drawing_.makesContexts ? std::make_unique<SimulatedDrawing::Context>() : nullptr;
   }
-  std::optional<platform::Image> generateQRCode(std::string_view message,
-                                                platform::QRCorrectionLevel level) override {
-    return drawing_.generateQRCode(message, level);
+  std::optional<platform::Image> generateQRCode(std::string_view, platform::QRCorrectionLevel) override {
+    return drawing_.qrCode;
   }
 
   Effects& effects() { return effects_; }
@@ -120,10 +112,15 @@ class SimulatedDesktop : public platform::Desktop {
   void settle() { dispatcher_.settle(); }
 
   platform::Appearance look;
-  /// Whether the application object was ever asked for.
-  bool applicationMade() const { return application_ != nullptr; }
 
  private:
+  /// A part that belongs to the main thread.
+  template <typename Part>
+  static Part& onMainThread(Part& part) {
+    platform::MainQueue::assertCurrent();
+    return part;
+  }
+
   Effects effects_;
   SimulatedDispatcher dispatcher_;
   SimulatedUserDefaults userDefaults_;
@@ -145,7 +142,7 @@ class SimulatedDesktop : public platform::Desktop {
   SimulatedDrawing drawing_;
   SimulatedStatusBar statusBar_;
   SimulatedAlerts alerts_;
-  std::unique_ptr<SimulatedApplication> application_;
+  SimulatedApplication application_{dispatcher_};
 };
 
 }  // namespace lumiscan::testing

@@ -39,8 +39,6 @@ SimulatedForm::SimulatedForm(SimulatedDesktop& desktop, HostingView& view) : des
   update();
 }
 
-SimulatedForm::~SimulatedForm() { view_.formChanged = nullptr; }
-
 void SimulatedForm::update() {
   forEachItem(view_.form(), [this](const auto& item, const std::string& row) {
     if constexpr (std::is_same_v<std::decay_t<decltype(item)>, Adapter>) {
@@ -99,27 +97,24 @@ std::vector<std::string> SimulatedForm::section(const std::string& header) const
   return lines;
 }
 
+// What is operated is copied: the form may be described anew meanwhile.
+
 void SimulatedForm::flip(const std::string& label) {
-  const Switch toggle = find<Switch>(label);
-  desktop_.dispatcher().handleEvent([&] { toggle.setOn(!toggle.isOn); });
-  desktop_.runMainQueue();
+  handle([toggle = find<Switch>(label)] { toggle.setOn(!toggle.isOn); });
 }
 
 void SimulatedForm::choose(const std::string& label, std::size_t option) {
-  const Choice choice = find<Choice>(label);
-  desktop_.dispatcher().handleEvent([&] { choice.select(option); });
-  desktop_.runMainQueue();
+  handle([choice = find<Choice>(label), option] { choice.select(option); });
 }
 
-void SimulatedForm::press(const std::string& button) {
-  const Button pressed = find<Button>(button);
-  desktop_.dispatcher().handleEvent(pressed.action);
-  desktop_.runMainQueue();
+void SimulatedForm::press(const std::string& button) { handle(find<Button>(button).action); }
+
+void SimulatedForm::pressKey(const std::string& fieldLabel, const KeyEvent& key) {
+  handle([field = fields_.at(fieldLabel).view, key] { field->keyDown(key); });
 }
 
-void SimulatedForm::pressKey(const std::string& fieldLabel, std::uint16_t keyCode, ModifierFlags modifiers) {
-  const auto field = fields_.at(fieldLabel).view;
-  desktop_.dispatcher().handleEvent([&] { field->keyDown({keyCode, modifiers}); });
+void SimulatedForm::handle(const std::function<void()>& event) {
+  desktop_.dispatcher().handleEvent(event);
   desktop_.runMainQueue();
 }
 

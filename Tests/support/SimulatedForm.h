@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -22,7 +22,7 @@ class SimulatedForm {
  public:
   /// The desktop and the view outlive the form.
   SimulatedForm(SimulatedDesktop& desktop, platform::HostingView& view);
-  ~SimulatedForm();
+  ~SimulatedForm() { view_.formChanged = nullptr; }
   SimulatedForm(const SimulatedForm&) = delete;
   SimulatedForm& operator=(const SimulatedForm&) = delete;
 
@@ -40,7 +40,7 @@ class SimulatedForm {
   void choose(const std::string& label, std::size_t option);
   void press(const std::string& button);
   /// The field has the focus and gets a key.
-  void pressKey(const std::string& fieldLabel, std::uint16_t keyCode, platform::ModifierFlags modifiers);
+  void pressKey(const std::string& fieldLabel, const platform::KeyEvent& key);
 
  private:
   struct Field {
@@ -52,6 +52,8 @@ class SimulatedForm {
   const Item& find(const std::string& label) const;
   std::string describe(const platform::Section::Item& item) const;
   void update();
+  /// An event, and what it sets off.
+  void handle(const std::function<void()>& event);
 
   SimulatedDesktop& desktop_;
   platform::HostingView& view_;

@@ -5,7 +5,6 @@
 #include <utility>
 #include <vector>
 
-#include "platform/Dispatch.h"
 #include "platform/HotKeys.h"
 #include "support/SimulatedDispatcher.h"
 
@@ -25,13 +24,11 @@ class SimulatedHotKeys : public platform::HotKeys {
   };
 
   void installEventHandler(Handler handler) override {
-    platform::MainQueue::assertCurrent();
     handler_ = std::move(handler);
     ++handlersInstalled;
   }
   platform::HotKeyRegistration registerEventHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
                                                    platform::HotKeyID id) override {
-    platform::MainQueue::assertCurrent();
     constexpr std::uint32_t lastVirtualKeyCode = 0x7F;
     const Combination combination{keyCode, modifiers};
     if (keyCode > lastVirtualKeyCode) return {platform::hotKeyInvalidErr, 0};
@@ -41,11 +38,8 @@ class SimulatedHotKeys : public platform::HotKeys {
     return {platform::noErr, lastRef_};
   }
   void unregisterEventHotKey(platform::HotKeyRef ref) override {
-    platform::MainQueue::assertCurrent();
     const auto found = std::ranges::find(registrations_, ref, &Registration::ref);
-    if (found == registrations_.end()) return;
-    unregistered_.insert(found->combination);
-    registrations_.erase(found);
+    if (found != registrations_.end()) registrations_.erase(found);
   }
 
   /// The user presses the combination, as an event of its own. Returns whether the program holds it.
@@ -62,17 +56,9 @@ class SimulatedHotKeys : public platform::HotKeys {
   }
   /// The program's registrations in the order in which they were made.
   const std::vector<Registration>& registrations() const { return registrations_; }
-  /// Called when an event has been handled: what isn't registered again is free for other programs.
-  void releaseUnregistered() {
-    for (const Registration& registration : registrations_) unregistered_.erase(registration.combination);
-    released.insert(released.end(), unregistered_.begin(), unregistered_.end());
-    unregistered_.clear();
-  }
 
   /// Combinations that other programs hold.
   std::set<Combination> takenByOthers;
-  /// Every combination that became free for other programs, in order.
-  std::vector<Combination> released;
   int handlersInstalled = 0;
 
  private:
@@ -84,7 +70,6 @@ class SimulatedHotKeys : public platform::HotKeys {
   Handler handler_;
   platform::HotKeyRef lastRef_ = 0;
   std::vector<Registration> registrations_;
-  std::set<Combination> unregistered_;
 };
 
 }  // namespace lumiscan::testing

@@ -5,7 +5,6 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <ostream>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -13,7 +12,6 @@
 
 #include "platform/BitmapContext.h"
 #include "platform/Cursor.h"
-#include "platform/Dispatch.h"
 #include "platform/Logger.h"
 #include "platform/LoginItem.h"
 #include "platform/Pasteboard.h"
@@ -46,12 +44,8 @@ class Effects {
 
 class SimulatedCursors : public platform::CursorStack {
  public:
-  void push(platform::CursorShape shape) override {
-    platform::MainQueue::assertCurrent();
-    pushed.push_back(shape);
-  }
+  void push(platform::CursorShape shape) override { pushed.push_back(shape); }
   void pop() override {
-    platform::MainQueue::assertCurrent();
     if (!pushed.empty()) pushed.pop_back();
   }
 
@@ -60,10 +54,7 @@ class SimulatedCursors : public platform::CursorStack {
 
 class SimulatedWorkspace : public platform::Workspace {
  public:
-  void openURL(std::string_view url) override {
-    platform::MainQueue::assertCurrent();
-    opened.emplace_back(url);
-  }
+  void openURL(std::string_view url) override { opened.emplace_back(url); }
 
   std::vector<std::string> opened;
 };
@@ -97,13 +88,11 @@ class SimulatedPasteboard : public platform::Pasteboard {
   explicit SimulatedPasteboard(Effects& effects) : effects_(effects) {}
 
   void clearContents() override {
-    platform::MainQueue::assertCurrent();
     pending_.reset();
     owned_ = true;
     changed_ = true;
   }
   void setString(std::string_view string) override {
-    platform::MainQueue::assertCurrent();
     if (!owned_) return;  // Only who has taken the pasteboard over has something to offer.
     pending_ = platform::validUTF8(string);
     effects_.add("pasteboard " + *pending_);
@@ -158,14 +147,8 @@ class SimulatedLoginItem : public platform::LoginItem {
 class SimulatedSounds : public platform::Sounds {
  public:
   explicit SimulatedSounds(Effects& effects) : effects_(effects) {}
-  void play(std::string_view name) override {
-    platform::MainQueue::assertCurrent();
-    effects_.add("play " + std::string(name));
-  }
-  void beep() override {
-    platform::MainQueue::assertCurrent();
-    effects_.add("beep");
-  }
+  void play(std::string_view name) override { effects_.add("play " + std::string(name)); }
+  void beep() override { effects_.add("beep"); }
 
  private:
   Effects& effects_;
@@ -181,7 +164,6 @@ class SimulatedSpeechSynthesizer : public platform::SpeechSynthesizer {
     effects_.add("stop speaking");
   }
   void speak(const platform::SpeechUtterance& utterance) override {
-    platform::MainQueue::assertCurrent();
     utterances.push_back(utterance);
     effects_.add("speak " + utterance.language.value_or("by default") + " " + utterance.text);
   }
@@ -216,72 +198,31 @@ class SimulatedTypesetter : public platform::Typesetter {
   }
 };
 
-struct LogLine {
-  platform::LogLevel level = platform::LogLevel::info;
-  std::string category;
-  std::string message;
-  friend bool operator==(const LogLine&, const LogLine&) = default;
-  friend std::ostream& operator<<(std::ostream& stream, const LogLine& line) {
-    return stream << (line.level == platform::LogLevel::error ? "error " : "info ") << line.category << ": "
-                  << line.message;
-  }
-};
-
+/// A line each: "CATEGORY: MESSAGE", or "CATEGORY error: MESSAGE".
 class RecordedLog : public platform::LogSink {
  public:
   void write(platform::LogLevel level, std::string_view subsystem, std::string_view category,
              std::string_view message) override {
-    lines.push_back({level, std::string(category), std::string(message)});
+    lines.push_back(std::string(category) + (level == platform::LogLevel::error ? " error: " : ": ") +
+                    std::string(message));
     lastSubsystem = subsystem;
   }
   /// The lines since this was last called.
-  std::vector<LogLine> take() { return std::exchange(lines, {}); }
+  std::vector<std::string> take() { return std::exchange(lines, {}); }
 
-  std::vector<LogLine> lines;
+  std::vector<std::string> lines;
   std::string lastSubsystem;
 };
 
-/// Bitmaps and QR codes without a rasteriser: records what is asked for, gives what a test chose.
-class SimulatedDrawing {
- public:
-  struct QRRequest {
-    std::string message;
-    platform::QRCorrectionLevel level = platform::QRCorrectionLevel::low;
+/// Bitmaps and QR codes without a rasteriser.
+struct SimulatedDrawing {
+  class Context : public Recording<platform::BitmapContext> {
+    void drawLine(std::string_view, platform::Point, const platform::TextAttributes&) override {}
+    platform::Image makeImage() override { return coordinateImage(8, 8); }
   };
-
-  std::unique_ptr<platform::BitmapContext> makeContext(int width, int height) {
-    if (!makesContexts) return nullptr;
-    return std::make_unique<Context>(*this, width, height);
-  }
-  std::optional<platform::Image> generateQRCode(std::string_view message, platform::QRCorrectionLevel level) {
-    qrRequests.push_back({std::string(message), level});
-    return qrCode;
-  }
 
   bool makesContexts = true;
-  /// What had been drawn on each context when its image was made.
-  std::vector<Drawing> images;
   std::optional<platform::Image> qrCode = coordinateImage(29, 29);
-  std::vector<QRRequest> qrRequests;
-
- private:
-  class Context : public Recording<platform::BitmapContext> {
-   public:
-    Context(SimulatedDrawing& owner, int width, int height) : owner_(owner), width_(width), height_(height) {}
-    void drawLine(std::string_view text, platform::Point baseline,
-                  const platform::TextAttributes& attributes) override {
-      draw(text, baseline, attributes);
-    }
-    platform::Image makeImage() override {
-      owner_.images.push_back(drawing);
-      return coordinateImage(width_, height_);
-    }
-
-   private:
-    SimulatedDrawing& owner_;
-    int width_;
-    int height_;
-  };
 };
 
 }  // namespace lumiscan::testing

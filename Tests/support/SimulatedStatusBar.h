@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "platform/Alert.h"
-#include "platform/Dispatch.h"
 #include "platform/StatusBar.h"
 
 namespace lumiscan::testing {
@@ -24,7 +23,6 @@ struct ShownStatusItem {
 class SimulatedStatusBar : public platform::StatusBar {
  public:
   std::unique_ptr<platform::StatusItem> statusItem(double length) override {
-    platform::MainQueue::assertCurrent();
     return std::make_unique<Item>(*this, length);
   }
   std::optional<platform::SymbolImage> symbolImage(std::string_view name,
@@ -57,10 +55,7 @@ class SimulatedStatusBar : public platform::StatusBar {
 /// Alerts that the user dismisses at once.
 class SimulatedAlerts : public platform::Alerts {
  public:
-  void runModal(const platform::Alert& alert) override {
-    platform::MainQueue::assertCurrent();
-    shown.push_back(alert);
-  }
+  void runModal(const platform::Alert& alert) override { shown.push_back(alert); }
 
   std::vector<platform::Alert> shown;
 };

@@ -1,6 +1,11 @@
 #pragma once
 
+#include <cassert>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <memory>
+#include <utility>
 
 #include "platform/Image.h"
 
@@ -8,9 +13,25 @@ namespace lumiscan::testing {
 
 /// A picture whose every pixel tells where it is: 0xYYYXXX. At most 4096 pixels wide and high.
 /// `padding` more pixels, of value 0xFFFFFF, end each row in memory.
-platform::Image coordinateImage(int width, int height, int padding = 0);
+inline platform::Image coordinateImage(int width, int height, int padding = 0) {
+  assert(width <= 4096 && height <= 4096);
+  const auto rowWords = static_cast<std::size_t>(width) + static_cast<std::size_t>(padding);
+  std::shared_ptr<std::uint32_t[]> words(new std::uint32_t[rowWords * static_cast<std::size_t>(height)]);
+  std::uint32_t* word = words.get();
+  for (int y = 0; y < height; ++y)
+    for (int x = 0; x < width + padding; ++x)
+      *word++ = x < width ? static_cast<std::uint32_t>(y << 12 | x) : 0xFFFFFF;
+  std::shared_ptr<const std::byte> pixels(words, reinterpret_cast<const std::byte*>(words.get()));
+  return {width, height, 4 * static_cast<std::ptrdiff_t>(rowWords), platform::PixelFormat::xrgb,
+          std::move(pixels)};
+}
 
 /// The lower 24 bits of a pixel.
-std::uint32_t pixel(const platform::Image& image, int x, int y);
+inline std::uint32_t pixel(const platform::Image& image, int x, int y) {
+  assert(x >= 0 && x < image.width() && y >= 0 && y < image.height());
+  std::uint32_t word = 0;
+  std::memcpy(&word, image.row(y) + 4 * static_cast<std::ptrdiff_t>(x), sizeof word);
+  return word & 0xFFFFFF;
+}
 
 }  // namespace lumiscan::testing

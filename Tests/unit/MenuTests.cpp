@@ -49,28 +49,26 @@ class MenuTest : public LaunchedProgram {
 };
 
 TEST_F(MenuTest, TheStatusItemShowsOurSymbolOrElseASign) {
-  const auto& shown = *desktop.statusBar().shown;
-  EXPECT_EQ(shown.length, platform::squareStatusItemLength);
-  ASSERT_TRUE(shown.button.image);
-  EXPECT_EQ(shown.button.image->name, "text.viewfinder");
-  EXPECT_EQ(shown.button.image->accessibilityDescription, "Lumiscan");
-  EXPECT_TRUE(shown.button.image->isTemplate);
-  EXPECT_EQ(shown.button.title, "");
-  EXPECT_EQ(shown.button.toolTip, "Lumiscan — instant text capture by Varnholt");
-
-  delegate = nullptr;
-  EXPECT_FALSE(desktop.statusBar().shown);
-  desktop.statusBar().knownSymbol = "";
-  delegate = std::make_shared<AppDelegate>();
-  delegate->applicationDidFinishLaunching();
-  EXPECT_FALSE(desktop.statusBar().shown->button.image);
-  EXPECT_EQ(desktop.statusBar().shown->button.title, "◉");
-  EXPECT_EQ(desktop.statusBar().shown->button.toolTip, "Lumiscan — instant text capture by Varnholt");
-
-  delegate = nullptr;
-  desktop.statusBar().hasButtons = false;
-  delegate = std::make_shared<AppDelegate>();
-  delegate->applicationDidFinishLaunching();
+  auto& bar = desktop.statusBar();
+  const auto restart = [this] {
+    delegate = nullptr;
+    EXPECT_FALSE(desktop.statusBar().shown);
+    delegate = std::make_shared<AppDelegate>();
+    delegate->applicationDidFinishLaunching();
+  };
+  EXPECT_EQ(bar.shown->length, platform::squareStatusItemLength);
+  EXPECT_EQ(bar.shown->button.image.value().name, "text.viewfinder");
+  EXPECT_EQ(bar.shown->button.image->accessibilityDescription, "Lumiscan");
+  EXPECT_TRUE(bar.shown->button.image->isTemplate);
+  EXPECT_EQ(bar.shown->button.title, "");
+  EXPECT_EQ(bar.shown->button.toolTip, "Lumiscan — instant text capture by Varnholt");
+  bar.knownSymbol = "";
+  restart();
+  EXPECT_FALSE(bar.shown->button.image);
+  EXPECT_EQ(bar.shown->button.title, "◉");
+  EXPECT_EQ(bar.shown->button.toolTip, "Lumiscan — instant text capture by Varnholt");
+  bar.hasButtons = false;
+  restart();
   EXPECT_EQ(statusMenu().items().size(), 17U);
 }
 
@@ -195,11 +193,7 @@ std::string repeated(const std::string& text, int count) {
 TEST(HistoryTitle, IsTheTimeAndTheStartOfTheFirstLine) {
   const std::string family = "\U0001F468\u200D\U0001F469\u200D\U0001F467\u200D\U0001F466";
   const std::string flag = "\U0001F1E9\U0001F1EA";
-  struct Case {
-    std::string text;
-    std::string start;
-  };
-  for (const auto& [text, start] : {Case{"one\ntwo", "one"},
+  for (const auto& [text, start] : {std::pair<std::string, std::string>{"one\ntwo", "one"},
                                     {"\n\nfirst\nsecond", "first"},
                                     {"", ""},
                                     {"\n\n", "\n\n"},

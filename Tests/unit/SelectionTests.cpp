@@ -161,7 +161,7 @@ TEST_F(RepeatTest, TellsWhyNothingCouldBeCaptured) {
   desktop.displays().snapshots.clear();
   expectEnd("repeat: noScreenAccess");
   EXPECT_THAT(desktop.displays().snapshots, IsEmpty()) << "without access";
-  EXPECT_THAT(desktop.logSink().lines, IsEmpty());
+  EXPECT_THAT(desktop.logSink().take(), IsEmpty());
 }
 
 TEST_F(RepeatTest, LeavesAnOpenSessionAlone) {
