@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 #include <linux/input-event-codes.h>
 
-#include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <algorithm>
 #include <csignal>
@@ -33,6 +32,11 @@ class StatusItemTest : public ::testing::Test, protected EventLoop {
   void startProgram() { program_ = Process::start({LUMISCAN_PROGRAM}); }
   bool isInPanel() {
     return waitFor([this] { return !panel_.item().isEmpty(); });
+  }
+  void startInPanel() {
+    ASSERT_TRUE(panel_.start());
+    startProgram();
+    ASSERT_TRUE(isInPanel());
   }
   long logged(const std::string& line) const { return program_->countInError(line); }
 
@@ -67,9 +71,7 @@ TEST_F(StatusItemTest, APanelReadsAndChoosesOverTheBus) {
   const QByteArray history = R"([{"id":"0F9A3B5C-1D2E-4F60-8A7B-9C0D1E2F3A4B","date":60,"mode":"barcode",)"
                              R"("text":"snake_case & <b>\r_\nmore"}])";
   screen_.writePreferences(R"({"captureHistory": {"data": ")" + history.toBase64().toStdString() + R"("}})");
-  ASSERT_TRUE(panel_.start());
-  startProgram();
-  ASSERT_TRUE(isInPanel());
+  startInPanel();
 
   const QVariantMap item = panel_.itemProperties();
   EXPECT_TRUE(item["ItemIsMenu"].toBool());
@@ -126,9 +128,7 @@ TEST_F(StatusItemTest, TellsTheInstalledIconsNameToPanelsThatTintIt) {
   for (const auto& [desktop, name] : std::map<const char*, QString>{
            {"ubuntu:GNOME", "com.varnholt.Lumiscan-symbolic"}, {"Lubuntu:LXQt", ""}}) {
     setenv("XDG_CURRENT_DESKTOP", desktop, 1);
-    ASSERT_TRUE(panel_.start());
-    startProgram();
-    ASSERT_TRUE(isInPanel());
+    startInPanel();
     EXPECT_EQ(panel_.itemProperties().value("IconName", "none").toString(), name) << desktop;
     program_ = nullptr;
     ASSERT_TRUE(panel_.stop());
@@ -142,9 +142,7 @@ TEST_F(StatusItemTest, TheAboutBoxComesBeforeTheSettingsWindow) {
     screen_.pressKeys({KEY_SPACE});
     return waitFor([this] { return lines(panel_.layout()).at(7) == "✓ Additive Clipboard"; });
   };
-  ASSERT_TRUE(panel_.start());
-  startProgram();
-  ASSERT_TRUE(isInPanel());
+  startInPanel();
   click("About Lumiscan");
   xcb_window_t box = XCB_WINDOW_NONE;
   const auto boxHasFocus = [&] { return screen_.focusedWindow() == box; };

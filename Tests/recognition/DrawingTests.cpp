@@ -58,6 +58,8 @@ TEST(BitmapContext, FontsDiffer) {
             width(Font::Design::sansSerif, FontWeight::regular, "nnnn"));
   EXPECT_DOUBLE_EQ(width(Font::Design::monospaced, FontWeight::regular, "iiii"),
                    width(Font::Design::monospaced, FontWeight::regular, "MMMM"));
+  EXPECT_LT(width(Font::Design::system, FontWeight::regular, "iiii"),
+            width(Font::Design::system, FontWeight::regular, "MMMM"));
   // Helvetica's bold capital M is 0.833 of the size wide.
   EXPECT_NEAR(width(Font::Design::sansSerif, FontWeight::bold, "M"), 0.833 * 40, 0.3);
 }

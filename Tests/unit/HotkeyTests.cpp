@@ -146,6 +146,8 @@ TEST_F(HotkeyTest, ForeignEventsAreIgnoredSilentlyAndOursAreInAFixedOrder) {
   EXPECT_THAT(actions, ElementsAre("captureText", "captureTextNoBreaks", "captureAndSpeak", "captureBarcode",
                                    "captureLastSelection", "stopSpeaking", "toggleAdditiveClipboard",
                                    "clearAdditiveClipboard"));
+  for (const HotkeyAction action : allHotkeyActions) EXPECT_EQ(hotkeyAction(rawValue(action)), action);
+  EXPECT_EQ(hotkeyAction("CaptureText"), std::nullopt);
 }
 
 TEST(HotkeyText, ShowsModifiersInAFixedOrderBeforeTheKey) {
