@@ -55,6 +55,7 @@ TEST(TextRecognizer, ReadsSignsWhereTheEngineAloneReadsLetters) {
   const std::vector<std::string> signs{"ls -la `pwd` | sed 's/#//'",
                                        "for (i = 0; i <= n1; ++i) {",
                                        "xs = [*a, **b] && !(c || d);",
+                                       "IO::File->new if $^O;",
                                        "esac;;",
                                        "/* LANDLOCK && 0x00fd */",
                                        "};",

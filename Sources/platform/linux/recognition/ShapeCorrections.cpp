@@ -141,16 +141,32 @@ void correctStroke(Symbol& symbol, const Classification& shape, const Neighbours
   }
 }
 
+/// Whether what is beside a zero speaks for an O: IO, $^O, O_RDONLY, OSError. 0xFF, 0.5 and 0UL are numbers.
+bool mayBeO(const Neighbours& beside) {
+  const auto isOneOf = [](std::u32string_view characters, char32_t c) {
+    return characters.find(c) != std::u32string_view::npos;
+  };
+  if (isDigit(beside.before) || isDigit(beside.after)) return false;
+  const bool isBeforeCapital =
+      u_isupper(static_cast<UChar32>(beside.after)) && !isOneOf(U"ABCDEFLUX", beside.after);
+  return isBeforeCapital || isOneOf(U"I^", beside.before) ||
+         (beside.after == U'_' && !isLetter(beside.before) && beside.before != U'_');
+}
+
 /// A zero is an O amid capitals, unless it is more like a zero than an O ever is, with a dot or a stroke, or
-/// the capitals are hexadecimal digits.
-void correctZero(Symbol& symbol, const Classification& shape, const Neighbours& beside) {
+/// the capitals are hexadecimal digits. Where characters have one width, zeros mostly have them.
+void correctZero(Symbol& symbol, const Classification& shape, const Neighbours& beside,
+                 const TextLine& line) {
   constexpr float surelyZero = 0.9F;
+  constexpr float mostOfO = 0.4F, leastOfZero = 0.6F;  // Of a zero's probability less that of an O.
+  const float zero = shape.of(U'0') - shape.of(U'O');
+  if (line.cells && symbol.text == "O" && zero >= leastOfZero) symbol.text.assign(1, '0');
   if (symbol.text != "0" || shape.of(U'0') >= surelyZero || shape.of(U'O') < 0.2F) return;
   const auto isCapital = [](char32_t c) { return u_isupper(static_cast<UChar32>(c)); };
   const auto isHexadecimal = [](char32_t c) { return c >= U'A' && c <= U'F'; };
-  if (isCapital(beside.before) && isCapital(beside.after) &&
-      !(isHexadecimal(beside.before) && isHexadecimal(beside.after)))
-    symbol.text.assign(1, 'O');
+  const bool isAmidCapitals = isCapital(beside.before) && isCapital(beside.after) &&
+                              !(isHexadecimal(beside.before) && isHexadecimal(beside.after));
+  if (isAmidCapitals || (line.cells && zero < mostOfO && mayBeO(beside))) symbol.text.assign(1, 'O');
 }
 
 /// Shares the ink of a cluster among symbols that touch.
@@ -395,7 +411,7 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
       if (!isBlurred && (first.confidence < mild || isOther || beside.isBeforeTallDigit || isSteady(m)))
         correctSymbol(first, shape, beside);
       correctStroke(first, shape, beside, first.spaceBefore ? 0 : capitalsAtEnd(corrected), shapes.line());
-      correctZero(first, shape, beside);
+      correctZero(first, shape, beside, shapes.line());
     }
     first.isLikely =
         first.hasOwnInk && isLikely(first, shapes.classification(match.firstCluster, match.clusterCount));
