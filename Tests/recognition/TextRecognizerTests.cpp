@@ -67,6 +67,9 @@ TEST(TextRecognizer, ReadsSignsWhereTheEngineAloneReadsLetters) {
   for (const auto& code : {signs, longStrings, manyMarks})
     for (const double size : {14.0, 18.0, 22.0})
       EXPECT_THAT(linesOf(pictureOf(code, codeStyle(size))), ElementsAreArray(code)) << size;
+  // An l without letters beside it is what looks like it within a word.
+  for (const double size : {12.0, 14.0, 16.0, 20.0, 24.0})
+    EXPECT_THAT(linesOf(pictureOf({"ls -l | wc -l"}, codeStyle(size))), ElementsAre("ls -l | wc -l")) << size;
 }
 
 TEST(TextRecognizer, ReadsSpacesByTheirWidthAndDashesByTheirStrokes) {

@@ -1,10 +1,13 @@
 #include "platform/linux/recognition/Consensus.h"
 
+#include <unicode/uchar.h>
+
 #include <algorithm>
 #include <compare>
 #include <cstdlib>
 #include <map>
 #include <string>
+#include <string_view>
 
 #include "platform/linux/recognition/Clusters.h"
 #include "platform/linux/recognition/CodePoints.h"
@@ -25,10 +28,23 @@ struct Extent {
 struct Occurrence {
   Symbol* symbol;
   const TextLine* line;
+  double weight;  // Of what was read: 1 within a word.
 };
 
 /// Symbols whose ink is the same, pixel by pixel.
 using Twins = std::vector<Occurrence>;
+
+bool isOfWords(const Symbol& symbol) { return u_isalnum(static_cast<UChar32>(onlyCodePoint(symbol.text))); }
+
+/// Of a stroke without letters beside it, as in -l, the engine can only guess what it is.
+double weightOf(const std::vector<Symbol>& symbols, std::size_t i) {
+  constexpr double guess = 0.25;
+  const bool isStroke =
+      std::u32string_view(U"1lI|i").find(onlyCodePoint(symbols[i].text)) != std::u32string_view::npos;
+  const bool isInWord = (i > 0 && !symbols[i].spaceBefore && isOfWords(symbols[i - 1])) ||
+                        (i + 1 < symbols.size() && !symbols[i + 1].spaceBefore && isOfWords(symbols[i + 1]));
+  return isStroke && !isInWord ? guess : 1;
+}
 
 bool haveSameInk(const PixelBox& a, const PixelBox& b, const GreyBitmap& ink) {
   constexpr int most = 48;  // Something of their neighbours may reach into the box.
@@ -41,16 +57,20 @@ bool haveSameInk(const PixelBox& a, const PixelBox& b, const GreyBitmap& ink) {
 std::vector<Twins> twinsIn(std::vector<LineDraft>& drafts, const GreyBitmap& ink) {
   std::map<Extent, std::vector<Twins>> found;
   for (LineDraft& draft : drafts) {
-    if (draft.isWide || !draft.line->cells) continue;
-    for (Symbol& symbol : draft.symbols) {
-      if (!symbol.hasOwnInk) continue;
+    if (draft.isWide) continue;
+    for (std::size_t i = 0; i < draft.symbols.size(); ++i) {
+      Symbol& symbol = draft.symbols[i];
+      // Elsewhere several letters may have one shape.
+      const bool mayAgree = draft.line->cells || symbol.text == "1" || symbol.text == "l";
+      if (!symbol.hasOwnInk || !mayAgree) continue;
       const PixelBox& box = symbol.box;
       std::vector<Twins>& alike =
           found[{box.right - box.left, box.bottom - box.top, box.top - draft.line->baseline}];
       const auto home = std::find_if(alike.begin(), alike.end(), [&](const Twins& twins) {
         return haveSameInk(twins.front().symbol->box, box, ink);
       });
-      (home == alike.end() ? alike.emplace_back() : *home).push_back({&symbol, draft.line});
+      (home == alike.end() ? alike.emplace_back() : *home)
+          .push_back({&symbol, draft.line, weightOf(draft.symbols, i)});
     }
   }
   std::vector<Twins> all;
@@ -60,9 +80,12 @@ std::vector<Twins> twinsIn(std::vector<LineDraft>& drafts, const GreyBitmap& ink
 }
 
 void agree(const Twins& twins, const GreyBitmap& ink) {
-  constexpr std::size_t fewest = 3;
+  const bool hasGuess =
+      std::any_of(twins.begin(), twins.end(), [](const Occurrence& each) { return each.weight < 1; });
+  const std::size_t fewest = hasGuess ? 2 : 3;
   std::map<std::string, double> votes;
-  for (const Occurrence& each : twins) votes[each.symbol->text] += each.symbol->confidence / 100;
+  for (const Occurrence& each : twins)
+    votes[each.symbol->text] += each.weight * each.symbol->confidence / 100;
   if (votes.size() < 2 || twins.size() < fewest) return;
   const PixelBox& box = twins.front().symbol->box;
   const Classification shape =
@@ -75,7 +98,8 @@ void agree(const Twins& twins, const GreyBitmap& ink) {
   constexpr double clear = 2;
   for (const auto& [text, count] : votes)
     if (text != most->first && clear * count > most->second) return;
-  for (const Occurrence& each : twins) each.symbol->text = most->first;
+  for (const Occurrence& each : twins)
+    if (each.line->cells || each.weight < 1 || most->first == "1") each.symbol->text = most->first;
 }
 
 }  // namespace

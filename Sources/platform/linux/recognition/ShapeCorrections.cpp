@@ -29,6 +29,8 @@ bool differInSizeAlone(char32_t a, char32_t b) {
              std::u32string_view::npos;
 }
 
+bool isBracket(char32_t c) { return std::u32string_view(U"()[]{}").find(c) != std::u32string_view::npos; }
+
 constexpr double surely = 98;  // Confidence of the engine.
 
 /// How sure the classifier must be of its own character, and how sure that the engine's is wrong. The engine
@@ -38,11 +40,16 @@ struct Demand {
   float most;   // and of the engine's.
 };
 
-Demand demandFor(char32_t read, char32_t seen, double confidence) {
+Demand demandFor(char32_t read, char32_t seen, double confidence, bool isInCells) {
   const bool isSure = confidence >= surely;
   const bool isTorn = confidence < 70;  // Readings differ.
   // The engine takes zeros with a dot or a stroke for it.
   if (read == U'@' && seen == U'0') return {0.5F, 0.5F};
+  // Nothing but its stroke makes an S of the one the other.
+  if (read == U'S' && seen == U'$') return {0.7F, 0.1F};
+  if (isBracket(read) && isBracket(seen)) return {0.9F, 0.06F};
+  // The bar of an e may be faint; but the engine takes wc for a word.
+  if (read == U'e' && seen == U'c' && !isInCells) return {0.99F, 1e-4F};
   if (isQuote(seen) && !isLetter(read)) return {0.5F, 0.3F};
   if (isDigit(seen) && !isLetter(read)) return {0.8F, 0.05F};
   if (u_tolower(static_cast<UChar32>(read)) == u_tolower(static_cast<UChar32>(seen))) return {0.9F, 0.05F};
@@ -70,7 +77,7 @@ bool breaksCase(char32_t read, char32_t seen, bool isSure, const Neighbours& bes
 }
 
 /// What the symbol becomes by its shape.
-void correctSymbol(Symbol& symbol, const Classification& shape, const Neighbours& beside) {
+void correctSymbol(Symbol& symbol, const Classification& shape, const Neighbours& beside, bool isInCells) {
   const char32_t read = onlyCodePoint(symbol.text);
   const char32_t seen = shape.best();
   if (read == seen || seen == Classification::noCharacter || !shape.knows(read)) return;
@@ -80,8 +87,17 @@ void correctSymbol(Symbol& symbol, const Classification& shape, const Neighbours
     symbol.text = utf8Of(seen);
     return;
   }
-  if (differInSizeAlone(read, seen) || breaksCase(read, seen, symbol.confidence >= surely, beside)) return;
-  const Demand demand = demandFor(read, seen, symbol.confidence);
+  // Where characters have one width an l has a foot and no shape of other letters.
+  const bool isSmallL = isInCells && read == U'L' && seen == U'l' && shape.bestProbability() > 0.99F;
+  if (differInSizeAlone(read, seen) ||
+      (!isSmallL && breaksCase(read, seen, symbol.confidence >= surely, beside)))
+    return;
+  // One of two strokes may touch the letter beside it.
+  constexpr double clearly = 94;
+  if (read == U'"' && seen == U'\'' && !isInCells && symbol.confidence >= clearly &&
+      shape.bestProbability() > 0.7F)
+    return;
+  const Demand demand = demandFor(read, seen, symbol.confidence, isInCells);
   // The engine prefers those of books.
   if (isQuote(read) && isQuote(seen) && shape.bestProbability() >= 2 * shape.of(read))
     symbol.text = utf8Of(seen);
@@ -132,12 +148,14 @@ void correctStroke(Symbol& symbol, const Classification& shape, const Neighbours
   } else if (read == U'l' && capitalsBefore > 0 && !isLetter(beside.after) && !besideDigit) {
     // An acronym; behind one capital it may be a short name.
     if (shape.of(U'I') >= (capitalsBefore > 1 ? possible : rarely)) become('I');
-  } else if (read == U'1' && opensWord && !besideLetter && !besideDigit) {
-    if (shape.of(U'1') < possible && shape.of(U'I') + shape.of(U'l') > mostly) become('I');
+  } else if (read == U'1' && opensWord && !besideLetter && !besideDigit && beside.after != U':') {
+    if (shape.of(U'1') < possible && shape.of(U'I') + shape.of(U'l') > mostly)
+      become(line.cells && shape.of(U'l') > shape.of(U'I') ? 'l' : 'I');
   } else if (read == U'l' || read == U'I' || read == U'i') {
     if (isOne || (besideDigit && 3 * shape.of(U'1') > shape.of(read))) become('1');
-  } else if (read == U'1' && besideLetter && !besideDigit) {
-    if (shape.of(U'l') > 3 * shape.of(U'1')) become('l');
+  } else if (read == U'1' && !besideDigit && (besideLetter || (line.cells && beside.before == U'-'))) {
+    // An option's letter.
+    if (shape.of(U'l') > (besideLetter ? 3.0F : 8.0F) * shape.of(U'1')) become('l');
   }
 }
 
@@ -409,7 +427,7 @@ void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
           shapes.isCut(match.firstCluster) && isLetter(onlyCodePoint(first.text)) &&
           (shape.bestProbability() < 0.999F || shape.of(onlyCodePoint(first.text)) > 1e-4F);
       if (!isBlurred && (first.confidence < mild || isOther || beside.isBeforeTallDigit || isSteady(m)))
-        correctSymbol(first, shape, beside);
+        correctSymbol(first, shape, beside, shapes.line().cells.has_value());
       correctStroke(first, shape, beside, first.spaceBefore ? 0 : capitalsAtEnd(corrected), shapes.line());
       correctZero(first, shape, beside, shapes.line());
     }
