@@ -214,8 +214,19 @@ TEST(Corrections, HyphensAreToldFromTildesAndDashesByTheirInk) {
             "->");
   EXPECT_EQ(corrected({{"—", false, {10, 5, 13, 6}, 99, true}, {"-", false, {16, 5, 19, 6}, 99, true}}),
             "--");
-  EXPECT_EQ(corrected({{"—", false, {10, 5, 13, 6}, 99, true}, {"a", false, {16, 0, 23, 11}, 99, true}}),
-            "—a");
+  // Of one stroke the width tells, where it stands free or wasn't read as a hyphen.
+  const auto beforeLetter = [&](const char* read, int width, bool isFree) {
+    fillBox(ink, {42, 5, 58, 6}, 0);
+    fillBox(ink, {42, 5, 41 + width, 6}, 255);
+    return corrected({{"H", false, {30, 0, 37, 11}, 99, true},
+                      {read, isFree, {42, 5, 41 + width, 6}, 99, true},
+                      {"H", isFree, {70, 0, 77, 11}, 99, true}});
+  };
+  EXPECT_EQ(beforeLetter("—", 4, false), "H-H");
+  EXPECT_EQ(beforeLetter("—", 8, true), "H – H");
+  EXPECT_EQ(beforeLetter("–", 12, false), "H—H");
+  EXPECT_EQ(beforeLetter("-", 8, true), "H – H");
+  EXPECT_EQ(beforeLetter("-", 8, false), "H-H") << "a minus, or a wide hyphen";
 }
 
 /// Ink with letters in a line, as high as an x, and what else is given.

@@ -56,6 +56,7 @@ TEST(TextRecognizer, ReadsSignsWhereTheEngineAloneReadsLetters) {
                                        "for (i = 0; i <= n1; ++i) {",
                                        "xs = [*a, **b] && !(c || d);",
                                        "IO::File->new if $^O;",
+                                       "cc -O2 ID=0OQ8B",
                                        "esac;;",
                                        "/* LANDLOCK && 0x00fd */",
                                        "};",
@@ -78,6 +79,10 @@ TEST(TextRecognizer, ReadsSpacesByTheirWidthAndDashesByTheirStrokes) {
       "Run `make all` in ~/notes -- or `make`", "The 'first' [link](#page) is \"here\""};
   for (const double size : {12.0, 15.0, 20.0})
     EXPECT_THAT(linesOf(pictureOf(text, {size})), ElementsAreArray(text)) << size;
+  const std::vector<std::string> dashes{"Monday – Friday", "It is — in a way — true", "well-known - or so",
+                                        "- A dash"};
+  for (const double size : {14.0, 18.0, 22.0})
+    EXPECT_THAT(linesOf(pictureOf(dashes, {size})), ElementsAreArray(dashes)) << size;
   // Each alone: a page tells more.
   for (const std::string line :
        {"4 min ago, Col 8", "IT IS A GAME", "A committee is a life", "88,24 € for all"})

@@ -8,6 +8,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "platform/linux/recognition/Clusters.h"
 #include "platform/linux/recognition/CodePoints.h"
@@ -28,22 +29,30 @@ struct Extent {
 struct Occurrence {
   Symbol* symbol;
   const TextLine* line;
-  double weight;  // Of what was read: 1 within a word.
+  // Side by side with it, if any.
+  char32_t before, after;
 };
 
 /// Symbols whose ink is the same, pixel by pixel.
 using Twins = std::vector<Occurrence>;
 
-bool isOfWords(const Symbol& symbol) { return u_isalnum(static_cast<UChar32>(onlyCodePoint(symbol.text))); }
+bool isOfWords(char32_t c) { return u_isalnum(static_cast<UChar32>(c)); }
 
-/// Of a stroke without letters beside it, as in -l, the engine can only guess what it is.
-double weightOf(const std::vector<Symbol>& symbols, std::size_t i) {
+Occurrence occurrenceOf(std::vector<Symbol>& symbols, std::size_t i, const TextLine& line) {
+  const auto neighbour = [&](bool isThere, std::size_t at) {
+    return isThere ? onlyCodePoint(symbols[at].text) : Classification::noCharacter;
+  };
+  return {&symbols[i], &line, neighbour(i > 0 && !symbols[i].spaceBefore, i - 1),
+          neighbour(i + 1 < symbols.size() && !symbols[i + 1].spaceBefore, i + 1)};
+}
+
+/// How much counts what was read. Of a stroke without letters beside it, as in -l, the engine can only guess
+/// what it is.
+double weightOf(const Occurrence& each) {
   constexpr double guess = 0.25;
   const bool isStroke =
-      std::u32string_view(U"1lI|i").find(onlyCodePoint(symbols[i].text)) != std::u32string_view::npos;
-  const bool isInWord = (i > 0 && !symbols[i].spaceBefore && isOfWords(symbols[i - 1])) ||
-                        (i + 1 < symbols.size() && !symbols[i + 1].spaceBefore && isOfWords(symbols[i + 1]));
-  return isStroke && !isInWord ? guess : 1;
+      std::u32string_view(U"1lI|i").find(onlyCodePoint(each.symbol->text)) != std::u32string_view::npos;
+  return isStroke && !isOfWords(each.before) && !isOfWords(each.after) ? guess : 1;
 }
 
 bool haveSameInk(const PixelBox& a, const PixelBox& b, const GreyBitmap& ink) {
@@ -70,7 +79,7 @@ std::vector<Twins> twinsIn(std::vector<LineDraft>& drafts, const GreyBitmap& ink
         return haveSameInk(twins.front().symbol->box, box, ink);
       });
       (home == alike.end() ? alike.emplace_back() : *home)
-          .push_back({&symbol, draft.line, weightOf(draft.symbols, i)});
+          .push_back(occurrenceOf(draft.symbols, i, *draft.line));
     }
   }
   std::vector<Twins> all;
@@ -79,17 +88,50 @@ std::vector<Twins> twinsIn(std::vector<LineDraft>& drafts, const GreyBitmap& ink
   return all;
 }
 
+Classification shapeOfAll(const Twins& twins, const GreyBitmap& ink) {
+  const PixelBox& box = twins.front().symbol->box;
+  return GlyphClassifier::shared().classify(shapeOf(ink, Cluster{{Glyph{box}}, box}, *twins.front().line));
+}
+
+/// Whether a zero there may be an O: beside a letter, but for those of hexadecimal numbers.
+bool mayBeO(const Occurrence& each) {
+  const auto isLetter = [](char32_t c) {
+    return u_isalpha(static_cast<UChar32>(c)) &&
+           std::u32string_view(U"abcdefx").find(c) == std::u32string_view::npos;
+  };
+  return isLetter(each.before) || isLetter(each.after);
+}
+
+/// Where zeros have a dot or a stroke, which they show somewhere, others beside letters are an O.
+void tellZerosFromO(const std::vector<Twins>& all, const GreyBitmap& ink) {
+  constexpr float leastOfMarked = 0.6F, mostOfO = 0.4F;  // Of a zero's probability less that of an O.
+  std::vector<std::pair<const Twins*, float>> found;
+  for (const Twins& twins : all) {
+    const Occurrence& first = twins.front();
+    if (!first.line->cells || (first.symbol->text != "0" && first.symbol->text != "O")) continue;
+    const Classification shape = shapeOfAll(twins, ink);
+    found.emplace_back(&twins, shape.of(U'0') - shape.of(U'O'));
+  }
+  const bool areMarked =
+      std::any_of(found.begin(), found.end(), [](const auto& each) { return each.second >= leastOfMarked; });
+  if (!areMarked) return;
+  for (const auto& [twins, zero] : found)
+    for (const Occurrence& each : *twins)
+      if (zero >= leastOfMarked)
+        each.symbol->text.assign(1, '0');
+      else if (zero < mostOfO && mayBeO(each))
+        each.symbol->text.assign(1, 'O');
+}
+
 void agree(const Twins& twins, const GreyBitmap& ink) {
   const bool hasGuess =
-      std::any_of(twins.begin(), twins.end(), [](const Occurrence& each) { return each.weight < 1; });
+      std::any_of(twins.begin(), twins.end(), [](const Occurrence& each) { return weightOf(each) < 1; });
   const std::size_t fewest = hasGuess ? 2 : 3;
   std::map<std::string, double> votes;
   for (const Occurrence& each : twins)
-    votes[each.symbol->text] += each.weight * each.symbol->confidence / 100;
+    votes[each.symbol->text] += weightOf(each) * each.symbol->confidence / 100;
   if (votes.size() < 2 || twins.size() < fewest) return;
-  const PixelBox& box = twins.front().symbol->box;
-  const Classification shape =
-      GlyphClassifier::shared().classify(shapeOf(ink, Cluster{{Glyph{box}}, box}, *twins.front().line));
+  const Classification shape = shapeOfAll(twins, ink);
   // The shape has as many votes as all readings together.
   for (auto& [text, count] : votes)
     count += static_cast<double>(twins.size()) * static_cast<double>(shape.of(onlyCodePoint(text)));
@@ -99,13 +141,15 @@ void agree(const Twins& twins, const GreyBitmap& ink) {
   for (const auto& [text, count] : votes)
     if (text != most->first && clear * count > most->second) return;
   for (const Occurrence& each : twins)
-    if (each.line->cells || each.weight < 1 || most->first == "1") each.symbol->text = most->first;
+    if (each.line->cells || weightOf(each) < 1 || most->first == "1") each.symbol->text = most->first;
 }
 
 }  // namespace
 
 void agree(std::vector<LineDraft>& drafts, const GreyBitmap& ink) {
-  for (const Twins& twins : twinsIn(drafts, ink)) agree(twins, ink);
+  const std::vector<Twins> all = twinsIn(drafts, ink);
+  for (const Twins& twins : all) agree(twins, ink);
+  tellZerosFromO(all, ink);
 }
 
 }  // namespace lumiscan::desktop

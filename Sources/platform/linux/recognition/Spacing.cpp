@@ -197,6 +197,7 @@ Bounds boundsOf(const std::vector<Symbol>& symbols, const Gap& gap) {
   constexpr double leastBeforeYear = 0.4;
   constexpr double leastInSigns = 1.3;
   constexpr double mostAtBacktick = 0.6;
+  constexpr double leastBehindDash = 0.6;
   const auto& [left, right] = gap.pair;
   Bounds bounds = boundsByKind(kindOf(*left), kindOf(*right));
   if (isAtLoneLetter(symbols, gap)) bounds.least = std::min(bounds.least, leastAtLoneLetter);
@@ -209,6 +210,8 @@ Bounds boundsOf(const std::vector<Symbol>& symbols, const Gap& gap) {
   if (areAlike || areMarks || isInNumber || isOneOf(*right, ".,;:"))
     bounds.least = std::max(bounds.least, leastInSigns);
   if (isBeforeYear(symbols, gap.pair)) bounds.least = leastBeforeYear;
+  // A dash before a point of a list; one before an option has no room behind it.
+  if (left == symbols.data() && left->text == "-") bounds.least = leastBehindDash;
   // The mark is narrow in its place.
   if (left->text == "`" || right->text == "`") bounds.most = mostAtBacktick;
   return bounds;
