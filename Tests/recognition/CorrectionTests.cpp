@@ -321,6 +321,14 @@ TEST(CutLines, GoWhereTheSelectionShowsLessThanHalf) {
   underscores.box.top = 0;
   EXPECT_EQ(tops({underscores, line(8, 21)}), (Tops{8})) << "with one descender";
   EXPECT_EQ(tops({line(4, 5), line(20, 33)}), (Tops{4, 20})) << "hyphens within";
+  const auto single = [](const PixelBox& box) {
+    TextLine made;
+    made.glyphs = {{box}};
+    made.box = box;
+    return made;
+  };
+  EXPECT_EQ(tops({single({30, 12, 99, 59})}), Tops()) << "the corner of a frame";
+  EXPECT_EQ(tops({single({60, 12, 99, 50})}), (Tops{12})) << "a letter at one side";
 }
 
 TEST(CutLines, LeaveNoSlicesInTheirNeighbours) {

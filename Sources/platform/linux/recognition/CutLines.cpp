@@ -28,6 +28,14 @@ void dropCutGlyphs(TextLine& line, const GreyBitmap& ink) {
   line.box = boxAround(line.glyphs);
 }
 
+/// Whether all there is of a line is one stroke that runs out of the image at two sides: the corner of a
+/// frame.
+bool isCorner(const TextLine& line, const GreyBitmap& ink) {
+  const PixelBox& box = line.box;
+  const bool isAtSide = box.left == 0 || box.right == ink.width - 1;
+  return line.glyphs.size() == 1 && isAtSide && (box.top == 0 || box.bottom == ink.height - 1);
+}
+
 }  // namespace
 
 void dropCutLines(std::vector<TextLine>& lines, const GreyBitmap& ink) {
@@ -45,6 +53,7 @@ void dropCutLines(std::vector<TextLine>& lines, const GreyBitmap& ink) {
     const auto cut = std::count_if(line.glyphs.begin(), line.glyphs.end(), [&](const Glyph& glyph) {
       return isAtEdge(glyph.box) || glyph.width() >= 3 * glyph.height();
     });
+    if (isCorner(line, ink)) return true;
     return isAtEdge(line.box) && 2 * line.box.height() < usual &&
            2 * static_cast<std::size_t>(cut) > line.glyphs.size();
   });
