@@ -178,6 +178,11 @@ TEST(QuotationStrokes, TheSecondStrokeOfAMarkIsToldFromLettersThatItTouches) {
   EXPECT_FALSE(isClear({{23, 2, 24, 14}})) << "an l";
   EXPECT_FALSE(isClear({{23, 2, 34, 3}, {28, 4, 29, 14}, {23, 4, 24, 5}})) << "a T with serifs";
   EXPECT_FALSE(isClear({{27, 2, 28, 6}})) << "far away";
+  // The ink at the left edge is of the rows below, not beyond the right one.
+  GreyBitmap narrow(25, 20, 0);
+  for (const PixelBox& box : {mark.box, PixelBox{23, 2, 24, 6}, PixelBox{0, 3, 0, 7}})
+    fillBox(narrow, box, 255);
+  EXPECT_TRUE(hasClearTwin(mark, narrow)) << "at the edge of the image";
 }
 
 TEST(Clusters, PointsBeneathQuotationMarksAreNoPartsOfThem) {
@@ -328,6 +333,7 @@ TEST(CutLines, GoWhereTheSelectionShowsLessThanHalf) {
     return made;
   };
   EXPECT_EQ(tops({single({30, 12, 99, 59})}), Tops()) << "the corner of a frame";
+  EXPECT_EQ(tops({single({80, 40, 99, 59})}), (Tops{40})) << "a letter cut out tightly";
   EXPECT_EQ(tops({single({60, 12, 99, 50})}), (Tops{12})) << "a letter at one side";
 }
 

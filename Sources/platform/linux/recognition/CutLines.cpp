@@ -31,9 +31,11 @@ void dropCutGlyphs(TextLine& line, const GreyBitmap& ink) {
 /// Whether all there is of a line is one stroke that runs out of the image at two sides: the corner of a
 /// frame.
 bool isCorner(const TextLine& line, const GreyBitmap& ink) {
+  constexpr int least = 40;  // A smaller letter may be all that was selected.
   const PixelBox& box = line.box;
   const bool isAtSide = box.left == 0 || box.right == ink.width - 1;
-  return line.glyphs.size() == 1 && isAtSide && (box.top == 0 || box.bottom == ink.height - 1);
+  return line.glyphs.size() == 1 && box.height() >= least && isAtSide &&
+         (box.top == 0 || box.bottom == ink.height - 1);
 }
 
 }  // namespace

@@ -147,8 +147,9 @@ std::optional<Twin> twinOf(const PixelBox& mark, int edge, int step, const GreyB
   if (!reaches(mark.top) || reaches(mark.top - 1)) return std::nullopt;
   Twin twin{std::abs(first - edge) - 1, mark.bottom, true};
   while (reaches(twin.bottom + 1)) ++twin.bottom;
-  for (int y = mark.top; y <= middle; ++y)
-    twin.isFree = twin.isFree && 2 * ink.at(last + step, y) < std::max(ink.at(first, y), ink.at(last, y));
+  const int beyond = last + step;
+  for (int y = mark.top; y <= middle && ink.contains(beyond, y); ++y)
+    twin.isFree = twin.isFree && 2 * ink.at(beyond, y) < std::max(ink.at(first, y), ink.at(last, y));
   return twin;
 }
 

@@ -3,7 +3,6 @@
 #include <QCoreApplication>
 #include <algorithm>
 #include <limits>
-#include <span>
 #include <utility>
 
 #include "platform/linux/x11/Connection.h"
@@ -107,7 +106,8 @@ platform::Rect Struts::workArea(const platform::Rect& monitor) const {
   return left < right && top < bottom ? platform::Rect{{left, top}, {right - left, bottom - top}} : monitor;
 }
 
-bool Struts::nativeEventFilter(const QByteArray&, void* message, qintptr*) {
+bool Struts::nativeEventFilter(const QByteArray& eventType, void* message, qintptr*) {
+  if (eventType != "xcb_generic_event_t") return false;
   const auto& event = *static_cast<xcb_generic_event_t*>(message);
   if ((event.response_type & 0x7F) != XCB_PROPERTY_NOTIFY) return false;
   const auto& property = reinterpret_cast<const xcb_property_notify_event_t&>(event);
