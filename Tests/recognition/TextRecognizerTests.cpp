@@ -172,6 +172,56 @@ TEST(TextRecognizer, LinesDrawnAroundTextAreNoText) {
     EXPECT_THAT(linesOf(picture), ElementsAre("Save the changes"));
 }
 
+/// Black rectangles on white.
+Image drawingOf(int size, std::initializer_list<platform::Rect> parts) {
+  Page page(size, size);
+  for (const auto& [origin, extent] : parts)
+    page.lay(invertedPicture(Page(static_cast<int>(extent.width), static_cast<int>(extent.height)).image()),
+             static_cast<int>(origin.x), static_cast<int>(origin.y));
+  return page.image();
+}
+
+TEST(TextRecognizer, IconsBesideTextAreNoText) {
+  const Image folder = drawingOf(20, {{{0, 2}, {8, 3}},
+                                      {{0, 5}, {20, 2}},
+                                      {{0, 16}, {20, 2}},
+                                      {{0, 5}, {2, 12}},
+                                      {{18, 5}, {2, 12}},
+                                      {{6, 10}, {8, 2}}});
+  const Image download = drawingOf(20, {{{9, 0}, {3, 12}},
+                                        {{5, 8}, {11, 2}},
+                                        {{7, 10}, {7, 2}},
+                                        {{0, 13}, {2, 6}},
+                                        {{18, 13}, {2, 6}},
+                                        {{0, 18}, {20, 2}}});
+  const Image battery = drawingOf(20, {{{3, 2}, {14, 2}},
+                                       {{7, 0}, {6, 2}},
+                                       {{3, 18}, {14, 2}},
+                                       {{3, 2}, {2, 17}},
+                                       {{15, 2}, {2, 17}},
+                                       {{7, 9}, {6, 7}}});
+  const auto row = [](Page& page, const Image& icon, const char* label, int y) {
+    page.lay(pictureOf({label}), 20, y).lay(icon, 6, y + 18);
+  };
+  Page sidebar(180, 170);
+  row(sidebar, folder, "Documents", 0);
+  row(sidebar, download, "Downloads", 45);
+  row(sidebar, battery, "Power", 90);
+  EXPECT_THAT(linesOf(sidebar.image()), ElementsAre("Documents", "Downloads", "Power"));
+  Page button(180, 60);
+  row(button, download, "Save as", 0);
+  EXPECT_THAT(linesOf(button.image()), ElementsAre("Save as"));
+  // What is larger than the words beside it may be text all the same.
+  const Image count = Page(220, 120)
+                          .lay(pictureOf({"7"}, {.size = 34}), 0, 0)
+                          .lay(pictureOf({"open issues"}, {.size = 14}), 52, 26)
+                          .image();
+  EXPECT_THAT(linesOf(count), ElementsAre("7 open issues"));
+  const Image clause =
+      Page(260, 60).lay(pictureOf({"(a)"}), 0, 0).lay(pictureOf({"the first"}), 40, 0).image();
+  EXPECT_THAT(linesOf(clause), ElementsAre("(a) the first"));
+}
+
 TEST(TextRecognizer, EveryRegionHasItsOwnGround) {
   const Image page =
       Page(420, 180)

@@ -21,6 +21,9 @@ struct PixelBox {
   int width() const { return right - left + 1; }
   int height() const { return bottom - top + 1; }
   std::int64_t area() const { return std::int64_t{width()} * height(); }
+  bool contains(const PixelBox& other) const {
+    return other.left >= left && other.right <= right && other.top >= top && other.bottom <= bottom;
+  }
   bool operator==(const PixelBox&) const = default;
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <limits>
+#include <memory>
 #include <numeric>
 #include <utility>
 
@@ -15,6 +16,7 @@
 #include "platform/linux/recognition/CutLines.h"
 #include "platform/linux/recognition/FileTypes.h"
 #include "platform/linux/recognition/GlyphCorrections.h"
+#include "platform/linux/recognition/Icons.h"
 #include "platform/linux/recognition/LanguageChoice.h"
 #include "platform/linux/recognition/LineImage.h"
 #include "platform/linux/recognition/LineShapes.h"
@@ -120,6 +122,12 @@ LineDraft draftOf(Engine& engine, const GreyBitmap& ink, const TextLine& line) {
       readings.push_back(readRendition(engine, ink, draft, rendition).symbols);
     draft.symbols = vote(std::move(readings), shapes);
     correctByShape(draft.symbols, shapes);
+  }
+  if (std::optional<TextLine> rest = withoutIcons(line, draft.symbols)) {
+    const auto own = std::make_shared<const TextLine>(std::move(*rest));
+    draft = draftOf(engine, ink, *own);
+    draft.ownLine = own;
+    return draft;
   }
   correctBullets(draft.symbols, draft.letters, ink, line);
   correctSuperscripts(draft.symbols, shapes, ink);

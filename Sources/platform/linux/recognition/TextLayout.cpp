@@ -1,17 +1,16 @@
 #include "platform/linux/recognition/TextLayout.h"
 
-#include <leptonica/allheaders.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <iterator>
-#include <memory>
 #include <optional>
 #include <tuple>
 #include <utility>
 
 #include "platform/linux/recognition/Columns.h"
+#include "platform/linux/recognition/ConnectedPieces.h"
+#include "platform/linux/recognition/Icons.h"
 #include "platform/linux/recognition/Level.h"
 #include "platform/linux/recognition/Rows.h"
 #include "platform/linux/recognition/Underlines.h"
@@ -32,25 +31,9 @@ std::optional<int> inkThreshold(const GreyBitmap& ink) {
   return std::max(faint, levelAt(std::move(values), 0.95) * 1 / 4);
 }
 
-Glyphs connectedPieces(const GreyBitmap& ink, int threshold) {
-  struct Destroy {
-    void operator()(Pix* pix) const { pixDestroy(&pix); }
-    void operator()(Boxa* boxes) const { boxaDestroy(&boxes); }
-  };
-  const std::unique_ptr<Pix, Destroy> bits(pixCreate(ink.width, ink.height, 1));
-  if (!bits) throw std::bad_alloc();
-  for (int y = 0; y < ink.height; ++y) {
-    l_uint32* const line = pixGetData(bits.get()) + static_cast<std::ptrdiff_t>(y) * pixGetWpl(bits.get());
-    for (int x = 0; x < ink.width; ++x)
-      if (ink.at(x, y) >= threshold) SET_DATA_BIT(line, x);
-  }
-  const std::unique_ptr<Boxa, Destroy> boxes(pixConnCompBB(bits.get(), 8));
+Glyphs glyphsIn(const GreyBitmap& ink, int threshold) {
   Glyphs glyphs;
-  for (int i = 0; boxes && i < boxaGetCount(boxes.get()); ++i) {
-    int x = 0, y = 0, width = 0, height = 0;
-    boxaGetBoxGeometry(boxes.get(), i, &x, &y, &width, &height);
-    glyphs.push_back({{x, y, x + width - 1, y + height - 1}});
-  }
+  for (const PixelBox& box : connectedPieces(ink, threshold)) glyphs.push_back({box});
   return glyphs;
 }
 
@@ -268,10 +251,10 @@ PixelBox boxAround(const std::vector<Glyph>& glyphs) {
 std::vector<TextLine> findTextLines(GreyBitmap& ink, Characters characters) {
   const std::optional<int> threshold = inkThreshold(ink);
   if (!threshold) return {};
-  Glyphs glyphs = connectedPieces(ink, *threshold);
+  Glyphs glyphs = glyphsIn(ink, *threshold);
   const int usual = usualHeightWithin(glyphs, characters);
   if (usual == 0) return {};
-  if (eraseUnderlines(ink, glyphs, usual, *threshold)) glyphs = connectedPieces(ink, *threshold);
+  if (eraseUnderlines(ink, glyphs, usual, *threshold)) glyphs = glyphsIn(ink, *threshold);
   Glyphs kept;
   std::copy_if(glyphs.begin(), glyphs.end(), std::back_inserter(kept), [&](const Glyph& glyph) {
     return !isRuleOrFrame(glyph, glyphs, usual, ink) && !isCaretAtEdge(glyph, glyphs, usual, ink.width);
@@ -279,7 +262,15 @@ std::vector<TextLine> findTextLines(GreyBitmap& ink, Characters characters) {
   if (const auto caret = caretIn(kept, usual, characters))
     kept.erase(kept.begin() + static_cast<std::ptrdiff_t>(*caret));
   if (isCorner(kept, ink)) return {};
-  return linesInReadingOrder(kept, characters);
+  if (characters == Characters::wide) return linesInReadingOrder(kept, characters);
+  const std::vector<MaybeIcon> icons = takeIcons(kept, ink, usual);
+  std::vector<TextLine> lines = linesInReadingOrder(kept, characters);
+  for (TextLine& line : lines)
+    std::copy_if(icons.begin(), icons.end(), std::back_inserter(line.maybeIcons), [&](const MaybeIcon& icon) {
+      return std::any_of(line.glyphs.begin(), line.glyphs.end(),
+                         [&](const Glyph& glyph) { return icon.box.contains(glyph.box); });
+    });
+  return lines;
 }
 
 }  // namespace lumiscan::desktop

@@ -27,12 +27,20 @@ struct Cells {
   bool areFilledBy(int width) const { return width >= 0.92 * pitch; }
 };
 
+/// Ink beside words that may be an icon rather than text. The box in pixels of the image.
+struct MaybeIcon {
+  PixelBox box;
+  bool looksLikeText;  ///< Of one piece that looks like a character.
+  bool standsOnLine;   ///< As letters do that don't reach below the baseline.
+};
+
 /// The glyphs of one line of text, from left to right.
 struct TextLine {
   std::vector<Glyph> glyphs;
   PixelBox box;                               ///< Around the glyphs.
   int letterHeight = 0;                       ///< The usual height of the letters around it.
   int baseline = 0;                           ///< The row below the feet of most letters.
+  std::vector<MaybeIcon> maybeIcons = {};     ///< That stand before or behind its words.
   std::optional<Cells> cells = std::nullopt;  ///< Where characters have one width: see `findCells`.
 };
 
