@@ -53,7 +53,7 @@ benchmark_packages=(
   fonts-lato fonts-inter fonts-hack fonts-firacode fonts-jetbrains-mono
   fonts-noto-cjk fonts-ipafont-gothic fonts-nanum fonts-wqy-microhei
   fortunes fortunes-de perl-modules-5.36 libpython3.11-stdlib libstdc++-12-dev linux-libc-dev cmake-data
-  gnome-user-docs debian-reference-zh-tw nautilus-data libgtk-3-common
+  gnome-user-docs debian-reference-zh-tw nautilus-data libgtk-3-common adwaita-icon-theme
   "${language_packages[@]}"
 )
 

@@ -11,6 +11,7 @@ import numpy
 from PIL import Image
 
 from canvas import ROOM
+from icons import icon_element
 from sample import WITH_LIGATURES
 
 # Chromium draws no larger picture without a graphics processor.
@@ -58,6 +59,8 @@ def _breadth(text):
 def _cell_size(sample):
     """In the page's pixels, in fours to be whole pixels of the picture. Generous: it is cropped later."""
     longest = sum(max(_breadth(line.text) for line in block) for block in sample.blocks)
+    # With room for an icon.
+    longest += sum(2 + 36 / sample.size for block in sample.blocks if block[0].icon)
     width = (
         longest * sample.size * 0.8 + 3 * sample.size + sample.gap * len(sample.blocks) + 2 * _room(sample)
     )
@@ -79,6 +82,9 @@ def _cell(sample, y, size):
             spans = "".join(
                 f'<span style="color:{colour}">{html.escape(text)}</span>' for text, colour in line.spans
             )
+            if line.icon:
+                colour = line.spans[0][1]
+                spans = icon_element(line.icon, sample.icon_size, sample.icon_gap, colour) + spans
             blocks += f'<div class="line" style="height:{sample.line_height}px;{ground}">{spans}</div>'
         blocks += "</div>"
     place = f"top:{y}px;width:{size[0]}px;height:{size[1]}px;background:{sample.theme.background}"

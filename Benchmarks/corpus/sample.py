@@ -5,6 +5,7 @@ import re
 from dataclasses import dataclass, field
 
 import passages
+from icons import icons_of
 from phrases import Phrases
 from themes import THEMES, coloured
 from translations import TRANSLATED_KINDS, fonts_of, translated_lines
@@ -23,6 +24,9 @@ KINDS = {
     "table": 5,
     "empty": 5,
 }
+
+# Labels with icons, which are no part of it.
+WITH_ICONS = "icons"
 
 PROPORTIONAL = [
     "DejaVu Sans",
@@ -53,6 +57,7 @@ HINTING = ["none", "slight", "slight", "full"]
 class Line:
     spans: list  # of (text, colour)
     background: str | None = None
+    icon: str | None = None  # the path of one before the text
 
     @property
     def text(self):
@@ -76,6 +81,8 @@ class Sample:
     hinting: str = "slight"
     blocks: list = field(default_factory=list)  # side by side; each a list of Line
     gap: int = 24  # between blocks
+    icon_size: int = 16
+    icon_gap: int = 8  # between an icon and its text
     crop: str = "snug"
     margins: tuple = (8, 8, 8, 8)  # left, top, right, bottom, in pixels of the image
     decoration: str = "none"
@@ -162,6 +169,14 @@ def _interface_lines(random, phrases, theme):
     return lines
 
 
+def _lines_with_icons(random, half, phrases, theme):
+    icons = icons_of(half)
+    lines = _plain([phrases.label() for _ in range(random.choice([1, 2, 3, 4, 6, 8]))], theme)
+    for line in lines:
+        line.icon = random.choice(icons)
+    return lines
+
+
 def _table(random, phrases, theme):
     makers = random.sample(
         [phrases.label, phrases.file_name, phrases.time, phrases.amount, phrases.version, phrases.word],
@@ -204,6 +219,12 @@ def _fill(sample, random):
         ]
     elif sample.kind == "interface":
         sample.blocks = [_interface_lines(random, phrases, theme)]
+    elif sample.kind == WITH_ICONS:
+        lines = _lines_with_icons(random, half, phrases, theme)
+        sample.icon_size, sample.icon_gap = random.choice([16, 16, 20, 24]), random.choice([6, 8, 12])
+        sample.line_height = max(sample.line_height, sample.icon_size + random.choice([4, 8, 16]))
+        sample.by_rows = random.random() < 0.25  # a tool bar
+        sample.blocks = [[line] for line in lines[:4]] if sample.by_rows else [lines]
     elif sample.kind == "word":
         sample.blocks = [_plain([phrases.datum()], theme)]
     elif sample.kind == "columns":
@@ -221,6 +242,8 @@ def make_sample(kind, half, number, renderer):
         sample.renderer = "none"
         return sample
     sample.theme = random.choice(THEMES)
+    if kind == WITH_ICONS:
+        sample.renderer = "chromium"
     monospaced = kind in ("code", "terminal") or kind == "table" and random.random() < 0.3
     ligatures = [] if sample.renderer == "qt" else WITH_LIGATURES
     sample.font = random.choice(MONOSPACED + ligatures if monospaced else PROPORTIONAL)

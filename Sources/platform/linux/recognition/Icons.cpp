@@ -25,6 +25,7 @@ struct Neighbour {
   int top;        // Of its highest letter.
   int baseline;   // The row below the feet of most letters.
   int gapBeyond;  // From the icon to what is on its other side.
+  bool isRough;   // Of words whose letters touch.
 };
 
 /// The metrics of what may be letters, of at least `least` pixels; nothing for fewer than `fewest` of them.
@@ -38,7 +39,7 @@ std::optional<Neighbour> metricsOf(const Glyphs& glyphs, int least, std::size_t 
     top = std::min(top, glyph.box.top);
   }
   if (heights.size() < fewest) return std::nullopt;
-  return Neighbour{levelAt(std::move(heights), 0.5), top, levelAt(std::move(bottoms), 0.5) + 1, 0};
+  return Neighbour{levelAt(std::move(heights), 0.5), top, levelAt(std::move(bottoms), 0.5) + 1, 0, false};
 }
 
 /// Glyphs from left to right, to be found by their place.
@@ -102,7 +103,15 @@ class Surroundings {
       run.push_back(glyph);
       box = boxAround(run);
     }
-    std::optional<Neighbour> text = metricsOf(run, (3 * usual_ + 4) / 5, 3);
+    const int least = (7 * usual_ + 9) / 10;
+    std::optional<Neighbour> text = metricsOf(run, least, 3);
+    const bool areTouching = std::any_of(run.begin(), run.end(), [this](const Glyph& glyph) {
+      return glyph.width() >= 2 * usual_ && 10 * glyph.height() >= 9 * usual_;
+    });
+    if (!text && areTouching && (text = metricsOf(run, least, 1))) {
+      text->letterHeight = usual_;
+      text->isRough = true;
+    }
     if (text) text->gapBeyond = gapBeyond;
     return text;
   }
@@ -192,7 +201,7 @@ Judgement judge(const PixelBox& box, const Surroundings& surroundings, const Gre
   if (standsOnLine && hasCharacters(glyphs, ink, height * 3 / 4, box.bottom + 1)) return judgement;
   if (isLargeText(glyphs, ink, box)) return judgement;
   constexpr int smallest = 7;  // Smaller letters touch, and have no heights of so few pixels to tell by.
-  const bool isSure = isOut && isCentred(box, *text) && text->letterHeight >= smallest;
+  const bool isSure = isOut && isCentred(box, *text) && text->letterHeight >= smallest && !text->isRough;
   judgement.kind = isSure ? Kind::icon : maybe;
   return judgement;
 }
@@ -223,7 +232,7 @@ void judgeColumns(std::vector<Judgement>& judgements, int usual) {
 
 /// Whether what was read where there may be an icon is no text.
 bool isReadAsIcon(const MaybeIcon& icon, const std::vector<Symbol>& symbols) {
-  std::size_t count = 0, matching = 0, letters = 0;
+  std::size_t count = 0, matching = 0, letters = 0, descenders = 0;
   double confidence = 100;
   for (const Symbol& symbol : symbols) {
     const int middle = (symbol.box.left + symbol.box.right) / 2;
@@ -231,6 +240,7 @@ bool isReadAsIcon(const MaybeIcon& icon, const std::vector<Symbol>& symbols) {
     ++count;
     matching += symbol.isLikely;
     letters += isWordCharacter(symbol);
+    descenders += std::string_view("gjpqyJQ").find(symbol.text) != std::string_view::npos;
     confidence = std::min(confidence, symbol.confidence);
   }
   if (count == 0) return false;
@@ -239,8 +249,13 @@ bool isReadAsIcon(const MaybeIcon& icon, const std::vector<Symbol>& symbols) {
   constexpr double sure = 97;
   constexpr double ofTwo = 94;
   constexpr double ofWord = 70;
-  if (count == 1) return !icon.standsOnLine || (confidence < sure && matching + letters < 2);
+  constexpr int small = 9;  // Pixels: higher letters have a shape.
+  if (count == 1)
+    return !icon.standsOnLine || (matching == 0 && icon.box.height() > small) ||
+           (confidence < sure && matching + letters < 2);
   if (letters < count) return confidence < sure;
+  const bool hasDescender = descenders > 0 || icon.standsOnLine;
+  if (!hasDescender && 2 * matching < count && count <= 3 && icon.box.height() > small) return true;
   return confidence < (count == 2 && !icon.standsOnLine ? ofTwo : ofWord);
 }
 
@@ -272,6 +287,7 @@ std::vector<MaybeIcon> takeIcons(Glyphs& glyphs, const GreyBitmap& ink, int usua
 }
 
 std::optional<TextLine> withoutIcons(const TextLine& line, const std::vector<Symbol>& symbols) {
+  if (line.cells) return std::nullopt;  // Code has none, but many a sign that stands apart.
   std::vector<PixelBox> icons;
   for (const MaybeIcon& icon : line.maybeIcons)
     if (isReadAsIcon(icon, symbols)) icons.push_back(icon.box);
