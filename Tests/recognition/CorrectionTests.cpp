@@ -12,6 +12,7 @@
 #include "platform/linux/recognition/FileTypes.h"
 #include "platform/linux/recognition/GlyphCorrections.h"
 #include "platform/linux/recognition/Numbers.h"
+#include "platform/linux/recognition/Plausibility.h"
 #include "platform/linux/recognition/QuotationStrokes.h"
 #include "platform/linux/recognition/Spacing.h"
 
@@ -364,6 +365,42 @@ TEST(Bullets, AreDiscsAtTheMiddleOfSmallLetters) {
   EXPECT_EQ(read(8), "•") << "a pixel above the middle";
   EXPECT_EQ(read(9), "•");
   EXPECT_EQ(read(5), "*") << "a mark that stands high";
+}
+
+std::vector<std::string> plausible(std::vector<ReadLine> lines) {
+  dropImplausible(lines);
+  std::vector<std::string> texts;
+  for (const ReadLine& line : lines) texts.push_back(line.text);
+  return texts;
+}
+
+TEST(Plausibility, LettersInPicturesVouchForNothing) {
+  using Texts = std::vector<std::string>;
+  const ReadLine grain{"* = s", 54, 62, 5, 3, 0, 3};
+  const ReadLine marks{"; ::", 99, 99, 4, 3, 3, 3};
+  const ReadLine caption{"Sunset over the lake", 95, 98, 9, 17, 16, 17};
+  std::vector<ReadLine> photograph(60, grain);
+  photograph.push_back(marks);
+  EXPECT_EQ(plausible(photograph), Texts{});
+  photograph.insert(photograph.begin(), caption);
+  photograph.insert(photograph.begin(), 20, grain);
+  EXPECT_EQ(plausible(photograph), Texts{caption.text});
+  EXPECT_EQ(plausible({caption, grain}).size(), 2U) << "a line of text vouches for another beside it";
+  // Of a chart's line, of a row of icons, of an icon alone and of one beside others.
+  EXPECT_EQ(plausible({{"SSS SS", 58, 95, 65, 5, 0, 1}}), Texts{});
+  EXPECT_EQ(plausible({{"4 Q{> D® +", 16, 60, 26, 8, 5, 9}}), Texts{});
+  EXPECT_EQ(plausible({{"B", 91, 99, 31, 1, 0, 1}}), Texts{});
+  const ReadLine cross{"x", 92, 99, 27, 1, 1, 1};
+  EXPECT_EQ(plausible({cross, {">@e", 36, 63, 27, 3, 0, 2}}), Texts{});
+}
+
+TEST(Plausibility, ShortTextsAreKept) {
+  for (const ReadLine& line : std::vector<ReadLine>{{"B", 91, 99, 13, 1, 1, 1},
+                                                    {"a", 91, 99, 6, 1, 0, 1},
+                                                    {"42 ms", 45, 90, 9, 4, 2, 4},
+                                                    {"@_region__", 55, 96, 8, 7, 0, 4},
+                                                    {"A title with", 75, 63, 15, 10, 6, 10}})
+    EXPECT_EQ(plausible({line}), std::vector<std::string>{line.text});
 }
 
 }  // namespace

@@ -51,7 +51,11 @@ bool isSureOfCharacters(const ReadLine& line) {
   constexpr std::size_t severalLikely = 3;
   const double leastSureness = line.likely >= severalLikely ? 90 : 95;
   constexpr int leastRun = 3;
+  constexpr double leastConfidence = 60;
   if (line.symbols < fewest || line.sureness < leastSureness || line.pieces > line.symbols + 1) return false;
+  // The line of a chart is read as a few letters that are alike.
+  if (line.likely < severalLikely && line.confidence < leastConfidence && !hasLongWord(line.text))
+    return false;
   int run = 0;
   return std::any_of(line.text.begin(), line.text.end(), [&](char c) {
     run = std::isalnum(static_cast<unsigned char>(c)) ? run + 1 : 0;
@@ -68,7 +72,11 @@ bool isSureOfTouching(const ReadLine& line) {
 }
 
 bool isSure(const ReadLine& line) {
-  if (line.likely >= 3 && 2 * line.likely >= line.symbols) return true;
+  // Some icons look like letters, but the engine makes no sense of them.
+  constexpr double fair = 65;
+  if (line.likely >= 3 && 2 * line.likely >= line.symbols &&
+      (4 * line.likely >= 3 * line.symbols || line.sureness >= fair || line.confidence >= fair))
+    return true;
   const std::size_t letters = lettersIn(line.text);
   if (letters < 3 || (line.likely == 0 && !hasTouchingLetters(line))) return false;
   return line.confidence >= 85 ||
@@ -83,6 +91,11 @@ bool isLoneLabel(const ReadLine& line) {
   if (line.symbols == 1 && letters == 0 &&
       (line.confidence < 90 || line.text.find_first_of(":;()[]{}") != std::string::npos))
     return false;
+  // A letter alone has a shape, but for the smallest.
+  constexpr int small = 9;
+  if (line.symbols == 1 && line.likely == 0 && line.letterHeight > small) return false;
+  // Of words in letters of several heights only some look like themselves.
+  if (letters >= 3 && line.likely >= 2 && 2 * line.likely >= line.symbols && line.sureness >= 88) return true;
   const double leastOfShapes = line.symbols == 1 ? 70 : letters > 1 ? 20 : 40;
   if (line.likely == line.symbols && !isStroke && line.confidence >= leastOfShapes) return true;
   // Small letters touch. Where the engine is sure of each, it is less so of a word that it doesn't know.
@@ -100,11 +113,25 @@ void dropImplausible(std::vector<ReadLine>& lines) {
   constexpr std::size_t mostLabels = 3;
   const bool areFew = lines.size() <= mostLabels;
   std::vector<int> sureHeights;
-  for (const ReadLine& line : lines)
-    if (isSure(line) || (areFew && isSureOfCharacters(line))) sureHeights.push_back(line.letterHeight);
+  std::size_t symbols = 0, sure = 0;
+  for (const ReadLine& line : lines) {
+    symbols += line.symbols;
+    if (!isSure(line) && !(areFew && isSureOfCharacters(line))) continue;
+    sureHeights.push_back(line.letterHeight);
+    sure += line.symbols;
+  }
+  // Amid what was read into a photograph, lines that seem sure vouch for nothing but themselves.
+  constexpr std::size_t leastShare = 12;
+  if (!areFew && leastShare * sure < symbols) {
+    std::erase_if(lines, [](const ReadLine& line) { return !isSure(line) || lettersIn(line.text) < 3; });
+    return;
+  }
   if (sureHeights.empty()) {
-    if (!areFew) return lines.clear();
-    std::erase_if(lines, [](const ReadLine& line) { return !isLoneLabel(line); });
+    // What looks like a character beside what is none is no text either.
+    const bool areLabels = std::all_of(lines.begin(), lines.end(), isLoneLabel);
+    std::erase_if(lines, [areLabels](const ReadLine& line) {
+      return !isLoneLabel(line) || (!areLabels && line.symbols == 1);
+    });
     return;
   }
   const auto [smallest, largest] = std::minmax_element(sureHeights.begin(), sureHeights.end());
