@@ -177,6 +177,7 @@ struct Judgement {
   MaybeIcon block;
   Kind kind = Kind::text;
   bool isBeside = false;  // Whether it stands where icons do: apart, before or behind the words of a line.
+  bool isWord = false;    // Whether there are characters among several on the line.
 };
 
 Judgement judge(const PixelBox& box, const Surroundings& surroundings, const GreyBitmap& ink, int usual) {
@@ -194,6 +195,7 @@ Judgement judge(const PixelBox& box, const Surroundings& surroundings, const Gre
   judgement.block.standsOnLine = standsOnLine;
   if (hasCharacters(glyphs, ink, text->letterHeight, text->baseline)) {
     judgement.block.looksLikeText = clustersOf(glyphs).size() == 1;
+    judgement.isWord = !judgement.block.looksLikeText && standsOnLine;
     if (judgement.block.looksLikeText || (isOut && judgement.isBeside)) judgement.kind = maybe;
     return judgement;
   }
@@ -226,7 +228,8 @@ void judgeColumns(std::vector<Judgement>& judgements, int usual) {
       return std::upper_bound(column.begin(), column.end(), middle + reach) -
              std::lower_bound(column.begin(), column.end(), middle - reach);
     };
-    if (judgement.isBeside && countIn(icons) > 0 && countIn(candidates) > 1) judgement.kind = Kind::icon;
+    if (judgement.isBeside && !judgement.isWord && countIn(icons) > 0 && countIn(candidates) > 1)
+      judgement.kind = Kind::icon;
   }
 }
 
