@@ -208,6 +208,14 @@ TEST(TextRecognizer, IconsBesideTextAreNoText) {
   row(sidebar, download, "Downloads", 45);
   row(sidebar, battery, "Power", 90);
   EXPECT_THAT(linesOf(sidebar.image()), ElementsAre("Documents", "Downloads", "Power"));
+  // Numbers are text, also in the column of the icons.
+  Page steps(220, 190);
+  steps.lay(pictureOf({"Documents"}), 26, 0).lay(folder, 12, 18);
+  steps.lay(pictureOf({"Power"}), 26, 45).lay(battery, 12, 63);
+  steps.lay(pictureOf({"7"}), 0, 90).lay(pictureOf({"Open the folder"}), 26, 90);
+  steps.lay(pictureOf({"4"}), 0, 130).lay(pictureOf({"Save the file"}), 26, 130);
+  EXPECT_THAT(linesOf(steps.image()),
+              ElementsAre("Documents", "Power", "7 Open the folder", "4 Save the file"));
   Page button(180, 60);
   row(button, download, "Save as", 0);
   EXPECT_THAT(linesOf(button.image()), ElementsAre("Save as"));

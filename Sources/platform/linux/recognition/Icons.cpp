@@ -8,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/linux/recognition/CodePoints.h"
 #include "platform/linux/recognition/ConnectedPieces.h"
 #include "platform/linux/recognition/Level.h"
 #include "platform/linux/recognition/LineShapes.h"
@@ -101,7 +102,7 @@ class Surroundings {
       const int gap = std::max(glyph.box.left - box.right, box.left - glyph.box.right);
       if (2 * gap >= 3 * usual_) break;
       run.push_back(glyph);
-      box = boxAround(run);
+      box = boxAround({{box}, glyph});
     }
     const int least = (7 * usual_ + 9) / 10;
     std::optional<Neighbour> text = metricsOf(run, least, 3);
@@ -127,8 +128,8 @@ bool reachesOut(const PixelBox& box, const Neighbour& text) {
   const double down = box.bottom + 1 - text.baseline;
   const double aboveText = text.top - box.top;
   const bool isHigher = up > 1.5 * letter + 1 && aboveText >= 0.1 * letter;
-  return (isHigher && (down >= 0.1 * letter || aboveText >= 0.35 * letter)) ||
-         down >= std::max(0.7 * letter, 0.5 * letter + 2);
+  // What is higher but stands on the line may be a capital with its accent.
+  return (isHigher && 8 * down > letter) || down >= std::max(0.7 * letter, 0.5 * letter + 2);
 }
 
 /// Whether a block reaches a little further than capitals both up and down.
@@ -177,7 +178,7 @@ struct Judgement {
   MaybeIcon block;
   Kind kind = Kind::text;
   bool isBeside = false;  // Whether it stands where icons do: apart, before or behind the words of a line.
-  bool isWord = false;    // Whether there are characters among several on the line.
+  bool isText = false;    // Whether it has characters that are as high as those of the line.
 };
 
 Judgement judge(const PixelBox& box, const Surroundings& surroundings, const GreyBitmap& ink, int usual) {
@@ -187,7 +188,7 @@ Judgement judge(const PixelBox& box, const Surroundings& surroundings, const Gre
   const std::optional<Neighbour> text = surroundings.textBeside(box);
   const Glyphs glyphs = surroundings.within(box);
   if (!text || glyphs.empty()) return judgement;
-  judgement.isBeside = 2 * text->gapBeyond >= 5 * usual;
+  judgement.isBeside = 2 * text->gapBeyond >= 5 * usual && 2 * height > usual;  // A point is none.
   if (10 * height < 9 * usual || width > 2 * height || height > 2 * width) return judgement;
   const bool isOut = reachesOut(box, *text);
   const Kind maybe = judgement.isBeside || reachesAround(box, *text) ? Kind::maybe : Kind::text;
@@ -195,47 +196,64 @@ Judgement judge(const PixelBox& box, const Surroundings& surroundings, const Gre
   judgement.block.standsOnLine = standsOnLine;
   if (hasCharacters(glyphs, ink, text->letterHeight, text->baseline)) {
     judgement.block.looksLikeText = clustersOf(glyphs).size() == 1;
-    judgement.isWord = !judgement.block.looksLikeText && standsOnLine;
+    judgement.isText = !judgement.block.looksLikeText || !reachesAround(box, *text);
     if (judgement.block.looksLikeText || (isOut && judgement.isBeside)) judgement.kind = maybe;
     return judgement;
   }
   // A number or a word in larger letters stands on the same line.
-  if (standsOnLine && hasCharacters(glyphs, ink, height * 3 / 4, box.bottom + 1)) return judgement;
-  if (isLargeText(glyphs, ink, box)) return judgement;
+  judgement.isText = (standsOnLine && hasCharacters(glyphs, ink, height * 3 / 4, box.bottom + 1)) ||
+                     isLargeText(glyphs, ink, box);
+  if (judgement.isText) return judgement;
   constexpr int smallest = 7;  // Smaller letters touch, and have no heights of so few pixels to tell by.
   const bool isSure = isOut && isCentred(box, *text) && text->letterHeight >= smallest && !text->isRough;
   judgement.kind = isSure ? Kind::icon : maybe;
   return judgement;
 }
 
-int middleOf(const Judgement& judgement) {
-  return (judgement.block.box.left + judgement.block.box.right) / 2;
+/// Icons stand in columns: near one above or below that surely is an icon, what may be one is, and near two
+/// that are or may be, all that stands apart from words and is no text.
+void judgeColumns(std::vector<Judgement>& judgements, int usual) {
+  struct Place {
+    int x, y;  // Of the middle.
+    Kind kind;
+  };
+  const auto placeOf = [](const Judgement& judgement) {
+    const PixelBox& box = judgement.block.box;
+    return Place{(box.left + box.right) / 2, (box.top + box.bottom) / 2, judgement.kind};
+  };
+  std::vector<Place> places;
+  for (const Judgement& judgement : judgements)
+    if (judgement.kind != Kind::text) places.push_back(placeOf(judgement));
+  std::sort(places.begin(), places.end(), [](const Place& a, const Place& b) { return a.x < b.x; });
+  const int aside = std::max(1, usual / 4);
+  const int apart = 12 * usual;
+  for (Judgement& judgement : judgements) {
+    if (!judgement.isBeside || judgement.isText) continue;
+    const Place here = placeOf(judgement);
+    std::size_t icons = 0, candidates = 0;
+    for (auto there = std::lower_bound(places.begin(), places.end(), here.x - aside,
+                                       [](const Place&place, int x) { return place.x < x; });
+         there != places.end() && there->x <= here.x + aside; ++there) {
+      if (std::abs(there->y - here.y) > apart) continue;
+      icons += there->kind == Kind::icon;
+      ++candidates;
+    }
+    if (icons > 0 && candidates > 1) judgement.kind = Kind::icon;
+  }
 }
 
-/// Icons stand in columns: above or below one that surely is an icon, what may be one is, and above or below
-/// it and another, all that stands apart from words.
-void judgeColumns(std::vector<Judgement>& judgements, int usual) {
-  std::vector<int> icons, candidates;
-  for (const Judgement& judgement : judgements) {
-    if (judgement.kind == Kind::icon) icons.push_back(middleOf(judgement));
-    if (judgement.kind != Kind::text) candidates.push_back(middleOf(judgement));
-  }
-  std::sort(icons.begin(), icons.end());
-  std::sort(candidates.begin(), candidates.end());
-  const int reach = std::max(1, usual / 4);
-  for (Judgement& judgement : judgements) {
-    const auto countIn = [&, middle = middleOf(judgement)](const std::vector<int>& column) {
-      return std::upper_bound(column.begin(), column.end(), middle + reach) -
-             std::lower_bound(column.begin(), column.end(), middle - reach);
-    };
-    if (judgement.isBeside && !judgement.isWord && countIn(icons) > 0 && countIn(candidates) > 1)
-      judgement.kind = Kind::icon;
-  }
+/// Whether a symbol is a letter whose shape the classifier doesn't know: it knows hardly any beyond ASCII.
+bool isLetterBeyondShapes(const Symbol& symbol) {
+  const char32_t letter = onlyCodePoint(symbol.text);
+  return letter > 0x7F && u_isalpha(static_cast<UChar32>(letter));
 }
 
 /// Whether what was read where there may be an icon is no text.
 bool isReadAsIcon(const MaybeIcon& icon, const std::vector<Symbol>& symbols) {
-  std::size_t count = 0, matching = 0, letters = 0, descenders = 0;
+  constexpr std::string_view belowLine = "gjpqyJQ";
+  std::size_t count = 0, matching = 0, letters = 0;
+  bool hasDescender = icon.standsOnLine;
+  bool hasUnknownLetter = false;
   double confidence = 100;
   for (const Symbol& symbol : symbols) {
     const int middle = (symbol.box.left + symbol.box.right) / 2;
@@ -243,23 +261,23 @@ bool isReadAsIcon(const MaybeIcon& icon, const std::vector<Symbol>& symbols) {
     ++count;
     matching += symbol.isLikely;
     letters += isWordCharacter(symbol);
-    descenders += std::string_view("gjpqyJQ").find(symbol.text) != std::string_view::npos;
+    hasDescender |= symbol.text.size() == 1 && belowLine.find(symbol.text) != std::string_view::npos;
+    hasUnknownLetter |= isLetterBeyondShapes(symbol);
     confidence = std::min(confidence, symbol.confidence);
   }
-  if (count == 0) return false;
+  constexpr double fair = 70;
+  constexpr double good = 94;
+  constexpr double sure = 97;
+  if (count == 0 || (hasUnknownLetter && confidence >= fair)) return false;
   if (icon.looksLikeText) return count == 1 && matching == 0 && !icon.standsOnLine;
   // Letters that touch have no shape, but the engine reads them well.
-  constexpr double sure = 97;
-  constexpr double ofTwo = 94;
-  constexpr double ofWord = 70;
   constexpr int small = 9;  // Pixels: higher letters have a shape.
   if (count == 1)
     return !icon.standsOnLine || (matching == 0 && icon.box.height() > small) ||
            (confidence < sure && matching + letters < 2);
   if (letters < count) return confidence < sure;
-  const bool hasDescender = descenders > 0 || icon.standsOnLine;
   if (!hasDescender && 2 * matching < count && count <= 3 && icon.box.height() > small) return true;
-  return confidence < (count == 2 && !icon.standsOnLine ? ofTwo : ofWord);
+  return confidence < (count == 2 && !icon.standsOnLine ? good : fair);
 }
 
 void eraseWithin(Glyphs& glyphs, const std::vector<PixelBox>& boxes) {
@@ -290,7 +308,7 @@ std::vector<MaybeIcon> takeIcons(Glyphs& glyphs, const GreyBitmap& ink, int usua
 }
 
 std::optional<TextLine> withoutIcons(const TextLine& line, const std::vector<Symbol>& symbols) {
-  if (line.cells) return std::nullopt;  // Code has none, but many a sign that stands apart.
+  if (line.cells) return std::nullopt;  // Code has hardly any, but many a sign that stands apart.
   std::vector<PixelBox> icons;
   for (const MaybeIcon& icon : line.maybeIcons)
     if (isReadAsIcon(icon, symbols)) icons.push_back(icon.box);

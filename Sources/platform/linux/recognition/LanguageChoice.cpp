@@ -156,6 +156,10 @@ std::vector<std::vector<std::string>> engineLanguages(std::vector<std::string> n
   return engines;
 }
 
+bool hasCyrillicLetters(const std::vector<std::string>& names) {
+  return std::any_of(names.begin(), names.end(), isCyrillic);
+}
+
 bool hasWideCharacters(const std::vector<std::string>& names) {
   return std::any_of(names.begin(), names.end(), isWide);
 }

@@ -18,6 +18,9 @@ std::vector<std::vector<std::string>> engineLanguages(std::vector<std::string> n
 /// Whether any of the trained data is of Chinese, Japanese or Korean.
 bool hasWideCharacters(const std::vector<std::string>& names);
 
+/// Whether any of the trained data is of a language in the Cyrillic script.
+bool hasCyrillicLetters(const std::vector<std::string>& names);
+
 /// A line to be read, and the engine to read it with, by their indices.
 struct Question {
   std::size_t engine, line;

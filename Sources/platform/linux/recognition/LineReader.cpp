@@ -124,10 +124,11 @@ LineDraft draftOf(Engine& engine, const GreyBitmap& ink, const TextLine& line) {
     correctByShape(draft.symbols, shapes);
   }
   if (std::optional<TextLine> rest = withoutIcons(line, draft.symbols)) {
+    constexpr double tolerance = 5;
     const auto own = std::make_shared<const TextLine>(std::move(*rest));
-    draft = draftOf(engine, ink, *own);
-    draft.ownLine = own;
-    return draft;
+    LineDraft better = draftOf(engine, ink, *own);
+    better.ownLine = own;
+    if (!better.symbols.empty() && better.sureness >= draft.sureness - tolerance) return better;
   }
   correctBullets(draft.symbols, draft.letters, ink, line);
   correctSuperscripts(draft.symbols, shapes, ink);
@@ -172,7 +173,9 @@ std::string join(const std::vector<Symbol>& symbols) {
 
 Reading readLines(EngineCrew& crew, const std::vector<std::vector<std::string>>& languages, GreyBitmap ink) {
   const bool wide = std::any_of(languages.begin(), languages.end(), hasWideCharacters);
-  std::vector<TextLine> lines = findTextLines(ink, wide ? Characters::wide : Characters::alphabetic);
+  const bool cyrillic = std::any_of(languages.begin(), languages.end(), hasCyrillicLetters);
+  std::vector<TextLine> lines =
+      findTextLines(ink, wide ? Characters::wide : Characters::alphabetic, !cyrillic);
   dropCutLines(lines, ink);
   if (!wide) {
     findCells(lines, ink);

@@ -248,7 +248,7 @@ PixelBox boxAround(const std::vector<Glyph>& glyphs) {
   return box;
 }
 
-std::vector<TextLine> findTextLines(GreyBitmap& ink, Characters characters) {
+std::vector<TextLine> findTextLines(GreyBitmap& ink, Characters characters, bool isLatin) {
   const std::optional<int> threshold = inkThreshold(ink);
   if (!threshold) return {};
   Glyphs glyphs = glyphsIn(ink, *threshold);
@@ -262,7 +262,8 @@ std::vector<TextLine> findTextLines(GreyBitmap& ink, Characters characters) {
   if (const auto caret = caretIn(kept, usual, characters))
     kept.erase(kept.begin() + static_cast<std::ptrdiff_t>(*caret));
   if (isCorner(kept, ink)) return {};
-  if (characters == Characters::wide) return linesInReadingOrder(kept, characters);
+  // Other letters have shapes that the classifier doesn't know, as icons have.
+  if (characters == Characters::wide || !isLatin) return linesInReadingOrder(kept, characters);
   const std::vector<MaybeIcon> icons = takeIcons(kept, ink, usual);
   std::vector<TextLine> lines = linesInReadingOrder(kept, characters);
   for (TextLine& line : lines)

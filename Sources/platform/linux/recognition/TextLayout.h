@@ -30,7 +30,7 @@ struct Cells {
 /// Ink beside words that may be an icon rather than text. The box in pixels of the image.
 struct MaybeIcon {
   PixelBox box;
-  bool looksLikeText;  ///< Of one piece that looks like a character.
+  bool looksLikeText;  ///< As one character does.
   bool standsOnLine;   ///< As letters do that don't reach below the baseline.
 };
 
@@ -51,9 +51,9 @@ enum class Characters {
 };
 
 /// The lines of text in reading order: column by column where the text is set in columns, from top to
-/// bottom in each. What can't be text, such as frames and rules, is in no line. Underlines that touch letters
-/// are erased from the ink.
-std::vector<TextLine> findTextLines(GreyBitmap& ink, Characters characters);
+/// bottom in each. What can't be text, such as frames and rules, is in no line, nor are icons where there are
+/// none but Latin letters. Underlines that touch letters are erased from the ink.
+std::vector<TextLine> findTextLines(GreyBitmap& ink, Characters characters, bool isLatin = true);
 
 /// The smallest box around all glyphs. Precondition: there is one.
 PixelBox boxAround(const std::vector<Glyph>& glyphs);
