@@ -146,18 +146,20 @@ TEST(TextRecognizer, ReadsSeveralLanguagesInOneText) {
               ElementsAreArray(mixed));
 }
 
+/// The page with black rectangles on it, in pixels from the top left.
+Image withRectangles(Page page, std::initializer_list<platform::Rect> parts) {
+  for (const auto& [origin, extent] : parts)
+    page.lay(invertedPicture(Page(static_cast<int>(extent.width), static_cast<int>(extent.height)).image()),
+             static_cast<int>(origin.x), static_cast<int>(origin.y));
+  return page.image();
+}
+
 TEST(TextRecognizer, LinesDrawnAroundTextAreNoText) {
   const Image words = pictureOf({"Save the changes"});
   const double right = words.width() - 1;
   const double bottom = words.height() - 1;
   const auto with = [&](std::initializer_list<platform::Rect> strokes) {
-    Page page(words.width(), words.height());
-    page.lay(words, 0, 0);
-    for (const platform::Rect& stroke : strokes)
-      page.lay(invertedPicture(
-                   Page(static_cast<int>(stroke.size.width), static_cast<int>(stroke.size.height)).image()),
-               static_cast<int>(stroke.origin.x), static_cast<int>(stroke.origin.y));
-    return page.image();
+    return withRectangles(Page(words.width(), words.height()).lay(words, 0, 0), strokes);
   };
   for (const Image& picture : {with({{{0, 0}, {right, 1}},
                                      {{0, bottom}, {right, 1}},
@@ -172,34 +174,25 @@ TEST(TextRecognizer, LinesDrawnAroundTextAreNoText) {
     EXPECT_THAT(linesOf(picture), ElementsAre("Save the changes"));
 }
 
-/// Black rectangles on white.
-Image drawingOf(int size, std::initializer_list<platform::Rect> parts) {
-  Page page(size, size);
-  for (const auto& [origin, extent] : parts)
-    page.lay(invertedPicture(Page(static_cast<int>(extent.width), static_cast<int>(extent.height)).image()),
-             static_cast<int>(origin.x), static_cast<int>(origin.y));
-  return page.image();
-}
-
 TEST(TextRecognizer, IconsBesideTextAreNoText) {
-  const Image folder = drawingOf(20, {{{0, 2}, {8, 3}},
-                                      {{0, 5}, {20, 2}},
-                                      {{0, 16}, {20, 2}},
-                                      {{0, 5}, {2, 12}},
-                                      {{18, 5}, {2, 12}},
-                                      {{6, 10}, {8, 2}}});
-  const Image download = drawingOf(20, {{{9, 0}, {3, 12}},
-                                        {{5, 8}, {11, 2}},
-                                        {{7, 10}, {7, 2}},
-                                        {{0, 13}, {2, 6}},
-                                        {{18, 13}, {2, 6}},
-                                        {{0, 18}, {20, 2}}});
-  const Image battery = drawingOf(20, {{{3, 2}, {14, 2}},
-                                       {{7, 0}, {6, 2}},
-                                       {{3, 18}, {14, 2}},
-                                       {{3, 2}, {2, 17}},
-                                       {{15, 2}, {2, 17}},
-                                       {{7, 9}, {6, 7}}});
+  const Image folder = withRectangles({20, 20}, {{{0, 2}, {8, 3}},
+                                                 {{0, 5}, {20, 2}},
+                                                 {{0, 16}, {20, 2}},
+                                                 {{0, 5}, {2, 12}},
+                                                 {{18, 5}, {2, 12}},
+                                                 {{6, 10}, {8, 2}}});
+  const Image download = withRectangles({20, 20}, {{{9, 0}, {3, 12}},
+                                                   {{5, 8}, {11, 2}},
+                                                   {{7, 10}, {7, 2}},
+                                                   {{0, 13}, {2, 6}},
+                                                   {{18, 13}, {2, 6}},
+                                                   {{0, 18}, {20, 2}}});
+  const Image battery = withRectangles({20, 20}, {{{3, 2}, {14, 2}},
+                                                  {{7, 0}, {6, 2}},
+                                                  {{3, 18}, {14, 2}},
+                                                  {{3, 2}, {2, 17}},
+                                                  {{15, 2}, {2, 17}},
+                                                  {{7, 9}, {6, 7}}});
   const auto row = [](Page& page, const Image& icon, const char* label, int y) {
     page.lay(pictureOf({label}), 20, y).lay(icon, 6, y + 18);
   };
@@ -210,12 +203,12 @@ TEST(TextRecognizer, IconsBesideTextAreNoText) {
   EXPECT_THAT(linesOf(sidebar.image()), ElementsAre("Documents", "Downloads", "Power"));
   // Numbers are text, also in the column of the icons.
   Page steps(220, 190);
-  steps.lay(pictureOf({"Documents"}), 26, 0).lay(folder, 12, 18);
-  steps.lay(pictureOf({"Power"}), 26, 45).lay(battery, 12, 63);
-  steps.lay(pictureOf({"7"}), 0, 90).lay(pictureOf({"Open the folder"}), 26, 90);
-  steps.lay(pictureOf({"4"}), 0, 130).lay(pictureOf({"Save the file"}), 26, 130);
+  steps.lay(pictureOf({"Documents"}), 34, 0).lay(folder, 12, 18);
+  steps.lay(pictureOf({"Power"}), 34, 45).lay(battery, 12, 63);
+  steps.lay(pictureOf({"1."}), 0, 90).lay(pictureOf({"Open the folder"}), 34, 90);
+  steps.lay(pictureOf({"2."}), 0, 130).lay(pictureOf({"Save the file"}), 34, 130);
   EXPECT_THAT(linesOf(steps.image()),
-              ElementsAre("Documents", "Power", "7 Open the folder", "4 Save the file"));
+              ElementsAre("Documents", "Power", "1. Open the folder", "2. Save the file"));
   Page button(180, 60);
   row(button, download, "Save as", 0);
   EXPECT_THAT(linesOf(button.image()), ElementsAre("Save as"));
