@@ -8,17 +8,6 @@ namespace lumiscan::desktop {
 
 namespace {
 
-/// How much the ink looks like characters, given the line's baseline.
-double likeness(const TextLine& line, const GreyBitmap& ink) {
-  LineShapes shapes(ink, line, line.glyphs);
-  double sum = 0;
-  for (std::size_t i = 0; i < shapes.clusters().size(); ++i) {
-    const Classification& shape = shapes.classification(i);
-    if (shape.best() != Classification::noCharacter) sum += static_cast<double>(shape.bestProbability());
-  }
-  return sum;
-}
-
 void settleBaseline(TextLine& line, const GreyBitmap& ink) {
   constexpr double deepest = 0.45;  // In heights of a letter.
   constexpr double better = 0.15;   // So much that it is no chance.

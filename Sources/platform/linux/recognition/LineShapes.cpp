@@ -44,4 +44,14 @@ bool LineShapes::isCut(std::size_t cluster) const {
                      [](const Glyph& glyph) { return glyph.isCut; });
 }
 
+double likeness(const TextLine& line, const GreyBitmap& ink) {
+  LineShapes shapes(ink, line, line.glyphs);
+  double sum = 0;
+  for (std::size_t i = 0; i < shapes.clusters().size(); ++i) {
+    const Classification& shape = shapes.classification(i);
+    if (shape.best() != Classification::noCharacter) sum += static_cast<double>(shape.bestProbability());
+  }
+  return sum;
+}
+
 }  // namespace lumiscan::desktop

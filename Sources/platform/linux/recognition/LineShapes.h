@@ -37,4 +37,7 @@ class LineShapes {
   std::map<std::pair<std::size_t, std::size_t>, Classification> classified_;
 };
 
+/// How much the ink of a line looks like characters, each of which counts up to 1.
+double likeness(const TextLine& line, const GreyBitmap& ink);
+
 }  // namespace lumiscan::desktop
