@@ -52,7 +52,7 @@ std::vector<Image> drawnImages() {
   }
   images.push_back(lumiscan::desktop::pictureWithText({}, 100, Color::white(), false));
   for (const std::string number : {"1", "2", "7"})
-    images.push_back(lumiscan::desktop::footnotePicture("as it was written there", number, 20));
+    images.push_back(lumiscan::desktop::rowPicture({{"as it was written there", 20}, {number, 15, 0, 9}}));
   return images;
 }
 

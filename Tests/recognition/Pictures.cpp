@@ -82,13 +82,17 @@ Image pictureWithText(const std::vector<std::string>& lines, double size, Color 
   return context->makeImage();
 }
 
-Image footnotePicture(const std::string& words, const std::string& number, double size) {
-  const auto context = CairoBitmapContext::create(static_cast<int>(16 * size), static_cast<int>(3 * size));
-  context->fill(platform::BezierPath::rect({{0, 0}, {16 * size, 3 * size}}), Color::white());
-  const platform::TextAttributes usual{{platform::Font::Design::sansSerif, size}, Color::black()};
-  context->draw(words, {size, size}, usual);
-  context->draw(number, {size + context->sizeOf(words, usual).width, 1.5 * size},
-                {{platform::Font::Design::sansSerif, 0.75 * size}, Color::black()});
+Image rowPicture(const std::vector<RowText>& texts) {
+  const auto context = CairoBitmapContext::create(600, 120);
+  context->fill(platform::BezierPath::rect({{0, 0}, {600, 120}}), Color::white());
+  double x = 16;
+  for (const auto& [text, size, before, up] : texts) {
+    const platform::TextAttributes attributes{{platform::Font::Design::sansSerif, size}, Color::black()};
+    const platform::Size box = context->sizeOf(text, attributes);
+    const double descent = 0.2 * box.height;
+    context->draw(text, {x += before, 50 + up - descent}, attributes);
+    x += box.width;
+  }
   return context->makeImage();
 }
 

@@ -30,8 +30,16 @@ platform::Image pictureOf(const std::vector<std::string>& lines, const TextStyle
 platform::Image pictureWithText(const std::vector<std::string>& lines, double size, platform::Color color,
                                 bool outlined);
 
-/// A line of text with the small raised number of a footnote at its end.
-platform::Image footnotePicture(const std::string& words, const std::string& number, double size);
+/// A text that stands in a row with others.
+struct RowText {
+  std::string text;
+  double size;
+  double before = 0;  ///< Pixels of space.
+  double up = 0;      ///< So many pixels above the baseline of the others.
+};
+
+/// Texts of several sizes from left to right.
+platform::Image rowPicture(const std::vector<RowText>& texts);
 
 /// The same pixels with other formats and row lengths; what is added is noise.
 platform::Image asXrgb(const platform::Image& image);

@@ -212,12 +212,6 @@ TEST(TextRecognizer, IconsBesideTextAreNoText) {
   Page button(180, 60);
   row(button, download, "Save as", 0);
   EXPECT_THAT(linesOf(button.image()), ElementsAre("Save as"));
-  // What is larger than the words beside it may be text all the same.
-  const Image count = Page(220, 120)
-                          .lay(pictureOf({"7"}, {.size = 34}), 0, 0)
-                          .lay(pictureOf({"open issues"}, {.size = 14}), 52, 26)
-                          .image();
-  EXPECT_THAT(linesOf(count), ElementsAre("7 open issues"));
   const Image clause =
       Page(260, 60).lay(pictureOf({"(a)"}), 0, 0).lay(pictureOf({"the first"}), 40, 0).image();
   EXPECT_THAT(linesOf(clause), ElementsAre("(a) the first"));
@@ -280,8 +274,32 @@ TEST(TextRecognizer, ReadsTheNumbersOfFootnotes) {
   for (const double size : {16.0, 20.0})
     for (const std::string number : {"1", "2", "4", "5", "6", "7", "9"}) {
       const std::string words = "as it was written there";
-      EXPECT_THAT(linesOf(footnotePicture(words, number, size)), ElementsAre(words + number)) << size;
+      const RowText raised{number, 0.75 * size, 0, 0.45 * size};
+      EXPECT_THAT(linesOf(rowPicture({{words, size}, raised})), ElementsAre(words + number)) << size;
     }
+}
+
+TEST(TextRecognizer, ReadsWordsOfSeveralSizesSideBySide) {
+  TesseractRecognizer recognizer;
+  EXPECT_THAT(linesOf(recognizer, rowPicture({{"42", 40}, {"ms", 16, 8}})), ElementsAre("42 ms"));
+  EXPECT_THAT(linesOf(recognizer, rowPicture({{"$49", 36}, {"/month", 15}})), ElementsAre("$49/month"));
+  EXPECT_THAT(
+      linesOf(recognizer, rowPicture({{"Messages today:", 14}, {"1,024", 30, 8}, {"of 5000", 14, 8}})),
+      ElementsAre("Messages today: 1,024 of 5000"));
+  EXPECT_THAT(linesOf(recognizer, rowPicture({{"21°", 32}, {"cloudy", 16, 10}})), ElementsAre("21° cloudy"));
+  EXPECT_THAT(linesOf(recognizer, rowPicture({{"7", 34}, {"open issues", 14, 20}})),
+              ElementsAre("7 open issues"));
+  // What stands beside several lines is read before them.
+  const Image day = pictureOf({"24"}, {.size = 40});
+  const Image plan = pictureOf({"Team", "at ten o'clock", "on Monday"}, {.size = 16});
+  EXPECT_THAT(linesOf(recognizer, Page(300, 150).lay(day, 0, 0).lay(plan, 120, 14).image()),
+              ElementsAre("24", "Team", "at ten o'clock", "on Monday"));
+  // Signs and capitals are no other size, nor are marks that stand high or low.
+  for (const std::string line : {"if gzip -d \"$n.Z\"; then", "Undo ^Z", "[x] done with it"})
+    EXPECT_THAT(linesOf(recognizer, pictureOf({line}, {.size = 20})), ElementsAre(line));
+  for (const std::string line :
+       {"in space, winked at me", "→ next page", "OK, so we can run", "AM or PM • 12 m"})
+    EXPECT_THAT(linesOf(recognizer, pictureOf({line}, codeStyle(20))), ElementsAre(line));
 }
 
 TEST(TextRecognizer, ReadsTheBulletsOfAList) {

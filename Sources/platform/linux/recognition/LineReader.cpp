@@ -169,6 +169,30 @@ std::string join(const std::vector<Symbol>& symbols) {
   return platform::validUTF8(text);
 }
 
+/// Puts the pieces of lines that have several type sizes together.
+void joinPieces(std::vector<ReadLine>& read, const std::vector<LineDraft>& drafts) {
+  for (std::size_t i = read.size(); i-- > 1;) {
+    const TextLine& line = *drafts[i - 1].line;
+    const TextLine& next = *drafts[i].line;
+    if (!line.whole || line.whole != next.whole) continue;
+    const int gap = next.box.left - line.box.right - 1;
+    const bool isSpace = 10 * gap >= 3 * std::min(line.letterHeight, next.letterHeight);
+    ReadLine& first = read[i - 1];
+    const ReadLine& second = read[i];
+    const auto count = first.symbols + second.symbols;
+    first.text += (isSpace ? " " : "") + second.text;
+    first.confidence = std::min(first.confidence, second.confidence);
+    first.sureness = (first.sureness * static_cast<double>(first.symbols) +
+                      second.sureness * static_cast<double>(second.symbols)) /
+                     static_cast<double>(count);
+    first.letterHeight = std::min(first.letterHeight, second.letterHeight);
+    first.symbols = count;
+    first.likely += second.likely;
+    first.pieces += second.pieces;
+    read.erase(read.begin() + static_cast<std::ptrdiff_t>(i));
+  }
+}
+
 }  // namespace
 
 Reading readLines(EngineCrew& crew, const std::vector<std::vector<std::string>>& languages, GreyBitmap ink) {
@@ -210,6 +234,7 @@ Reading readLines(EngineCrew& crew, const std::vector<std::vector<std::string>>&
     if (drafts[i].isWide) correctWideText(symbols);
     read[i].text = join(symbols);
   }
+  joinPieces(read, drafts);
   Reading reading;
   for (const ReadLine& line : read) {
     reading.symbols += line.symbols;

@@ -13,6 +13,7 @@
 #include "platform/linux/recognition/Icons.h"
 #include "platform/linux/recognition/Level.h"
 #include "platform/linux/recognition/Lines.h"
+#include "platform/linux/recognition/TypeSizes.h"
 #include "platform/linux/recognition/Underlines.h"
 
 namespace lumiscan::desktop {
@@ -126,20 +127,66 @@ bool isCaretAtEdge(const Glyph& stroke, const Glyphs& all, int usual, int imageW
   return isHighest || isOnlyOne;
 }
 
+/// The glyphs between one blank row of pixels and the next.
+std::vector<Glyphs> stripsOf(Glyphs glyphs) {
+  std::sort(glyphs.begin(), glyphs.end(),
+            [](const Glyph& a, const Glyph& b) { return a.box.top < b.box.top; });
+  std::vector<Glyphs> strips;
+  int reached = -1;
+  for (const Glyph& glyph : glyphs) {
+    if (strips.empty() || glyph.box.top > reached + 1) strips.emplace_back();
+    strips.back().push_back(glyph);
+    reached = std::max(reached, glyph.box.bottom);
+  }
+  return strips;
+}
+
+/// The lines of the glyphs from top to bottom.
+std::vector<TextLine> linesDownwards(const Glyphs& glyphs, Characters characters, const GreyBitmap& ink) {
+  if (characters == Characters::wide) return linesOf(glyphs, characters);
+  std::vector<std::vector<TextLine>> ofSizes;
+  Glyphs others;
+  for (const Glyphs& strip : stripsOf(glyphs)) {
+    std::vector<TextLine> lines = linesOfSizes(strip, ink);
+    if (lines.empty())
+      others.insert(others.end(), strip.begin(), strip.end());
+    else
+      ofSizes.push_back(std::move(lines));
+  }
+  if (ofSizes.empty()) return linesOf(glyphs, characters);
+  std::vector<TextLine> all = linesOf(others, characters);
+  for (std::vector<TextLine>& lines : ofSizes) {
+    const auto below = std::find_if(all.begin(), all.end(), [&](const TextLine& line) {
+      return line.box.top > lines.front().box.bottom;
+    });
+    const auto place = all.insert(below, std::move_iterator(lines.begin()), std::move_iterator(lines.end()));
+    // What stands before several lines is read before all of them.
+    auto first = place;
+    const auto isBeside = [&](const TextLine& line, int top) {
+      return line.box.left > place->box.right && 2 * (top - line.box.bottom) < 3 * line.letterHeight;
+    };
+    if (!place->whole)
+      while (first != all.begin() && isBeside(*std::prev(first), first->box.top)) --first;
+    std::rotate(first, place, std::next(place));
+  }
+  return all;
+}
+
 /// The lines of the glyphs, parted into columns where there are some.
-std::vector<TextLine> linesInReadingOrder(const Glyphs& glyphs, Characters characters) {
+std::vector<TextLine> linesInReadingOrder(const Glyphs& glyphs, Characters characters,
+                                          const GreyBitmap& ink) {
   if (glyphs.empty()) return {};
   const int usual = std::max(1, usualHeight(glyphs, characters));
   for (const Gutter& gutter : gutters(glyphs, 2 * usual)) {
     Glyphs left, right;
     for (const Glyph& glyph : glyphs) (glyph.box.left < gutter.end ? left : right).push_back(glyph);
     if (!areColumns(linesOf(left, characters), linesOf(right, characters), gutter, usual)) continue;
-    std::vector<TextLine> lines = linesInReadingOrder(left, characters);
-    std::vector<TextLine> more = linesInReadingOrder(right, characters);
+    std::vector<TextLine> lines = linesInReadingOrder(left, characters, ink);
+    std::vector<TextLine> more = linesInReadingOrder(right, characters, ink);
     std::move(more.begin(), more.end(), std::back_inserter(lines));
     return lines;
   }
-  return linesOf(glyphs, characters);
+  return linesDownwards(glyphs, characters, ink);
 }
 
 /// Whether all there is lies in one corner of the image, as that of a window beside the selection does.
@@ -175,9 +222,9 @@ std::vector<TextLine> findTextLines(GreyBitmap& ink, Characters characters, bool
     kept.erase(kept.begin() + static_cast<std::ptrdiff_t>(*caret));
   if (isCorner(kept, ink)) return {};
   // Other letters have shapes that the classifier doesn't know, as icons have.
-  if (characters == Characters::wide || !isLatin) return linesInReadingOrder(kept, characters);
+  if (characters == Characters::wide || !isLatin) return linesInReadingOrder(kept, characters, ink);
   const std::vector<MaybeIcon> icons = takeIcons(kept, ink, usual);
-  std::vector<TextLine> lines = linesInReadingOrder(kept, characters);
+  std::vector<TextLine> lines = linesInReadingOrder(kept, characters, ink);
   for (TextLine& line : lines)
     std::copy_if(icons.begin(), icons.end(), std::back_inserter(line.maybeIcons), [&](const MaybeIcon& icon) {
       return std::any_of(line.glyphs.begin(), line.glyphs.end(),

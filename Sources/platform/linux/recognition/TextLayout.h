@@ -42,6 +42,8 @@ struct TextLine {
   int baseline = 0;                           ///< The row below the feet of most letters.
   std::vector<MaybeIcon> maybeIcons = {};     ///< That stand before or behind its words.
   std::optional<Cells> cells = std::nullopt;  ///< Where characters have one width: see `findCells`.
+  /// Around all of a line that has several type sizes, each piece of one size being a line here.
+  std::optional<PixelBox> whole = std::nullopt;
 };
 
 /// What a text may be made of.
