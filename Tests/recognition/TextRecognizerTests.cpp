@@ -294,6 +294,10 @@ TEST(TextRecognizer, ReadsWordsOfSeveralSizesSideBySide) {
   const Image plan = pictureOf({"Team", "at ten o'clock", "on Monday"}, {.size = 16});
   EXPECT_THAT(linesOf(recognizer, Page(300, 150).lay(day, 0, 0).lay(plan, 120, 14).image()),
               ElementsAre("24", "Team", "at ten o'clock", "on Monday"));
+  const Image number = pictureOf({"7"}, {.size = 24});
+  const Image rows = pictureOf({"holiday", "für alle gut"}, {.size = 17});
+  EXPECT_THAT(linesOf(recognizer, Page(260, 110).lay(number, 0, 8).lay(rows, 70, 5).image(), {"de-DE"}),
+              ElementsAre("7", "holiday", "für alle gut"));
   // Signs and capitals are no other size, nor are marks that stand high or low.
   for (const std::string line : {"if gzip -d \"$n.Z\"; then", "Undo ^Z", "[x] done with it"})
     EXPECT_THAT(linesOf(recognizer, pictureOf({line}, {.size = 20})), ElementsAre(line));

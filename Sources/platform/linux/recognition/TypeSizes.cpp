@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <iterator>
 #include <limits>
-#include <numeric>
 #include <utility>
 
 #include "platform/linux/recognition/LineShapes.h"
@@ -137,7 +136,7 @@ std::vector<std::vector<Piece>> waysToPart(Glyphs strip) {
   for (std::size_t i = 1; i < heights.size(); ++i) {
     const int small = heights[i - 1];
     constexpr int least = 5;  // Pixels: what is lower is no letter.
-    if (small < least || !isStep(heights[i], small)) continue;
+    if (small < least || 10 * heights[i] <= 11 * small) continue;
     // The small letters of the larger type are higher than capitals of the smaller.
     const bool areLarge = std::all_of(words.begin(), words.end(), [&](const Word& word) {
       return highestOf(word) <= small || 10 * lowestOf(word) > 11 * small;
@@ -250,16 +249,34 @@ bool haveLetters(const std::vector<LinedPiece>& pieces, const GreyBitmap& ink) {
 std::vector<LinedPiece> linedPieces(const std::vector<Piece>& pieces, const GreyBitmap& ink) {
   std::vector<LinedPiece> lined;
   for (const auto& [glyphs, isLarge] : pieces) {
-    lined.push_back({linesOf(glyphs, std::max(1, usualHeight(lettersOf(glyphs)))), isLarge});
-    std::vector<TextLine>& lines = lined.back().lines;
+    const int usual = std::max(1, usualHeight(lettersOf(glyphs)));
+    std::vector<TextLine> lines = linesOf(glyphs, usual);
     if (lines.size() == 1) settleLetterHeight(lines.front(), isLarge, ink);
+    lined.push_back({std::move(lines), isLarge});
   }
   return lined;
 }
 
-double likenessOf(const std::vector<TextLine>& lines, const GreyBitmap& ink) {
-  return std::accumulate(lines.begin(), lines.end(), 0.0,
-                         [&](double sum, const TextLine& line) { return sum + likeness(line, ink); });
+/// Whether a piece of one line stands in the middle beside one of several.
+bool isBesideLines(const std::vector<LinedPiece>& pieces) {
+  if (pieces.size() != 2 || pieces[0].lines.size() == pieces[1].lines.size()) return false;
+  const bool isFirst = pieces[0].lines.size() == 1;
+  const std::vector<TextLine>& one = pieces[isFirst ? 0 : 1].lines;
+  const std::vector<TextLine>& several = pieces[isFirst ? 1 : 0].lines;
+  const auto twiceMiddle = [](const TextLine& line) { return line.baseline - line.letterHeight; };
+  return one.size() == 1 && std::abs(twiceMiddle(several.front()) + twiceMiddle(several.back()) -
+                                     2 * twiceMiddle(one.front())) <= several.front().letterHeight;
+}
+
+/// How much the letters look like such. Marks look like others in any line.
+double likenessOfLetters(const std::vector<TextLine>& lines, const GreyBitmap& ink) {
+  double sum = 0;
+  for (TextLine line : lines) {
+    std::erase_if(line.glyphs,
+                  [&](const Glyph& glyph) { return 5 * glyph.height() < 2 * line.letterHeight; });
+    sum += likeness(line, ink);
+  }
+  return sum;
 }
 
 /// By how much the letters of the larger pieces surpass those of the smaller.
@@ -293,19 +310,19 @@ std::vector<TextLine> joinedLines(std::vector<LinedPiece> pieces) {
 
 std::vector<TextLine> linesOfSizes(const Glyphs& strip, const GreyBitmap& ink) {
   constexpr std::size_t mostGlyphs = 300;  // More are a picture.
-  constexpr double least = 1.25, clear = 1.6;
   constexpr double doubt = 0.3;
   if (strip.size() > mostGlyphs) return {};
   const std::vector<std::vector<Piece>> ways = waysToPart(strip);
   if (ways.empty()) return {};
   const std::vector<TextLine> ofOneSize = linesOf(strip, Characters::alphabetic);
-  const double usual = likenessOf(ofOneSize, ink);
+  const double usual = likenessOfLetters(ofOneSize, ink);
   double most = 0;
   std::vector<TextLine> best;
   for (const std::vector<Piece>& way : ways) {
     std::vector<LinedPiece> pieces = linedPieces(way, ink);
+    const bool isBeside = isBesideLines(pieces);
     const double ratio = ratioOf(pieces);
-    if (ratio < least || !haveLetters(pieces, ink)) continue;
+    if (ratio < (isBeside ? 0.9 : 1.25) || !haveLetters(pieces, ink)) continue;
     std::vector<TextLine> lines = joinedLines(std::move(pieces));
     // Letters that are much too large or small for their line look like others, as capitals do like small
     // ones; and signs that stand high are no line.
@@ -313,8 +330,9 @@ std::vector<TextLine> linesOfSizes(const Glyphs& strip, const GreyBitmap& ink) {
         ofOneSize.size() > 1 && std::all_of(lines.begin(), lines.end(), [&](const TextLine& line) {
           return line.whole && line.whole == lines.front().whole;
         });
-    const double found = likenessOf(lines, ink);
-    if (found < most || found < usual + (ratio >= clear || isOneLine ? -doubt : doubt)) continue;
+    const double found = likenessOfLetters(lines, ink);
+    const double least = usual + (isBeside ? -2 * doubt : ratio >= 1.6 || isOneLine ? -doubt : doubt);
+    if (found < most || found < least) continue;
     most = found;
     best = std::move(lines);
   }
