@@ -56,15 +56,21 @@ def _breadth(text):
     return sum(1.3 if unicodedata.east_asian_width(c) in "WF" else 1 for c in text)
 
 
+def _factor(line):
+    """The largest factor of the type size in a line."""
+    return max(line.factors, default=1)
+
+
 def _cell_size(sample):
     """In the page's pixels, in fours to be whole pixels of the picture. Generous: it is cropped later."""
-    longest = sum(max(_breadth(line.text) for line in block) for block in sample.blocks)
+    longest = sum(max(_breadth(line.text) * _factor(line) for line in block) for block in sample.blocks)
     # With room for an icon.
     longest += sum(2 + 36 / sample.size for block in sample.blocks if block[0].icon)
     width = (
         longest * sample.size * 0.8 + 3 * sample.size + sample.gap * len(sample.blocks) + 2 * _room(sample)
     )
-    height = sample.line_height * max(map(len, sample.blocks)) + 2 * _room(sample)
+    lines_high = max(sum(map(_factor, block)) for block in sample.blocks)
+    height = sample.line_height * lines_high + 2 * _room(sample)
     return 4 * round(width / 4 + 1), 4 * round(height / 4 + 1)
 
 
@@ -79,20 +85,25 @@ def _cell(sample, y, size):
             ground = (
                 f"background:{line.background};margin:0 -{pad}px;padding:0 {pad}px" if line.background else ""
             )
+            sizes = [f";font-size:{factor}em" for factor in line.factors] or itertools.repeat("")
             spans = "".join(
-                f'<span style="color:{colour}">{html.escape(text)}</span>' for text, colour in line.spans
+                f'<span style="color:{colour}{size}">{html.escape(text)}</span>'
+                for (text, colour), size in zip(line.spans, sizes)
             )
             if line.icon:
                 colour = line.spans[0][1]
                 spans = icon_element(line.icon, sample.icon_size, sample.icon_gap, colour) + spans
-            blocks += f'<div class="line" style="height:{sample.line_height}px;{ground}">{spans}</div>'
+            height = sample.line_height * _factor(line)
+            # A line of larger type has more room above and below it.
+            ground += f"line-height:{height}px" if line.factors else ""
+            blocks += f'<div class="line" style="height:{height}px;{ground}">{spans}</div>'
         blocks += "</div>"
     place = f"top:{y}px;width:{size[0]}px;height:{size[1]}px;background:{sample.theme.background}"
     # The ligatures come after the font, which resets them.
     font = (
         f"left:{_room(sample)}px;top:{_room(sample)}px;"
         f"font:{style} {weight} {sample.size}px/{sample.line_height}px '{sample.font}';"
-        f"font-variant-ligatures:{ligatures}"
+        f"font-variant-ligatures:{ligatures}{';align-items:center' if sample.centred else ''}"
     )
     return f'<div class="cell" style="{place}"><div class="blocks" style="{font}">{blocks}</div></div>'
 

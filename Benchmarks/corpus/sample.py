@@ -25,8 +25,9 @@ KINDS = {
     "empty": 5,
 }
 
-# Labels with icons, which are no part of it.
+# No part of it: labels with icons, and larger type beside smaller.
 WITH_ICONS = "icons"
+OF_SIZES = "sizes"
 
 PROPORTIONAL = [
     "DejaVu Sans",
@@ -58,6 +59,7 @@ class Line:
     spans: list  # of (text, colour)
     background: str | None = None
     icon: str | None = None  # the path of one before the text
+    factors: list = field(default_factory=list)  # of the type size, one for each span, where they differ
 
     @property
     def text(self):
@@ -81,6 +83,7 @@ class Sample:
     hinting: str = "slight"
     blocks: list = field(default_factory=list)  # side by side; each a list of Line
     gap: int = 24  # between blocks
+    centred: bool = False  # the blocks, in height
     icon_size: int = 16
     icon_gap: int = 8  # between an icon and its text
     crop: str = "snug"
@@ -177,6 +180,39 @@ def _lines_with_icons(random, half, phrases, theme):
     return lines
 
 
+def _sizes(random, phrases, theme):
+    """Blocks of words of two sizes: in one line, or a large one beside several small lines."""
+    factor = random.choice([1.4, 1.6, 1.8, 2, 2.4, 3])
+
+    def line(*texts, factors=None):
+        return Line([(text, theme.text) for text in texts], factors=factors or [factor])
+
+    def figure():
+        whole = random.randrange(1, 1000)
+        return random.choice(
+            [f"{whole}", f"{whole % 100}%", f"${whole}", f"€{whole % 100}", f"{whole % 40}°", f"{whole},{whole % 899 + 100}"]
+        )
+
+    def words():
+        return " ".join(phrases.word() for _ in range(random.randrange(1, 5)))
+
+    def inline():
+        unit = random.choice(["ms", "GB", "per seat", "km/h", "MB/s", "users", "min", "PM", "of 100", words()])
+        return random.choice(
+            [
+                line(figure(), f" {unit}", factors=[factor, 1]),
+                line(figure(), random.choice(["/month", "/year"]), factors=[factor, 1]),
+                line(f"{phrases.label()}: ", figure(), factors=[1, factor]),
+                line(phrases.label(), f"  {words()}", factors=[factor, 1]),
+            ]
+        )
+
+    if random.random() < 0.6:
+        return [[inline() for _ in range(random.choice([1, 1, 2, 3]))]]
+    few = random.choice([figure(), str(random.randrange(1, 32)), phrases.label()[0].upper()])
+    return [[line(few)], _plain([words() for _ in range(random.choice([2, 2, 3]))], theme)]
+
+
 def _table(random, phrases, theme):
     makers = random.sample(
         [phrases.label, phrases.file_name, phrases.time, phrases.amount, phrases.version, phrases.word],
@@ -225,6 +261,9 @@ def _fill(sample, random):
         sample.line_height = max(sample.line_height, sample.icon_size + random.choice([4, 8, 16]))
         sample.by_rows = random.random() < 0.25  # a tool bar
         sample.blocks = [[line] for line in lines[:4]] if sample.by_rows else [lines]
+    elif sample.kind == OF_SIZES:
+        sample.blocks, sample.centred = _sizes(random, phrases, theme), True
+        sample.gap = random.choice([8, 12, 16, 24])
     elif sample.kind == "word":
         sample.blocks = [_plain([phrases.datum()], theme)]
     elif sample.kind == "columns":
@@ -242,7 +281,7 @@ def make_sample(kind, half, number, renderer):
         sample.renderer = "none"
         return sample
     sample.theme = random.choice(THEMES)
-    if kind == WITH_ICONS:
+    if kind in (WITH_ICONS, OF_SIZES):
         sample.renderer = "chromium"
     monospaced = kind in ("code", "terminal") or kind == "table" and random.random() < 0.3
     ligatures = [] if sample.renderer == "qt" else WITH_LIGATURES
