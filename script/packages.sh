@@ -25,7 +25,7 @@ run_packages=(
 # To test, and for script/run where there is no display.
 test_packages=(
   xvfb openbox picom xdotool xclip dbus xterm x11-utils x11-xserver-utils imagemagick
-  pulseaudio pulseaudio-utils espeak-ng xfce4-clipman trayer
+  pulseaudio pulseaudio-utils espeak-ng xfce4-clipman trayer python3
   desktop-file-utils appstream man-db
 )
 

@@ -13,6 +13,7 @@
 #include "platform/linux/drawing/QRCode.h"
 #include "platform/linux/x11/Connection.h"
 #include "platform/linux/x11/UnmanagedWindow.h"
+#include "support/TestImages.h"
 
 namespace lumiscan::testing {
 namespace {
@@ -24,27 +25,13 @@ class EveryModeTest : public CaptureTest, public ::testing::WithParamInterface<s
   static constexpr const char* secret = "24680 lines";
   static constexpr const char* code = "24680 lines in a code";
 
-  /// Shows the code in a terminal, two blanks a module.
   void showCode() {
-    const auto modules = desktop::makeQRCode(code, platform::QRCorrectionLevel::medium);
-    std::ofstream file(desktop_.home() / "code");
-    for (int y = 0; y < modules->height(); ++y, file << "\n")
-      for (int x = 0; x < modules->width(); ++x) {
-        const bool light = reinterpret_cast<const std::uint32_t*>(modules->row(y))[x] & 0xFF;
-        file << (light ? "  " : "\033[40m  \033[0m");
-      }
-    file.close();
-    code_ = Process::start({"xterm", "-class", "Code", "-fa", "DejaVu Sans Mono", "-fs", "6", "-geometry",
-                            "70x40+500+330", "-bg", "white", "-fg", "black", "-xrm", "*color0: black", "-e",
-                            "printf '\\033[?25l'; cat ~/code; exec sleep 600"});
-    ASSERT_TRUE(waitUntil([this] {
-      int dark = 0, light = 0;
-      const auto pixels = desktop_.screenPixels();
-      for (int y = 380; y < 600; ++y)
-        for (int x = 520; x < 740; ++x) ++(pixels[desktop_.indexOf(x, y)] == 0 ? dark : light);
-      return dark > 10000 && light > 10000;
-    }));
-    ASSERT_TRUE(waitUntil([this] { return desktop_.focusedWindow() == desktop_.windowsOfClass("Code")[0]; }));
+    const auto modules = desktop::makeQRCode(code, platform::QRCorrectionLevel::medium).value();
+    constexpr std::uint16_t pixelsPerModule = 8;
+    const auto side = static_cast<std::uint16_t>(pixelsPerModule * modules.width());
+    desktop_.showPicture({520, 340, side, side}, [&](std::uint32_t x, std::uint32_t y) {
+      return pixel(modules, int(x / pixelsPerModule), int(y / pixelsPerModule));
+    });
   }
 
   /// The preferences, or a version of them that the disk doesn't have or that it replaces.
@@ -88,7 +75,6 @@ class EveryModeTest : public CaptureTest, public ::testing::WithParamInterface<s
   const std::filesystem::path preferences_ = desktop_.home() / "config" / "lumiscan";
   const std::filesystem::file_time_type start_ = std::filesystem::file_time_type::clock::now();
   std::unique_ptr<Process> speechServer_;
-  std::unique_ptr<Process> code_;
 };
 
 TEST_P(EveryModeTest, CapturesWithoutANetworkAndLeavesTheTextOnlyWhereItBelongs) {

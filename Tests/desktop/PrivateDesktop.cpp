@@ -116,28 +116,31 @@ void PrivateDesktop::attachTwoMonitors() {
   setMonitor("LEFT", "499/132x600/159+0+100", "none");
 }
 
-void PrivateDesktop::showPicture() {
-  const auto width = static_cast<std::uint16_t>(width_);
-  const auto height = static_cast<std::uint16_t>(height_);
-  const auto color = [](std::uint32_t x, std::uint32_t y) {
-    return (x * 2654435761U + y * 40503U) & 0xFFFFFF;
-  };
+void PrivateDesktop::showPicture(
+    const xcb_rectangle_t& place,
+    const std::function<std::uint32_t(std::uint32_t x, std::uint32_t y)>& colorAt) const {
   const xcb_pixmap_t pixmap = xcb_generate_id(connection_);
-  xcb_create_pixmap(connection_, 24, pixmap, root_, width, height);
+  xcb_create_pixmap(connection_, 24, pixmap, root_, place.width, place.height);
   const xcb_gcontext_t gc = xcb_generate_id(connection_);
   xcb_create_gc(connection_, gc, pixmap, 0, nullptr);
   std::vector<std::uint32_t> picture;
-  for (std::uint32_t y = 0; y < height; ++y)
-    for (std::uint32_t x = 0; x < width; ++x) picture.push_back(color(x, y));
-  xcb_put_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, gc, width, height, 0, 0, 0, 24,
+  for (std::uint32_t y = 0; y < place.height; ++y)
+    for (std::uint32_t x = 0; x < place.width; ++x) picture.push_back(colorAt(x, y));
+  xcb_put_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, gc, place.width, place.height, 0, 0, 0, 24,
                 static_cast<std::uint32_t>(4 * picture.size()),
                 reinterpret_cast<const std::uint8_t*>(picture.data()));
   const std::uint32_t values[] = {pixmap, 1};
-  xcb_map_window(connection_,
-                 makeWindow(0, 0, width, height, XCB_CW_BACK_PIXMAP | XCB_CW_OVERRIDE_REDIRECT, values));
+  xcb_map_window(connection_, makeWindow(place.x, place.y, place.width, place.height,
+                                         XCB_CW_BACK_PIXMAP | XCB_CW_OVERRIDE_REDIRECT, values));
   xcb_free_pixmap(connection_, pixmap);
   xcb_free_gc(connection_, gc);
-  require(waitUntil([&] { return screenPixels().back() == color(width - 1U, height - 1U); }), "no picture");
+  require(waitUntil([&] { return pixels(place.x, place.y, place.width, place.height) == picture; }),
+          "no picture");
+}
+
+void PrivateDesktop::showPicture() const {
+  showPicture({0, 0, static_cast<std::uint16_t>(width_), static_cast<std::uint16_t>(height_)},
+              [](std::uint32_t x, std::uint32_t y) { return (x * 2654435761U + y * 40503U) & 0xFFFFFF; });
 }
 
 xcb_window_t PrivateDesktop::makeWindow(int x, int y, int width, int height, std::uint32_t mask,

@@ -71,9 +71,12 @@ class PrivateDesktop {
   void click(int x, int y, int button = XCB_BUTTON_INDEX_1);
   void drag(int fromX, int fromY, int toX, int toY);
 
-  /// Covers the screen with a picture of which no two neighbours are alike, in a window that the window
-  /// manager leaves alone; returns when it shows.
-  void showPicture();
+  /// Shows a picture in a window that the window manager leaves alone; returns when it shows. `colorAt` gives
+  /// the colour of a pixel, from the picture's top left.
+  void showPicture(const xcb_rectangle_t& place,
+                   const std::function<std::uint32_t(std::uint32_t x, std::uint32_t y)>& colorAt) const;
+  /// Covers the screen with a picture of which no two neighbours are alike.
+  void showPicture() const;
   /// An empty window of ours that the window manager leaves alone, as a menu is; it is on top.
   xcb_window_t showMenu(int x, int y, int width, int height) const;
   void closeWindow(xcb_window_t window) const;

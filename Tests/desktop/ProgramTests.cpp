@@ -1,40 +1,45 @@
 // The program's command line, as a user meets it.
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <cstdlib>
+#include <tuple>
 
 #include "desktop/PrivateDesktop.h"
 
 namespace lumiscan::testing {
 namespace {
 
+using ::testing::_;
+using ::testing::FieldsAre;
+
+/// How a run ends, and what it writes: to the standard output, and as errors.
+std::tuple<std::optional<int>, std::string, std::string> run(const std::vector<std::string>& command) {
+  Process program(command);
+  const auto status = program.waitForEnd();
+  return {status, program.standardOutput(), program.standardError()};
+}
+
 TEST(Program, TestsItselfWithoutADisplay) {
   unsetenv("DISPLAY");
   unsetenv("WAYLAND_DISPLAY");
-  Process program({LUMISCAN_PROGRAM, "--selftest"});
-  EXPECT_EQ(program.waitForEnd(), 0);
-  EXPECT_EQ(program.standardOutput(),
-            "PASS  OCR recognizes the app name\n"
-            "PASS  OCR recognizes digits\n"
-            "PASS  Line collapsing\n"
-            "PASS  QR round-trip\n"
-            "\n"
-            "All self-tests passed.\n");
+  EXPECT_THAT(run({LUMISCAN_PROGRAM, "--selftest"}), FieldsAre(0,
+                                                               "PASS  OCR recognizes the app name\n"
+                                                               "PASS  OCR recognizes digits\n"
+                                                               "PASS  Line collapsing\n"
+                                                               "PASS  QR round-trip\n"
+                                                               "\n"
+                                                               "All self-tests passed.\n",
+                                                               _));
 }
 
 TEST(Program, SaysWhetherItMayCaptureTheScreen) {
-  {
-    PrivateDesktop desktop;
-    Process program({LUMISCAN_PROGRAM, "--check-permission"});
-    EXPECT_EQ(program.waitForEnd(), 0);
-    EXPECT_EQ(program.standardOutput(), "Screen recording granted: true\n");
-  }
-  // The display has gone.
-  Process program({LUMISCAN_PROGRAM, "--check-permission"});
-  EXPECT_EQ(program.waitForEnd(), 1);
-  EXPECT_EQ(program.standardOutput(), "Screen recording granted: false\n");
+  auto desktop = std::make_unique<PrivateDesktop>();
+  const std::vector<std::string> command{LUMISCAN_PROGRAM, "--check-permission"};
+  EXPECT_THAT(run(command), FieldsAre(0, "Screen recording granted: true\n", _));
+  desktop = nullptr;
+  EXPECT_THAT(run(command), FieldsAre(1, "Screen recording granted: false\n", _));
 }
 
 TEST(Program, StartsWhateverElseItsArgumentsSay) {
@@ -46,31 +51,18 @@ TEST(Program, StartsWhateverElseItsArgumentsSay) {
   EXPECT_EQ(program.waitForEnd(), 0);
 }
 
-TEST(Program, EndsWithOneClearLineWhereNoThreadCanBeStarted) {
-  const PrivateDesktop desktop;
-  // Stacks of more than the address space.
-  Process program({"prlimit", "--stack=150000000000000:", LUMISCAN_PROGRAM});
-  EXPECT_EQ(program.waitForEnd(), 1);
-  EXPECT_EQ(program.standardError(),
-            "lumiscan: no thread can be started: processes or memory are limited too much\n");
-}
-
-TEST(Program, EndsWithOneClearLineWhereThereIsNoDisplay) {
-  const std::pair<const char*, std::string> cases[] = {
-      {nullptr, "lumiscan: no X display: DISPLAY is not set\n"},
-      {":4999", "lumiscan: no X display answers at DISPLAY=:4999\n"},
-  };
-  for (const auto& [display, line] : cases) {
-    SCOPED_TRACE(line);
-    if (display)
-      setenv("DISPLAY", display, 1);
-    else
-      unsetenv("DISPLAY");
-    Process program({LUMISCAN_PROGRAM});
-    EXPECT_EQ(program.waitForEnd(), 1);
-    EXPECT_EQ(program.standardError(), line);
-    EXPECT_EQ(program.standardOutput(), "");
+TEST(Program, EndsWithOneClearLineWhereItCannotStart) {
+  {
+    const PrivateDesktop desktop;
+    // Stacks of more than the address space.
+    EXPECT_THAT(
+        run({"prlimit", "--stack=150000000000000:", LUMISCAN_PROGRAM}),
+        FieldsAre(1, "", "lumiscan: no thread can be started: processes or memory are limited too much\n"));
   }
+  unsetenv("DISPLAY");
+  EXPECT_THAT(run({LUMISCAN_PROGRAM}), FieldsAre(1, "", "lumiscan: no X display: DISPLAY is not set\n"));
+  setenv("DISPLAY", ":4999", 1);
+  EXPECT_THAT(run({LUMISCAN_PROGRAM}), FieldsAre(1, "", "lumiscan: no X display answers at DISPLAY=:4999\n"));
 }
 
 }  // namespace

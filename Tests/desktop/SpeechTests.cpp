@@ -2,17 +2,10 @@
 // command that synthesises it, which then takes as long as a long text would.
 
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
-#include <atomic>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
-#include <thread>
 
 #include "desktop/Servers.h"
 #include "platform/linux/SpeechLanguages.h"
@@ -184,70 +177,36 @@ TEST_F(SpeechTest, NeverWaitsForAServerThatHangs) {
   speech_ = nullptr;
 }
 
-/// A server that tells of the end of each message before it tells the message's number.
-class HastyServer {
- public:
-  explicit HastyServer(const fs::path& socketFile) : socket_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    socketFile.string().copy(address.sun_path, sizeof address.sun_path - 1);
-    EXPECT_EQ(bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    EXPECT_EQ(listen(socket_, 2), 0);
-    thread_ = std::thread([this] { acceptAll(); });
-  }
-  /// Waits for the ends of all connections, which are the clients' to make.
-  ~HastyServer() {
-    shutdown(socket_, SHUT_RDWR);
-    thread_.join();
-    close(socket_);
-  }
-  HastyServer(const HastyServer&) = delete;
-  HastyServer& operator=(const HastyServer&) = delete;
-  int messages() const { return messages_; }
-
- private:
-  void acceptAll() {
-    std::vector<std::jthread> connections;
-    for (int client = 0; (client = accept4(socket_, nullptr, nullptr, SOCK_CLOEXEC)) >= 0;)
-      connections.emplace_back([this, client] { serve(client); });
-  }
-  void serve(int client) {
-    FILE* const stream = fdopen(client, "r+");
-    bool isText = false;
-    for (char line[4096]; fgets(line, sizeof line, stream);) {
-      const std::string command(line, std::strcspn(line, "\r\n"));
-      if (command == "QUIT") break;
-      const std::string reply = isText ? replyToText(command) : replyTo(command);
-      isText = reply.starts_with("230") || (isText && reply.empty());
-      EXPECT_EQ(write(client, reply.data(), reply.size()), static_cast<ssize_t>(reply.size()));
-    }
-    fclose(stream);
-  }
-  std::string replyToText(const std::string& line) {
-    if (line != ".") return {};
-    const std::string number = std::to_string(++messages_);
-    return "702-" + number + "\r\n702-1\r\n702 END\r\n225-" + number + "\r\n225 OK MESSAGE QUEUED\r\n";
-  }
-  static std::string replyTo(const std::string& command) {
-    if (command == "speak") return "230 OK RECEIVING DATA\r\n";
-    if (command == "HISTORY GET CLIENT_ID") return "245-1\r\n245 OK CLIENT ID SENT\r\n";
-    if (command == "GET LANGUAGE") return "251-en\r\n251 OK GET RETURNED\r\n";
-    return "200 OK\r\n";
-  }
-
-  int socket_;
-  std::atomic<int> messages_ = 0;
-  std::thread thread_;
-};
+/// A server that tells of the end of each message before it tells the message's number. It prints how many
+/// it has had.
+constexpr const char* hastyServer = R"(
+import socketserver, sys
+replies = {"speak": "230 OK RECEIVING DATA", "HISTORY GET CLIENT_ID": "245-1\r\n245 OK CLIENT ID SENT",
+           "GET LANGUAGE": "251-en\r\n251 OK GET RETURNED"}
+class Client(socketserver.StreamRequestHandler):
+    number = 0
+    def handle(self):
+        while (command := self.rfile.readline().decode().strip()) not in ("", "QUIT"):
+            self.reply(replies.get(command, "200 OK"))
+            if command == "speak":
+                while self.rfile.readline().strip() != b".": pass
+                Client.number += 1
+                print(Client.number, flush=True)
+                self.reply("702-{0}\r\n702-1\r\n702 END\r\n225-{0}\r\n225 OK MESSAGE QUEUED".format(Client.number))
+    def reply(self, lines): self.wfile.write((lines + "\r\n").encode())
+server = socketserver.ThreadingUnixStreamServer(sys.argv[1], Client)
+print(0, flush=True)
+server.serve_forever()
+)";
 
 TEST_F(SpeechTest, HearsOfAnEndThatComesBeforeTheMessagesNumber) {
-  const HastyServer server(folder_ / "socket");
-  for (const int count : {1, 2}) {
+  server_ = Process::start({"python3", "-c", hastyServer, folder_ / "socket"});
+  ASSERT_TRUE(waitUntil([this] { return server_->standardOutput() == "0\n"; }));
+  for (const char* numbers : {"0\n1\n", "0\n1\n2\n"}) {
     speak("soon spoken", std::nullopt);
     EXPECT_TRUE(waitUntil([this] { return !speech_->isSpeaking(); }));
-    EXPECT_EQ(server.messages(), count);
+    EXPECT_EQ(server_->standardOutput(), numbers);
   }
-  speech_ = nullptr;
 }
 
 TEST(SpeechLanguages, AreChosenByTheIdentifierThenTheLanguage) {
