@@ -7,7 +7,6 @@
 #include "output/HistoryStore.h"
 #include "settings/Settings.h"
 #include "settings/SettingsWindowController.h"
-#include "support/SimulatedDesktop.h"
 #include "support/SimulatedForm.h"
 
 namespace lumiscan {
@@ -220,7 +219,7 @@ TEST_F(SettingsWindowTest, FieldsRecordAcceptableCombinationsRefuseOthersWithABe
     posts = 0;
     form->pressKey("Stop Speaking", key);
     EXPECT_EQ(storedShortcut("stopSpeaking"), stored);
-    EXPECT_EQ(form->fieldText("Stop Speaking"), shown);
+    EXPECT_EQ(form->field("Stop Speaking").stringValue(), shown);
     EXPECT_EQ(desktop.hotKeys().press(key.keyCode, HotkeyManager::carbonModifiers(key.modifierFlags)),
               key.keyCode != 0)
         << "registered at once";
@@ -233,13 +232,13 @@ TEST_F(SettingsWindowTest, FieldsRecordAcceptableCombinationsRefuseOthersWithABe
     EXPECT_THAT(desktop.effects().take(), ElementsAre("beep"));
   }
   EXPECT_EQ(posts, 1);
-  EXPECT_EQ(form->fieldText("Capture QR / Barcode"), "⌃⌥⌘B");
+  EXPECT_EQ(form->field("Capture QR / Barcode").stringValue(), "⌃⌥⌘B");
 
   form->pressKey("Capture QR / Barcode", {20, modifierCommand});
-  EXPECT_EQ(form->fieldText("Capture QR / Barcode"), "⌘3");
+  EXPECT_EQ(form->field("Capture QR / Barcode").stringValue(), "⌘3");
   form->pressKey("Capture QR / Barcode", {platform::keyCodeEscape, modifierCommand});
   EXPECT_EQ(storedShortcut("captureBarcode"), std::nullopt);
-  EXPECT_EQ(form->fieldText("Capture QR / Barcode"), "⌃⌥⌘B") << "the default is back";
+  EXPECT_EQ(form->field("Capture QR / Barcode").stringValue(), "⌃⌥⌘B") << "the default is back";
   EXPECT_EQ(posts, 3);
 }
 
