@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <memory>
-#include <vector>
-
 #include "ContractDesktop.h"
 #include "platform/Desktop.h"
 #include "platform/Dispatch.h"
@@ -21,16 +18,29 @@ class DispatchContract : public ::testing::Test {
   ContractDesktop desktop;
 };
 
-TEST_F(DispatchContract, MainQueueRunsInOrderOfSubmissionAfterTheCurrentEvent) {
+TEST_F(DispatchContract, MainQueueRunsAfterTheCurrentEventInOrderOfTimeThenOfSubmissionUnlessCancelled) {
   std::vector<int> ran;
+  const auto item = [&ran](int number) {
+    return std::make_shared<platform::WorkItem>([&ran, number] { ran.push_back(number); });
+  };
+  const auto cancelled = item(0);
+  asyncAfter(0.04, item(5));
+  asyncAfter(0.01, cancelled);
+  asyncAfter(0.02, item(4));
+  asyncAfter(3600, item(6));
   async([&] {
     async([&] { ran.push_back(3); });
     ran.push_back(1);
   });
   async([&] { ran.push_back(2); });
+  cancelled->cancel();
   EXPECT_TRUE(ran.empty());
   desktop.processEvents();
-  EXPECT_EQ(ran, (std::vector{1, 2, 3}));
+  EXPECT_GE(ran.size(), 3U) << "all that is due";
+  // Nothing waits for it, which would wake the process up.
+  EXPECT_EQ(cancelled.use_count(), 1);
+  desktop.passTime(0.08);
+  EXPECT_EQ(ran, (std::vector{1, 2, 3, 4, 5}));
 }
 
 TEST_F(DispatchContract, BackgroundTasksRunOffTheMainThreadAndReturnToIt) {
@@ -42,25 +52,6 @@ TEST_F(DispatchContract, BackgroundTasksRunOffTheMainThreadAndReturnToIt) {
   });
   desktop.waitForBackgroundTasks();
   EXPECT_EQ(wasOnMainThread, (std::vector{false, true}));
-}
-
-TEST_F(DispatchContract, DelayedWorkRunsInOrderOfTimeUnlessCancelled) {
-  std::vector<int> ran;
-  const auto item = [&ran](int number) {
-    return std::make_shared<platform::WorkItem>([&ran, number] { ran.push_back(number); });
-  };
-  const auto cancelled = item(1);
-  asyncAfter(0.04, item(4));
-  asyncAfter(0.01, cancelled);
-  asyncAfter(0.02, item(3));
-  asyncAfter(3600, item(5));
-  async([&] { ran.push_back(2); });
-  cancelled->cancel();
-  desktop.processEvents();
-  // Nothing waits for it, which would wake the process up.
-  EXPECT_EQ(cancelled.use_count(), 1);
-  desktop.passTime(0.08);
-  EXPECT_EQ(ran, (std::vector{2, 3, 4}));
 }
 
 TEST_F(DispatchContract, TimersRepeatUntilInvalidatedEvenByThemselves) {
