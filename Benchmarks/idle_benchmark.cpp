@@ -51,7 +51,7 @@ double millisecondsSince(Clock::time_point start) {
 /// The place where tray icons are announced, with a panel that shows them.
 class TrayWatcher : public lumiscan::testing::BusObject {
  public:
-  explicit TrayWatcher(const QString& address) : BusObject(address, "tray", "/StatusNotifierWatcher") {
+  explicit TrayWatcher(const std::string& address) : BusObject(address, "tray", "/StatusNotifierWatcher") {
     require(bus().registerService("org.kde.StatusNotifierWatcher"), "no name on the bus");
   }
   std::atomic<int> icons = 0;
@@ -116,7 +116,7 @@ class Bench {
   explicit Bench(std::string program) : program_(std::move(program)) {
     lumiscan::showTextPage(desktop_);
     setenv("DBUS_SESSION_BUS_ADDRESS", bus_.address().c_str(), 1);
-    watcher_ = std::make_unique<TrayWatcher>(QString::fromStdString(bus_.address()));
+    watcher_ = std::make_unique<TrayWatcher>(bus_.address());
   }
 
   struct Start {

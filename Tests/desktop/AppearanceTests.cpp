@@ -1,14 +1,9 @@
 // The user's choice between light and dark, as a desktop portal tells it on a private bus.
 
-#include <gtest/gtest.h>
-
-#include <QDBusConnection>
-#include <QDBusMessage>
 #include <QDBusVariant>
 #include <QTimer>
 #include <atomic>
 #include <csignal>
-#include <memory>
 
 #include "desktop/BusObject.h"
 #include "desktop/LinuxFixture.h"
@@ -27,7 +22,7 @@ const QString space = "org.freedesktop.appearance";
 /// Answers what a portal answers: a number in a variant in a variant. With it ends the program's connection.
 class Portal : public BusObject {
  public:
-  explicit Portal(const std::string& address) : BusObject(QString::fromStdString(address), "portal", path) {
+  explicit Portal(const std::string& address) : BusObject(address, "portal", path) {
     EXPECT_TRUE(bus().registerService("org.freedesktop.portal.Desktop"));
   }
   ~Portal() override { QDBusConnection::disconnectFromBus("program"); }

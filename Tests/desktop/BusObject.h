@@ -5,7 +5,6 @@
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
 #include <QString>
-#include <functional>
 #include <stdexcept>
 
 #include "desktop/Process.h"
@@ -31,9 +30,9 @@ class EventLoop {
 class BusObject : public QDBusVirtualObject {
  public:
   /// No two connections of a process have the same name.
-  BusObject(const QString& address, const QString& connectionName, const QString& path,
+  BusObject(const std::string& address, const QString& connectionName, const QString& path,
             QDBusConnection::VirtualObjectRegisterOption reach = QDBusConnection::SingleNode)
-      : bus_(QDBusConnection::connectToBus(address, connectionName)), path_(path) {
+      : bus_(QDBusConnection::connectToBus(QString::fromStdString(address), connectionName)), path_(path) {
     if (!bus_.registerVirtualObject(path, this, reach)) throw std::runtime_error("no object on the bus");
   }
   ~BusObject() override {

@@ -2,12 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusVariant>
-#include <chrono>
 #include <csignal>
-#include <cstdlib>
 
 #include "desktop/BusObject.h"
 #include "desktop/Servers.h"
@@ -24,7 +21,7 @@ const QString otherSessionPath = managerPath + "/session/_38";
 /// Knows one session, number 7, which is also the caller's.
 class LoginManager : public BusObject {
  public:
-  explicit LoginManager(const QString& address)
+  explicit LoginManager(const std::string& address)
       : BusObject(address, "manager", managerPath, QDBusConnection::SubPath) {
     EXPECT_TRUE(bus().registerService("org.freedesktop.login1"));
   }
@@ -79,7 +76,7 @@ class LoginSessionTest : public ::testing::Test, protected EventLoop {
 
 TEST_F(LoginSessionTest, PostsWakingAndTheReturnToOurSession) {
   const auto bus = startBus();
-  LoginManager manager(qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS"));
+  LoginManager manager(bus->address());
   for (const char* identifier : {"7", "", "one that has ended"}) {
     SCOPED_TRACE(identifier);
     setenv("XDG_SESSION_ID", identifier, 1);
