@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
-#include <span>
+#include <string_view>
 #include <utility>
 
 #include "platform/Image.h"
@@ -28,8 +27,10 @@ inline std::uint32_t colorOf(std::uint8_t cell, platform::PixelFormat format) {
 ///
 /// With alpha a cell's red is also how opaque it is, so colours may be brighter than their alpha allows.
 /// The memory ends with the last pixel, so that reading beyond it is noticed.
-inline platform::Image imageFromBytes(std::span<const std::uint8_t> bytes, std::size_t mostPixels) {
-  const auto byteAt = [&](std::size_t i) { return i < bytes.size() ? bytes[i] : std::uint8_t{0xFF}; };
+inline platform::Image imageFromBytes(std::string_view bytes, std::size_t mostPixels) {
+  const auto byteAt = [&](std::size_t i) {
+    return i < bytes.size() ? static_cast<std::uint8_t>(bytes[i]) : std::uint8_t{0xFF};
+  };
   const auto sideAt = [&](std::size_t i) {
     return 1 + (byteAt(i) | static_cast<std::size_t>(byteAt(i + 1)) << 8) % 20'000;
   };

@@ -1,12 +1,7 @@
 // Arbitrary bytes as the preferences file: whatever it holds, a value written is read again by the next start
 // of the program, and the other members of a file that can be read stay.
 
-#include <cstddef>
-#include <cstdint>
-#include <filesystem>
-#include <fstream>
-
-#include "fuzz/Require.h"
+#include "fuzz/Target.h"
 #include "platform/linux/UserDefaults.h"
 #include "support/SimulatedDesktop.h"
 #include "support/TemporaryFolder.h"
@@ -41,14 +36,13 @@ void useFile(const std::filesystem::path& file) {
 }
 
 }  // namespace
-}  // namespace lumiscan::fuzzing
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void use(std::string_view input) {
   // One for each input, so that no input depends on those before it.
-  const lumiscan::testing::TemporaryFolder folder;
+  const testing::TemporaryFolder folder;
   const std::filesystem::path file = folder.path() / "preferences.json";
-  std::ofstream(file, std::ios::binary)
-      .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
-  lumiscan::fuzzing::useFile(file);
-  return 0;
+  std::ofstream(file, std::ios::binary) << input;
+  useFile(file);
 }
+
+}  // namespace lumiscan::fuzzing

@@ -4,33 +4,30 @@
 #include <cstdlib>
 
 #include "fuzz/ImageFromBytes.h"
+#include "fuzz/Target.h"
 #include "platform/linux/recognition/ImagePreparation.h"
 #include "platform/linux/recognition/LineImage.h"
 #include "platform/linux/recognition/PictureLetters.h"
 #include "platform/linux/recognition/ShapeCorrections.h"
 #include "platform/linux/recognition/TextLayout.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace lumiscan;
+void lumiscan::fuzzing::use(std::string_view input) {
   constexpr std::size_t mostPixels = 40'000;
-  const platform::Image image = fuzzing::imageFromBytes({data, size}, mostPixels);
+  const platform::Image image = imageFromBytes(input, mostPixels);
   const desktop::Surfaces surfaces(image);
   const desktop::Grounds grounds(surfaces);
   const desktop::PictureLetters letters(surfaces, grounds);
   for (const std::uint32_t color : letters.colors())
-    if (letters.ink(color, desktop::PictureLetters::Strokes::any).pixels.size() != surfaces.pixelCount())
-      std::abort();
+    require(letters.ink(color, desktop::PictureLetters::Strokes::any).pixels.size() == surfaces.pixelCount());
   desktop::GreyBitmap ink = desktop::inkOf(surfaces, grounds);
   for (const desktop::TextLine& line : desktop::findTextLines(ink, desktop::Characters::wide)) {
-    if (line.glyphs.empty()) std::abort();
+    require(!line.glyphs.empty());
     for (const desktop::Glyph& glyph : line.glyphs)
-      if (!ink.contains(glyph.box.left, glyph.box.top) || !ink.contains(glyph.box.right, glyph.box.bottom))
-        std::abort();
+      require(ink.contains(glyph.box.left, glyph.box.top) && ink.contains(glyph.box.right, glyph.box.bottom));
     desktop::drawLine(ink, line, line.glyphs, {36, 0.3});
     desktop::LineShapes shapes(ink, line, line.glyphs);
     std::vector<desktop::Symbol> symbols(3, {"x", false, line.box, 50});
     correctByShape(symbols, shapes);
-    if (symbols.size() > 3 + line.glyphs.size()) std::abort();
+    require(symbols.size() <= 3 + line.glyphs.size());
   }
-  return 0;
 }

@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "capture/LastSelection.h"
-#include "fuzz/Require.h"
+#include "fuzz/Target.h"
 #include "hotkeys/HotkeyManager.h"
 #include "output/CaptureRecord.h"
 #include "support/SimulatedDesktop.h"
@@ -13,18 +13,11 @@
 namespace lumiscan::fuzzing {
 namespace {
 
-void readHistory(std::string_view stored) {
-  const auto records = decodedCaptureRecords(stored);
-  if (!records) return;
-  const auto again = encoded(*records);
-  require(again.has_value() && decodedCaptureRecords(*again) == records);
-}
-
-void readLastSelection(std::string_view stored) {
-  const auto selection = decodedLastSelection(stored);
-  if (!selection) return;
-  const auto again = encoded(*selection);
-  require(again.has_value() && decodedLastSelection(*again) == selection);
+void decode(const auto& decoded, std::string_view stored) {
+  const auto value = decoded(stored);
+  if (!value) return;
+  const auto again = encoded(*value);
+  require(again.has_value() && decoded(*again) == value);
 }
 
 void readBinding(std::string_view stored) {
@@ -40,12 +33,11 @@ void readBinding(std::string_view stored) {
 }
 
 }  // namespace
-}  // namespace lumiscan::fuzzing
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string_view stored(reinterpret_cast<const char*>(data), size);
-  lumiscan::fuzzing::readHistory(stored);
-  lumiscan::fuzzing::readLastSelection(stored);
-  lumiscan::fuzzing::readBinding(stored);
-  return 0;
+void use(std::string_view input) {
+  decode(decodedCaptureRecords, input);
+  decode(decodedLastSelection, input);
+  readBinding(input);
 }
+
+}  // namespace lumiscan::fuzzing

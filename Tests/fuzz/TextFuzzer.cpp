@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "app/HistoryTitle.h"
-#include "fuzz/Require.h"
+#include "fuzz/Target.h"
 #include "recognition/OCRService.h"
 #include "recognition/TextLines.h"
 
@@ -27,12 +27,11 @@ void makeTitle(std::string_view text, CaptureMode mode) {
 }
 
 }  // namespace
-}  // namespace lumiscan::fuzzing
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string_view text(reinterpret_cast<const char*>(data), size);
-  lumiscan::fuzzing::joinLines(text);
-  lumiscan::fuzzing::makeTitle(text, lumiscan::CaptureMode::text);
-  lumiscan::fuzzing::makeTitle(text, lumiscan::CaptureMode::barcode);
-  return 0;
+void use(std::string_view input) {
+  joinLines(input);
+  makeTitle(input, CaptureMode::text);
+  makeTitle(input, CaptureMode::barcode);
 }
+
+}  // namespace lumiscan::fuzzing
