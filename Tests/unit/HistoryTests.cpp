@@ -59,32 +59,25 @@ TEST_F(HistoryTest, ReadsWhatIsARecordWhateverItsOrderAndOtherMembers) {
 
   const std::string good =
       R"({"id":"0F9A3B5C-1D2E-4F60-8A7B-9C0D1E2F3A4B","date":1,"mode":"text","text":"t"})";
-  const auto with = [&good](const std::string& part, const std::string& replacement) {
+  std::vector<std::string> wrong{"",     "nonsense", "{}",       "[null]",
+                                 "[[]]", good,       "[" + good, "[" + good + ",1]"};
+  // One record that is none, after one that is.
+  for (const auto& [part, replacement] : {std::pair(R"("mode":"text",)", ""),
+                                          {R"("text")", R"("speech")"},
+                                          {R"("mode":"text")", R"("mode":"Text")"},
+                                          {R"("mode":"text")", R"("mode":1)"},
+                                          {R"("date":1)", R"("date":"1")"},
+                                          {R"("date":1)", R"("date":true)"},
+                                          {R"("date":1)", R"("date":null)"},
+                                          {R"("date":1)", R"("date":1e999)"},
+                                          {"0F9A", "0F9"},
+                                          {"0F9A", "0F9G"},
+                                          {"5C-1D", "5C1D-"},
+                                          {R"("t"})", "\"\xFF\"}"}}) {
     std::string changed = good;
-    return changed.replace(changed.find(part), part.size(), replacement);
-  };
-  const std::string wrong[] = {
-      "",
-      "nonsense",
-      "{}",
-      good,
-      "[" + good,
-      "[" + good + ",1]",
-      "[null]",
-      "[[]]",
-      "[" + good + "," + with(R"("mode":"text",)", "") + "]",
-      "[" + with(R"("text")", R"("speech")") + "]",
-      "[" + with(R"("mode":"text")", R"("mode":"Text")") + "]",
-      "[" + with(R"("mode":"text")", R"("mode":1)") + "]",
-      "[" + with(R"("date":1)", R"("date":"1")") + "]",
-      "[" + with(R"("date":1)", R"("date":true)") + "]",
-      "[" + with(R"("date":1)", R"("date":null)") + "]",
-      "[" + with(R"("date":1)", R"("date":1e999)") + "]",
-      "[" + with("0F9A", "0F9") + "]",
-      "[" + with("0F9A", "0F9G") + "]",
-      "[" + with("5C-1D", "5C1D-") + "]",
-      "[" + with(R"("t"})", "\"\xFF\"}") + "]",
-  };
+    changed.replace(changed.find(part), std::strlen(part), replacement);
+    wrong.push_back("[" + good + "," + changed + "]");
+  }
   for (const std::string& document : wrong) {
     store(platform::Data{document});
     EXPECT_THAT(HistoryStore().items(), IsEmpty()) << document;

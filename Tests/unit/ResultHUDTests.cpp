@@ -25,16 +25,10 @@ class ResultHUDTest : public ::testing::Test {
 
 TEST_F(ResultHUDTest, ThePanelFloatsUnfocusedWhereTheMouseIs) {
   desktop.displays().attach(2, {{1440, -100}, {1000, 800}}, 2);
-  struct Case {
-    platform::Point mouse;
-    std::string title;
-    std::optional<std::string> preview;
-    Rect frame;
-  };
   // Characters are 6 points wide, lines 14 high; 16 by 16 is the symbol, 8 the room on either side of the
   // title, 28 and 20 the padding.
   const std::string fifty(50, 'x');
-  const Case cases[] = {
+  const std::tuple<platform::Point, std::string, std::optional<std::string>, Rect> cases[] = {
       {{10, 10}, "Copied", std::nullopt, {{600, 852}, {240, 36}}},
       {{10, 10}, "Copied", "", {{600, 852}, {240, 36}}},
       {{10, 10}, "Copied", fifty, {{556, 834}, {328, 54}}},
@@ -44,11 +38,11 @@ TEST_F(ResultHUDTest, ThePanelFloatsUnfocusedWhereTheMouseIs) {
       {{1440, 0}, "Copied", std::nullopt, {{1820, 652}, {240, 36}}},
       {{1500, 700}, "Copied", std::nullopt, {{600, 852}, {240, 36}}},
   };
-  for (const Case& each : cases) {
-    desktop.windows().mouseLocation = each.mouse;
-    hud->show(each.title, each.preview);
+  for (const auto& [mouse, title, preview, frame] : cases) {
+    desktop.windows().mouseLocation = mouse;
+    hud->show(title, preview);
     ASSERT_EQ(desktop.windows().visible().size(), 1U);
-    EXPECT_EQ(panel()->frame(), each.frame) << each.title << " / " << each.preview.value_or("none");
+    EXPECT_EQ(panel()->frame(), frame) << title << " / " << preview.value_or("none");
   }
   EXPECT_EQ(desktop.windows().keyWindow(), nullptr);
   EXPECT_FALSE(panel()->canBecomeKey());

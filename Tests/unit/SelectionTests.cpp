@@ -20,16 +20,9 @@ constexpr Rect belowLeft{{-1920, -180}, {1920, 1080}};
 constexpr Rect above{{200, 900}, {1920, 1080}};
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
-struct CropCase {
-  const char* name;
-  Rect frame;  ///< Of the screen that is captured; others than the laptop's are beside that, at scale 2.
-  double scale;
-  Rect selection;
-  std::string cropped;  ///< "nothing" where there is no image.
-};
-
 TEST(Crop, CutsTheSelectionInPixelsOfItsDisplay) {
-  const CropCase cases[] = {
+  // Screens others than the laptop's are beside that, at scale 2.
+  const std::tuple<const char*, Rect, double, Rect, std::string> cases[] = {
       {"plain", laptop, 1, {{100, 200}, {300, 150}}, "100,550 300×150"},
       {"a hair more", laptop, 1, {{100 + 1e-9, 200}, {300, 150}}, "100,550 300×150"},
       {"rounded outwards", laptop, 1.25, {{101, 200}, {33, 21}}, "126,848 42×27"},
@@ -44,16 +37,16 @@ TEST(Crop, CutsTheSelectionInPixelsOfItsDisplay) {
       {"not a number wide", laptop, 1, {{7, 8}, {notANumber, 40}}, "nothing"},
       {"not a number high", laptop, 1, {{7, 8}, {40, notANumber}}, "nothing"},
   };
-  for (const CropCase& each : cases) {
-    SCOPED_TRACE(each.name);
+  for (const auto& [name, frame, scale, selection, expected] : cases) {
+    SCOPED_TRACE(name);
     testing::SimulatedDesktop desktop;
     desktop.displays().detach(1);
-    const bool isMain = each.frame == laptop;
-    platform::Screen screen = desktop.displays().attach(1, laptop, isMain ? each.scale : 2);
-    if (!isMain) screen = desktop.displays().attach(2, each.frame, each.scale);
+    const bool isMain = frame == laptop;
+    platform::Screen screen = desktop.displays().attach(1, laptop, isMain ? scale : 2);
+    if (!isMain) screen = desktop.displays().attach(2, frame, scale);
     const auto snapshot = desktop.displays().createImage(screen.displayID);
-    const auto cropped = ScreenCaptureController::crop(*snapshot, each.selection, screen);
-    EXPECT_EQ(cropped ? describe(*cropped) : "nothing", each.cropped);
+    const auto cropped = ScreenCaptureController::crop(*snapshot, selection, screen);
+    EXPECT_EQ(cropped ? describe(*cropped) : "nothing", expected);
   }
 }
 
