@@ -87,29 +87,26 @@ TEST_P(EveryModeTest, CapturesWithoutANetworkAndLeavesTheTextOnlyWhereItBelongs)
   desktop_.writePreferences(R"({"additiveEnabled": true})");
   startProgram(GetParam());
 
-  struct Mode {
-    std::vector<std::uint8_t> keys;
-    bool drags = true;
-    std::string clipboard;
-  };
-  const Mode modes[] = {
-      {{KEY_LEFTMETA, KEY_LEFTSHIFT, KEY_2}, true, pageText},
-      {{KEY_LEFTCTRL, KEY_LEFTALT, KEY_LEFTMETA, KEY_S}, true, pageText + "\n" + pageText},
-      {{KEY_LEFTCTRL, KEY_LEFTALT, KEY_LEFTMETA, KEY_R}, false, pageText + "\n" + pageText + "\n" + pageText},
-      {{KEY_LEFTCTRL, KEY_LEFTALT, KEY_LEFTMETA, KEY_B}, true, code},
+  // Text, speech, the last selection again, and a code.
+  const std::string twice = pageText + "\n" + pageText;
+  const std::pair<std::vector<std::uint8_t>, std::string> modes[] = {
+      {{KEY_LEFTMETA, KEY_LEFTSHIFT, KEY_2}, pageText},
+      {{KEY_LEFTCTRL, KEY_LEFTALT, KEY_LEFTMETA, KEY_S}, twice},
+      {{KEY_LEFTCTRL, KEY_LEFTALT, KEY_LEFTMETA, KEY_R}, twice + "\n" + pageText},
+      {{KEY_LEFTCTRL, KEY_LEFTALT, KEY_LEFTMETA, KEY_B}, code},
   };
   const xcb_window_t focused = desktop_.focusedWindow();
-  for (const Mode& mode : modes) {
-    desktop_.pressKeys(mode.keys);
-    if (mode.drags) {
+  for (const auto& [keys, text] : modes) {
+    desktop_.pressKeys(keys);
+    if (keys.back() != KEY_R) {
       ASSERT_TRUE(waitUntil([this] { return overlays() == 1 && desktop_.inputIsTaken(); }));
       EXPECT_EQ(desktop_.focusedWindow(), focused) << "its window's looks must not change";
-      if (mode.clipboard == code)
+      if (text == code)
         desktop_.drag(495, 325, 1279, 799);
       else
         dragOverThePage();
     }
-    ASSERT_TRUE(waitForClipboard(mode.clipboard)) << PrivateDesktop::clipboard().value_or("no text");
+    ASSERT_TRUE(waitForClipboard(text)) << PrivateDesktop::clipboard().value_or("no text");
     ASSERT_TRUE(waitUntil([this] { return desktop_.windowsOfClass("LumiscanPanel").size() == 1; }));
     EXPECT_THAT(placesOfTheSecret(), ::testing::IsEmpty());
     EXPECT_TRUE(waitUntil([this] { return onlyTheLastVersionIsThere(); }));
@@ -155,9 +152,7 @@ TEST_P(DisplayLossTest, EndsTheProgramAtOnce) {
   if (moment == "Dragging") {
     pressShortcut();
     ASSERT_TRUE(waitForOverlays(1));
-    desktop_.moveMouse(left, top);
-    desktop_.buttonDown();
-    desktop_.moveMouse(right, bottom);
+    desktop_.beginDrag(left, top, right, bottom);
   } else if (moment == "Recognizing") {
     captureThePage();
   }

@@ -90,9 +90,7 @@ TEST_F(FaultTest, ACaptureMayBeginAtEveryStageOfAnother) {
       {"dragging",
        [this] {
          beginSession();
-         desktop_.moveMouse(left, top);
-         desktop_.buttonDown();
-         desktop_.moveMouse(right, bottom);
+         desktop_.beginDrag(left, top, right, bottom);
        }},
       {"taking the picture",
        [this] {

@@ -102,18 +102,8 @@ void PrivateDesktop::startCompositor() {
           "no compositing manager");
 }
 
-void PrivateDesktop::setMonitor(const std::string& name, const std::string& geometry,
-                                const std::string& output) {
-  require(Process({"xrandr", "--setmonitor", name, geometry, output}).waitForEnd() == 0, "no such monitor");
-}
-
-void PrivateDesktop::detachMonitor(const std::string& name) {
-  require(Process({"xrandr", "--delmonitor", name}).waitForEnd() == 0, "no such monitor");
-}
-
-void PrivateDesktop::attachTwoMonitors() {
-  setMonitor("*MAIN", "780/206x800/212+500+0", "screen");
-  setMonitor("LEFT", "499/132x600/159+0+100", "none");
+void PrivateDesktop::changeMonitors(const std::vector<std::string>& command) {
+  require(Process(command).waitForEnd() == 0, "no such monitor");
 }
 
 void PrivateDesktop::showPicture(
@@ -198,20 +188,6 @@ void PrivateDesktop::sync() const {
 void PrivateDesktop::pressKeys(const std::vector<std::uint8_t>& evdevCodes) {
   for (const auto code : evdevCodes) keyDown(code);
   for (auto code = evdevCodes.rbegin(); code != evdevCodes.rend(); ++code) keyUp(*code);
-}
-
-void PrivateDesktop::click(int x, int y, int button) {
-  moveMouse(x, y);
-  buttonDown(button);
-  buttonUp(button);
-}
-
-void PrivateDesktop::drag(int fromX, int fromY, int toX, int toY) {
-  moveMouse(fromX, fromY);
-  buttonDown();
-  moveMouse((fromX + toX) / 2, (fromY + toY) / 2);
-  moveMouse(toX, toY);
-  buttonUp();
 }
 
 std::vector<xcb_window_t> PrivateDesktop::windows() const {

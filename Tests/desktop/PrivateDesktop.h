@@ -36,10 +36,15 @@ class PrivateDesktop {
 
   /// Divides the screen into two monitors: the primary one, MAIN, and left of it LEFT, which is smaller and
   /// begins lower. Neither has its top left at the screen's.
-  void attachTwoMonitors();
+  void attachTwoMonitors() {
+    setMonitor("*MAIN", "780/206x800/212+500+0", "screen");
+    setMonitor("LEFT", "499/132x600/159+0+100", "none");
+  }
   /// What the user does to a monitor: `geometry` as `xrandr --setmonitor` takes it.
-  static void setMonitor(const std::string& name, const std::string& geometry, const std::string& output);
-  static void detachMonitor(const std::string& name);
+  static void setMonitor(const std::string& name, const std::string& geometry, const std::string& output) {
+    changeMonitors({"xrandr", "--setmonitor", name, geometry, output});
+  }
+  static void detachMonitor(const std::string& name) { changeMonitors({"xrandr", "--delmonitor", name}); }
 
   /// Another window manager takes the place of the one that runs; returns when it has.
   void restartWindowManager();
@@ -68,8 +73,21 @@ class PrivateDesktop {
   void moveMouse(int x, int y) { fake(XCB_MOTION_NOTIFY, 0, x, y); }
   void buttonDown(int button = XCB_BUTTON_INDEX_1) { fake(XCB_BUTTON_PRESS, button); }
   void buttonUp(int button = XCB_BUTTON_INDEX_1) { fake(XCB_BUTTON_RELEASE, button); }
-  void click(int x, int y, int button = XCB_BUTTON_INDEX_1);
-  void drag(int fromX, int fromY, int toX, int toY);
+  void click(int x, int y, int button = XCB_BUTTON_INDEX_1) {
+    moveMouse(x, y);
+    buttonDown(button);
+    buttonUp(button);
+  }
+  void beginDrag(int fromX, int fromY, int toX, int toY) {
+    moveMouse(fromX, fromY);
+    buttonDown();
+    moveMouse((fromX + toX) / 2, (fromY + toY) / 2);
+    moveMouse(toX, toY);
+  }
+  void drag(int fromX, int fromY, int toX, int toY) {
+    beginDrag(fromX, fromY, toX, toY);
+    buttonUp();
+  }
 
   /// Shows a picture in a window that the window manager leaves alone; returns when it shows. `colorAt` gives
   /// the colour of a pixel, from the picture's top left.
@@ -120,6 +138,7 @@ class PrivateDesktop {
 
  private:
   void waitForWindowManager() const;
+  static void changeMonitors(const std::vector<std::string>& command);
   int heldByOthers() const;  ///< How many of the mouse and the keyboard.
   void fake(int type, int detail, int x = 0, int y = 0);
   /// Not mapped yet. `mask` and `values` are the window's attributes.

@@ -296,9 +296,7 @@ TEST_P(SessionTest, SoakLeavesNothingBehind) {
       [this] { screen().drag(100, 200, 800, 700); },
       // In the middle of a drag.
       [this] {
-        screen().moveMouse(700, 300);
-        screen().buttonDown();
-        screen().moveMouse(800, 500);
+        screen().beginDrag(700, 300, 800, 500);
         screen().pressKeys({KEY_ESC});
         screen().buttonUp();
       },

@@ -97,19 +97,15 @@ DefaultModule )" << module << "\n";
 TEST_F(SpeechTest, SpeaksWithTheVoiceOfTheLanguageUntilStopped) {
   startServer();
   EXPECT_FALSE(speech_->isSpeaking());
-  const struct {
-    std::optional<std::string> language;
-    const char* text;
-    const char* spoken;
-  } cases[] = {
+  const std::tuple<std::optional<std::string>, const char*, const char*> cases[] = {
       {"de-DE", "Guten Tag", "de: Guten Tag"}, {"en-US", "Good morning", "en-us: Good morning"},
       {"pt-BR", "Bom dia", "pt-br: Bom dia"},  {"zh-Hans", "早上好", "cmn: 早上好"},
       {"xx-YY", "no such", "en-us: no such"},  {std::nullopt, "by default", "en-us: by default"},
   };
-  for (const auto& each : cases) {
-    speak(each.text, each.language);
+  for (const auto& [language, text, expected] : cases) {
+    speak(text, language);
     EXPECT_TRUE(speech_->isSpeaking());
-    ASSERT_TRUE(waitForSpoken(each.spoken)) << each.spoken;
+    ASSERT_TRUE(waitForSpoken(expected)) << expected;
     EXPECT_TRUE(speech_->isSpeaking());
     const auto stopped = steady_clock::now();
     expectAtOnce([this] { speech_->stopSpeaking(); });
