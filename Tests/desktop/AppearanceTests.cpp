@@ -36,11 +36,9 @@ class Portal : public BusObject {
   }
   /// Tells of a change of one of its settings, as number, to whom it may concern.
   void tell(const QString& key, unsigned value) {
-    QDBusMessage signal = QDBusMessage::createSignal(path, interface, "SettingChanged");
-    signal << space << key << QVariant::fromValue(QDBusVariant(value));
-    send(signal);
+    EXPECT_TRUE(
+        send(path, interface, "SettingChanged", {space, key, QVariant::fromValue(QDBusVariant(value))}));
   }
-  void send(const QDBusMessage& signal) { EXPECT_TRUE(bus().send(signal)); }
   std::atomic<unsigned> scheme = 1;
   std::atomic<int> questions = 0;
 };
@@ -72,7 +70,7 @@ TEST(Appearance, FollowsThePortalAndElseThePalette) {
   ASSERT_TRUE(QDBusConnection("program").connect({}, path, interface, "Last", &lastCame, SLOT(start())));
   portal.tell("contrast", dark);
   portal.tell("color-scheme", light);
-  portal.send(QDBusMessage::createSignal(path, interface, "Last"));
+  EXPECT_TRUE(portal.send(path, interface, "Last"));
   EXPECT_TRUE(LinuxFixture::waitFor([&] { return lastCame.isActive(); }));
   EXPECT_EQ(changes, 2) << "another setting and the same choice change nothing";
   portal.tell("color-scheme", dark);

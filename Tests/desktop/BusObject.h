@@ -43,6 +43,13 @@ class BusObject : public QDBusVirtualObject {
   }
 
   QDBusConnection bus() const { return bus_; }
+  /// Tells everybody on the bus; whether it could.
+  bool send(const QString& path, const QString& interface, const QString& name,
+            const QVariantList& arguments = {}) const {
+    QDBusMessage signal = QDBusMessage::createSignal(path, interface, name);
+    signal.setArguments(arguments);
+    return bus_.send(signal);
+  }
 
  private:
   QString introspect(const QString&) const override { return {}; }

@@ -45,22 +45,6 @@ class KeyCounter : public QAbstractNativeEventFilter {
   const int keycode_;
 };
 
-/// A key that is grabbed on the toolkit's connection: once it comes, everything that the server sent before
-/// has been handled.
-class MarkerKey : public KeyCounter {
- public:
-  static constexpr std::uint8_t evdevCode = KEY_F20;
-
-  MarkerKey() : KeyCounter(XCB_KEY_RELEASE, evdevCode) {
-    auto* x = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
-    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(x)).data->root;
-    // Checked, so that the grab is there before the key is pressed through another connection.
-    const auto request = xcb_grab_key_checked(x, 1, root, XCB_MOD_MASK_ANY, evdevCode + 8,
-                                              XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
-    EXPECT_EQ(xcb_request_check(x, request), nullptr);
-  }
-};
-
 /// The real desktop on a private screen, in this process. Also the base of test fixtures.
 class LinuxFixture {
  public:
@@ -104,11 +88,15 @@ class LinuxFixture {
     private_.pressKeys(keys);
     handleWhatTheServerSent();
   }
-  /// Returns when everything that the server has sent so far has been handled.
+  /// Returns when everything that the server has sent so far has been handled: a key, grabbed on the
+  /// toolkit's connection, comes after it.
   void handleWhatTheServerSent() {
-    MarkerKey marker;
-    private_.pressKeys({MarkerKey::evdevCode});
-    EXPECT_TRUE(waitFor([&marker] { return marker.count > 0; }));
+    constexpr std::uint8_t marker = KEY_F20;
+    grabKey(qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection(), XCB_MOD_MASK_ANY,
+            marker + 8);
+    const KeyCounter releases(XCB_KEY_RELEASE, marker);
+    private_.pressKeys({marker});
+    EXPECT_TRUE(waitFor([&releases] { return releases.count > 0; }));
     processEvents();
   }
   PrivateDesktop& screen() { return private_; }
@@ -126,13 +114,17 @@ class LinuxFixture {
     return count;
   }
   void takeHotKey(std::uint32_t keyCode, std::uint32_t modifiers) {
-    const auto request = xcb_grab_key_checked(
-        private_.x(), 1, private_.root(), *desktop::x11::ModifierMap::read(private_.x()).mask(modifiers),
-        *desktop::x11::keycode(keyCode), XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
-    EXPECT_EQ(owned(xcb_request_check(private_.x(), request)), nullptr);
+    grabKey(private_.x(), *desktop::x11::ModifierMap::read(private_.x()).mask(modifiers),
+            *desktop::x11::keycode(keyCode));
   }
 
  private:
+  /// Returns when it is grabbed.
+  void grabKey(xcb_connection_t* x, std::uint16_t modifiers, xcb_keycode_t key) const {
+    const auto request =
+        xcb_grab_key_checked(x, 1, private_.root(), modifiers, key, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    EXPECT_EQ(owned(xcb_request_check(x, request)), nullptr);
+  }
   void start() {
     desktop_ = std::make_unique<desktop::LinuxDesktop>();
     platform::Application::shared();

@@ -27,11 +27,11 @@ class LoginManager : public BusObject {
   }
 
   void prepareForSleep(bool begins) {
-    send(managerPath, "org.freedesktop.login1.Manager", "PrepareForSleep", {begins});
+    EXPECT_TRUE(send(managerPath, "org.freedesktop.login1.Manager", "PrepareForSleep", {begins}));
   }
   void changeProperty(const QString& path, const QString& name, bool value) {
-    send(path, "org.freedesktop.DBus.Properties", "PropertiesChanged",
-         {"org.freedesktop.login1.Session", QVariantMap{{name, value}}, QStringList()});
+    EXPECT_TRUE(send(path, "org.freedesktop.DBus.Properties", "PropertiesChanged",
+                     {"org.freedesktop.login1.Session", QVariantMap{{name, value}}, QStringList()}));
   }
 
  private:
@@ -42,12 +42,6 @@ class LoginManager : public BusObject {
       return connection.send(message.createReply(QVariant::fromValue(QDBusObjectPath(sessionPath))));
     return connection.send(
         message.createErrorReply("org.freedesktop.login1.NoSuchSession", "no such session"));
-  }
-  void send(const QString& path, const QString& interface, const QString& name,
-            const QVariantList& arguments) {
-    QDBusMessage signal = QDBusMessage::createSignal(path, interface, name);
-    signal.setArguments(arguments);
-    EXPECT_TRUE(bus().send(signal));
   }
 };
 
