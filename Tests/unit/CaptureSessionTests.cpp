@@ -75,19 +75,6 @@ TEST_F(CaptureSessionTest, ConfirmationCapturesAfterTheOverlaysHaveGone) {
   EXPECT_THAT(logged(), IsEmpty());
 }
 
-TEST_F(CaptureSessionTest, FailuresOfTheSnapshotAndOfTheCropAreToldApart) {
-  std::vector<std::string> lastLines;
-  for (const auto& picture : {std::optional<platform::Image>(), {testing::coordinateImage(8, 8)}}) {
-    desktop.displays().setImage(1, picture);
-    begin();
-    drag();
-    lastLines.push_back(logged().back());
-  }
-  EXPECT_THAT(ends, ElementsAre("session: noScreenAccess", "session: cancelled"));
-  EXPECT_THAT(lastLines, ElementsAre("capture error: crop failed (snapshot nil: true)",
-                                     "capture error: crop failed (snapshot nil: false)"));
-}
-
 TEST_F(CaptureSessionTest, CancelsByKeyClickOrTooSmallARectangle) {
   constexpr auto command = platform::modifierCommand | platform::modifierCapsLock;
   std::vector<std::function<void()>> cancels = {

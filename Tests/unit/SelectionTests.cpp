@@ -110,15 +110,18 @@ TEST_F(RepeatTest, OnlyASuccessfulSessionReplacesWhatIsStored) {
   desktop.advance(90);
   desktop.displays().setImage(1, std::nullopt);
   capture({0, 0}, {50, 50});
+  EXPECT_EQ(desktop.logSink().take().back(), "capture error: crop failed (snapshot nil: true)");
   desktop.displays().setImage(1, testing::coordinateImage(8, 8));
   capture({20, 0}, {50, 50});
+  EXPECT_EQ(desktop.logSink().take().back(), "capture error: crop failed (snapshot nil: false)");
   // Gone between the picture and its delivery: there is nothing to measure fractions of.
   begin();
   desktop.windows().dragMouse({0, 890}, {50, 900});
   desktop.runBackgroundTasks();
   desktop.displays().detach(1);
   desktop.settle();
-  EXPECT_EQ(ends.back(), "session: 0,0 8×8");
+  EXPECT_THAT(ends, ElementsAre("session: cancelled", "session: cancelled", "session: noScreenAccess",
+                                "session: cancelled", "session: 0,0 8×8"));
   EXPECT_EQ(stored(), Data{example});
 }
 

@@ -12,11 +12,7 @@
 namespace lumiscan {
 namespace {
 
-using platform::modifierCapsLock;
-using platform::modifierCommand;
-using platform::modifierControl;
-using platform::modifierOption;
-using platform::modifierShift;
+using namespace platform;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
@@ -29,14 +25,14 @@ TEST(Settings, BooleansHaveTheirDefaultsUnlessABooleanOrANumberIsStored) {
         {"keepLineBreaksByDefault", &Settings::keepLineBreaksByDefault, true},
         {"additiveEnabled", &Settings::additiveEnabled, false}}) {
     EXPECT_EQ(get(), byDefault) << key;
-    const std::pair<platform::DefaultsValue, bool> cases[] = {{false, false},
-                                                              {true, true},
-                                                              {0.0, false},
-                                                              {2.0, true},
-                                                              {std::string("false"), byDefault},
-                                                              {std::string("true"), byDefault},
-                                                              {std::vector<std::string>{}, byDefault},
-                                                              {platform::Data{}, byDefault}};
+    const std::pair<DefaultsValue, bool> cases[] = {{false, false},
+                                                    {true, true},
+                                                    {0.0, false},
+                                                    {2.0, true},
+                                                    {std::string("false"), byDefault},
+                                                    {std::string("true"), byDefault},
+                                                    {std::vector<std::string>{}, byDefault},
+                                                    {Data{}, byDefault}};
     for (const auto& [stored, value] : cases) {
       desktop.userDefaults().setObject(key, stored);
       EXPECT_EQ(get(), value) << key << " holding type " << stored.index();
@@ -51,7 +47,7 @@ class SettingsWindowTest : public ::testing::Test {
     controller.show();
     if (!form)
       form = std::make_unique<testing::SimulatedForm>(
-          desktop, dynamic_cast<platform::HostingView&>(*controller.window()->contentView()));
+          desktop, dynamic_cast<HostingView&>(*controller.window()->contentView()));
     desktop.effects().take();
     posts = 0;
     return *form;
@@ -78,11 +74,11 @@ class SettingsWindowTest : public ::testing::Test {
 TEST_F(SettingsWindowTest, IsOneWindowThatComesBackAsItWas) {
   EXPECT_EQ(controller.window(), nullptr);
   open();
-  platform::Window* const window = controller.window();
+  Window* const window = controller.window();
   EXPECT_EQ(desktop.windows().keyWindow(), window);
   EXPECT_EQ(desktop.application().activations, 1);
   EXPECT_EQ(window->attributes().title, "Lumiscan Settings");
-  EXPECT_EQ(window->frame(), (platform::Rect{{460, 170}, {520, 560}})) << "the middle of the screen";
+  EXPECT_EQ(window->frame(), (Rect{{460, 170}, {520, 560}})) << "the middle of the screen";
   form->flip("Play sound after capture");
   window->orderOut();
   desktop.displays().attach(2, {{1440, 100}, {800, 400}});
@@ -90,11 +86,11 @@ TEST_F(SettingsWindowTest, IsOneWindowThatComesBackAsItWas) {
   open();
   EXPECT_EQ(controller.window(), window);
   EXPECT_EQ(desktop.windows().visible(), std::vector{window});
-  EXPECT_EQ(window->frame().origin, (platform::Point{460, 170}));
+  EXPECT_EQ(window->frame().origin, (Point{460, 170}));
   EXPECT_FALSE(form->toggle("Play sound after capture").isOn);
   SettingsWindowController onASmallScreen;
   onASmallScreen.show();
-  EXPECT_EQ(onASmallScreen.window()->frame(), (platform::Rect{{1580, -60}, {520, 560}})) << "shows its title";
+  EXPECT_EQ(onASmallScreen.window()->frame(), (Rect{{1580, -60}, {520, 560}})) << "shows its title";
 }
 
 TEST_F(SettingsWindowTest, ShowsTheSettingsInFourSections) {
@@ -135,7 +131,7 @@ TEST_F(SettingsWindowTest, SwitchesWriteAndAnnounceEachChangeOnce) {
       posts = 0;
       const int fields = form->fieldsMade();
       form->flip(label);
-      EXPECT_EQ(desktop.userDefaults().object(key), platform::DefaultsValue(value));
+      EXPECT_EQ(desktop.userDefaults().object(key), DefaultsValue(value));
       EXPECT_EQ(form->toggle(label).isOn, value);
       EXPECT_EQ(posts, 1);
       EXPECT_EQ(form->fieldsMade() - fields, 8) << "every shortcut's field is made anew";
@@ -173,12 +169,12 @@ TEST_F(SettingsWindowTest, NoLanguageAtAllIsStoredAsSuch) {
 }
 
 TEST_F(SettingsWindowTest, LaunchAtLoginIsTheDesktopsAffair) {
-  desktop.loginItem().current = platform::LoginItemStatus::requiresApproval;
+  desktop.loginItem().current = LoginItemStatus::requiresApproval;
   open();
   EXPECT_FALSE(form->toggle("Launch at login").isOn);
   form->flip("Launch at login");
   EXPECT_TRUE(form->toggle("Launch at login").isOn);
-  EXPECT_EQ(desktop.loginItem().current, platform::LoginItemStatus::enabled);
+  EXPECT_EQ(desktop.loginItem().current, LoginItemStatus::enabled);
   EXPECT_EQ(posts, 0);
   EXPECT_THAT(desktop.effects().take(), IsEmpty()) << "nothing is stored";
 
@@ -192,10 +188,10 @@ TEST_F(SettingsWindowTest, LaunchAtLoginIsTheDesktopsAffair) {
 
 TEST_F(SettingsWindowTest, TheHistoryIsCountedAndCleared) {
   for (int i = 0; i < 3; ++i)
-    HistoryStore::shared().add({platform::UUID::random(), platform::Date::now(), CaptureMode::text, "text"});
+    HistoryStore::shared().add({UUID::random(), Date::now(), CaptureMode::text, "text"});
   open();
   EXPECT_THAT(form->section("History"), ElementsAre("3 recent captures kept / [Clear History]"));
-  HistoryStore::shared().add({platform::UUID::random(), platform::Date::now(), CaptureMode::text, "more"});
+  HistoryStore::shared().add({UUID::random(), Date::now(), CaptureMode::text, "more"});
   desktop.settle();
   EXPECT_THAT(form->section("History"), ElementsAre("4 recent captures kept / [Clear History]"));
   const int fields = form->fieldsMade();
@@ -207,7 +203,7 @@ TEST_F(SettingsWindowTest, TheHistoryIsCountedAndCleared) {
 }
 
 TEST_F(SettingsWindowTest, FieldsRecordAcceptableCombinationsRefuseOthersWithABeepAndClearByEscape) {
-  using Key = platform::KeyEvent;
+  using Key = KeyEvent;
   open();
   HotkeyManager::shared().reregisterAll();
   for (const auto& [key, stored, shown] :
@@ -226,8 +222,7 @@ TEST_F(SettingsWindowTest, FieldsRecordAcceptableCombinationsRefuseOthersWithABe
     EXPECT_EQ(posts, 1);
   }
   desktop.effects().take();
-  for (const Key& key :
-       {Key{0, 0}, {0, modifierShift | modifierCapsLock}, {platform::keyCodeNone, modifierCommand}}) {
+  for (const Key& key : {Key{0, 0}, {0, modifierShift | modifierCapsLock}, {keyCodeNone, modifierCommand}}) {
     form->pressKey("Capture QR / Barcode", key);
     EXPECT_THAT(desktop.effects().take(), ElementsAre("beep"));
   }
@@ -236,7 +231,7 @@ TEST_F(SettingsWindowTest, FieldsRecordAcceptableCombinationsRefuseOthersWithABe
 
   form->pressKey("Capture QR / Barcode", {20, modifierCommand});
   EXPECT_EQ(form->field("Capture QR / Barcode").stringValue(), "⌘3");
-  form->pressKey("Capture QR / Barcode", {platform::keyCodeEscape, modifierCommand});
+  form->pressKey("Capture QR / Barcode", {keyCodeEscape, modifierCommand});
   EXPECT_EQ(storedShortcut("captureBarcode"), std::nullopt);
   EXPECT_EQ(form->field("Capture QR / Barcode").stringValue(), "⌃⌥⌘B") << "the default is back";
   EXPECT_EQ(posts, 3);
