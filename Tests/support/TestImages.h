@@ -12,17 +12,15 @@
 namespace lumiscan::testing {
 
 /// A picture whose every pixel tells where it is: 0xYYYXXX. At most 4096 pixels wide and high.
-/// `padding` more pixels, of value 0xFFFFFF, end each row in memory.
-inline platform::Image coordinateImage(int width, int height, int padding = 0) {
+inline platform::Image coordinateImage(int width, int height) {
   assert(width <= 4096 && height <= 4096);
-  const auto rowWords = static_cast<std::size_t>(width) + static_cast<std::size_t>(padding);
-  std::shared_ptr<std::uint32_t[]> words(new std::uint32_t[rowWords * static_cast<std::size_t>(height)]);
+  std::shared_ptr<std::uint32_t[]> words(
+      new std::uint32_t[static_cast<std::size_t>(width) * static_cast<std::size_t>(height)]);
   std::uint32_t* word = words.get();
   for (int y = 0; y < height; ++y)
-    for (int x = 0; x < width + padding; ++x)
-      *word++ = x < width ? static_cast<std::uint32_t>(y << 12 | x) : 0xFFFFFF;
+    for (int x = 0; x < width; ++x) *word++ = static_cast<std::uint32_t>(y << 12 | x);
   std::shared_ptr<const std::byte> pixels(words, reinterpret_cast<const std::byte*>(words.get()));
-  return {width, height, 4 * static_cast<std::ptrdiff_t>(rowWords), platform::PixelFormat::xrgb,
+  return {width, height, 4 * static_cast<std::ptrdiff_t>(width), platform::PixelFormat::xrgb,
           std::move(pixels)};
 }
 

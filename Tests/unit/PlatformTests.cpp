@@ -10,19 +10,17 @@ namespace {
 
 using platform::Rect;
 
-TEST(Image, CroppingSharesThePixelsWhateverTheRowLength) {
-  for (const int padding : {0, 3}) {
-    auto whole = std::optional(coordinateImage(100, 50, padding));
-    // A crop of a crop counts from the crop's own origin.
-    const auto part = whole->cropped({{10, 20}, {30, 10}}).value().cropped({{5, 5}, {100, 100}});
-    ASSERT_TRUE(part);
-    EXPECT_EQ(part->row(0), whole->row(25) + 60);
-    whole.reset();
-    EXPECT_EQ(part->width(), 25);
-    EXPECT_EQ(part->height(), 5);
-    EXPECT_EQ(pixel(*part, 0, 0), 25U << 12 | 15U);
-    EXPECT_EQ(pixel(*part, 24, 4), 29U << 12 | 39U);
-  }
+TEST(Image, CroppingSharesThePixels) {
+  auto whole = std::optional(coordinateImage(100, 50));
+  // A crop of a crop counts from the crop's own origin, and its rows are longer than it is wide.
+  const auto part = whole->cropped({{10, 20}, {30, 10}}).value().cropped({{5, 5}, {100, 100}});
+  ASSERT_TRUE(part);
+  EXPECT_EQ(part->row(0), whole->row(25) + 60);
+  whole.reset();
+  EXPECT_EQ(part->width(), 25);
+  EXPECT_EQ(part->height(), 5);
+  EXPECT_EQ(pixel(*part, 0, 0), 25U << 12 | 15U);
+  EXPECT_EQ(pixel(*part, 24, 4), 29U << 12 | 39U);
 }
 
 /// Drops its window from within every handler, and afterwards looks at its own members.
