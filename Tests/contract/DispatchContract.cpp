@@ -11,8 +11,7 @@ namespace {
 using platform::MainQueue::async;
 using platform::MainQueue::asyncAfter;
 
-class DispatchContract : public ::testing::Test {
- protected:
+struct DispatchContract : ::testing::Test {
   static bool onMainThread() { return platform::Desktop::current().dispatcher().isMainThread(); }
 
   ContractDesktop desktop;

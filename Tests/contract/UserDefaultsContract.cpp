@@ -13,8 +13,7 @@ namespace {
 using platform::Data;
 using platform::DefaultsValue;
 
-class UserDefaultsContract : public ::testing::Test {
- protected:
+struct UserDefaultsContract : ::testing::Test {
   /// Of the desktop that is installed now.
   static platform::UserDefaults& defaults() { return platform::UserDefaults::standard(); }
 

@@ -17,8 +17,7 @@
 namespace lumiscan::testing {
 namespace {
 
-class FaultTest : public CaptureTest {
- protected:
+struct FaultTest : CaptureTest {
   /// Returns when the program has heard it, and a next press is none within the same millisecond, which would
   /// be a key's repetition.
   void pressAndBeHeard() {

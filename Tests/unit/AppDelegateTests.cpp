@@ -110,8 +110,7 @@ TEST_F(AppDelegateTest, LaunchRegistersTheHotkeysAndKeepsThemRegistered) {
   }
 }
 
-class OutcomeTest : public LaunchedProgram {
- protected:
+struct OutcomeTest : LaunchedProgram {
   std::vector<std::string> history() {
     std::vector<std::string> entries;
     for (const CaptureRecord& record : HistoryStore::shared().items())

@@ -9,8 +9,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class CaptureSessionTest : public ControllerFixture {
- protected:
+struct CaptureSessionTest : ControllerFixture {
   std::vector<std::string> logged() { return desktop.logSink().take(); }
   void expectNothingShows() {
     EXPECT_THAT(controller->selectionWindows(), IsEmpty());

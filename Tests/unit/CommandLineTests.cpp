@@ -30,8 +30,7 @@ TEST(CommandLine, FlagsCountAnywhereButOnlyWhole) {
     EXPECT_EQ(launchMode(arguments), mode) << ::testing::PrintToString(arguments);
 }
 
-class SelfTestTest : public ::testing::Test {
- protected:
+struct SelfTestTest : ::testing::Test {
   /// What a run prints; its status must be this.
   static std::string run(int status) {
     std::ostringstream output;

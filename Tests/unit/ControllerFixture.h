@@ -26,8 +26,7 @@ inline std::string describe(const CaptureOutcome& outcome) {
 }
 
 /// A controller whose sessions and repeats note how they end.
-class ControllerFixture : public ::testing::Test {
- protected:
+struct ControllerFixture : ::testing::Test {
   /// The end appears in `ends` as "name: outcome".
   CaptureCompletion noteEnd(const std::string& name, CaptureMode mode, LineBreaksOverride lineBreaks) {
     return [=, this](const CaptureOutcome& outcome, CaptureMode endMode, LineBreaksOverride endBreaks) {

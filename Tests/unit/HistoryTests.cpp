@@ -18,8 +18,7 @@ CaptureRecord record(const std::string& text, double seconds = 1.5, CaptureMode 
   return {*platform::UUID::fromString(someID), {seconds}, mode, text};
 }
 
-class HistoryTest : public ::testing::Test {
- protected:
+struct HistoryTest : ::testing::Test {
   void store(const platform::DefaultsValue& value) {
     desktop.userDefaults().setObject("captureHistory", value);
   }

@@ -21,8 +21,7 @@ using ::testing::IsEmpty;
 
 constexpr std::uint32_t signature = 0x4C4D5343;
 
-class HotkeyTest : public ::testing::Test {
- protected:
+struct HotkeyTest : ::testing::Test {
   std::vector<std::uint32_t> registeredIDs() {
     std::vector<std::uint32_t> ids;
     for (const auto& registration : desktop.hotKeys().registrations()) {

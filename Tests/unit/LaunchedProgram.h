@@ -13,8 +13,7 @@
 namespace lumiscan {
 
 /// The launched program, used by its hotkeys and the mouse.
-class LaunchedProgram : public ::testing::Test {
- protected:
+struct LaunchedProgram : ::testing::Test {
   void SetUp() override {
     desktop.userDefaults().setObject("hotkey.captureTextNoBreaks", std::string("2,256"));
     desktop.application().setDelegate(delegate.get());

@@ -15,8 +15,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class MenuTest : public LaunchedProgram {
- protected:
+struct MenuTest : LaunchedProgram {
   platform::Menu& statusMenu() { return *desktop.statusBar().shown->menu; }
   static std::shared_ptr<platform::MenuItem> item(const platform::Menu& menu, const std::string& title) {
     for (const auto& each : menu.items())

@@ -14,8 +14,7 @@ using platform::Rect;
 using ::testing::ElementsAre;
 using testing::line;
 
-class ResultHUDTest : public ::testing::Test {
- protected:
+struct ResultHUDTest : ::testing::Test {
   platform::Window* panel() { return desktop.windows().topmost(); }
   std::string shown() { return panel() ? testing::SimulatedWindows::render(*panel()).content : "nothing"; }
 

@@ -71,8 +71,7 @@ TEST(LastSelection, ReadsTheStoredFormAndNothingElse) {
     EXPECT_EQ(decodedLastSelection(other), std::nullopt) << other;
 }
 
-class RepeatTest : public ControllerFixture {
- protected:
+struct RepeatTest : ControllerFixture {
   void repeat() {
     controller->repeatLast(CaptureMode::barcode, true, noteEnd("repeat", CaptureMode::barcode, true));
   }

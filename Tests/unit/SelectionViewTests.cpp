@@ -24,8 +24,7 @@ struct QuietDelegate : SelectionWindowDelegate {
 };
 
 /// One overlay over a screen whose origin isn't that of the global space.
-class SelectionViewTest : public ::testing::Test {
- protected:
+struct SelectionViewTest : ::testing::Test {
   void SetUp() override { window->makeKeyAndOrderFront(); }
 
   /// A point of the overlay in the global screen space.

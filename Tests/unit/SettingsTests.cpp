@@ -40,8 +40,7 @@ TEST(Settings, BooleansHaveTheirDefaultsUnlessABooleanOrANumberIsStored) {
   }
 }
 
-class SettingsWindowTest : public ::testing::Test {
- protected:
+struct SettingsWindowTest : ::testing::Test {
   /// Opens the window; what is to be in force when the form is made comes before.
   testing::SimulatedForm& open() {
     controller.show();
