@@ -3,11 +3,7 @@
 #include <gtest/gtest.h>
 #include <linux/input-event-codes.h>
 
-#include <filesystem>
-#include <fstream>
-#include <memory>
-#include <string>
-#include <vector>
+#include <algorithm>
 
 #include "desktop/PrivateDesktop.h"
 
@@ -49,12 +45,8 @@ class CaptureTest : public ::testing::Test {
   bool pageHasInk() const {
     const auto windows = desktop_.windowsOfClass("Page");
     if (windows.empty()) return false;
-    const auto pixels = desktop_.screenPixels();
-    int dark = 0;
-    for (int y = 170; y < 200; ++y)
-      for (int x = left; x < right; ++x)
-        if ((pixels[desktop_.indexOf(x, y)] & 0xFF) < 0x40) ++dark;
-    return dark > 200;
+    const auto line = desktop_.pixels(left, 170, right - left, 30);
+    return std::ranges::count_if(line, [](std::uint32_t pixel) { return (pixel & 0xFF) < 0x40; }) > 200;
   }
 
   void pressShortcut() { desktop_.pressKeys({KEY_LEFTMETA, KEY_LEFTSHIFT, KEY_2}); }

@@ -19,8 +19,7 @@
 namespace lumiscan::testing {
 namespace {
 
-class OutputTest : public ::testing::Test, protected LinuxFixture {
- protected:
+struct OutputTest : ::testing::Test, protected LinuxFixture {
   void expectToEndSoon() {
     const auto start = std::chrono::steady_clock::now();
     end();
@@ -194,9 +193,7 @@ TEST_F(OutputTest, ThePanelFloatsAboveEverythingWithoutFocusAndFadesAway) {
 
 TEST_F(OutputTest, ThePanelStandsBelowTheBarsOfItsScreenAlone) {
   const auto showBar = [this](const std::string& property, const std::vector<std::uint32_t>& strut) {
-    const xcb_window_t bar = xcb_generate_id(screen().x());
-    xcb_create_window(screen().x(), XCB_COPY_FROM_PARENT, bar, screen().root(), 0, 0, 30, 30, 0,
-                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    const xcb_window_t bar = screen().makeWindow(0, 0, 30, 30, 0, nullptr);
     const xcb_atom_t dock = screen().atom("_NET_WM_WINDOW_TYPE_DOCK");
     xcb_change_property(screen().x(), XCB_PROP_MODE_REPLACE, bar, screen().atom("_NET_WM_WINDOW_TYPE"),
                         XCB_ATOM_ATOM, 32, 1, &dock);

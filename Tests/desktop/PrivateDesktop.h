@@ -95,6 +95,9 @@ class PrivateDesktop {
                    const std::function<std::uint32_t(std::uint32_t x, std::uint32_t y)>& colorAt) const;
   /// Covers the screen with a picture of which no two neighbours are alike.
   void showPicture() const;
+  /// A window of ours, not mapped yet. `mask` and `values` are the window's attributes.
+  xcb_window_t makeWindow(int x, int y, int width, int height, std::uint32_t mask,
+                          const std::uint32_t* values) const;
   /// An empty window of ours that the window manager leaves alone, as a menu is; it is on top.
   xcb_window_t showMenu(int x, int y, int width, int height) const;
   void closeWindow(xcb_window_t window) const;
@@ -121,7 +124,8 @@ class PrivateDesktop {
   xcb_rectangle_t geometryOf(xcb_window_t window) const;
   /// Changes whenever another cursor shows.
   std::uint32_t cursorSerial() const;
-  /// The whole screen, a word 0x??RRGGBB a pixel, row by row.
+  /// A part of the screen, a word 0x00RRGGBB a pixel, row by row; or the whole.
+  std::vector<std::uint32_t> pixels(int x, int y, int width, int height) const;
   std::vector<std::uint32_t> screenPixels() const { return pixels(0, 0, width_, height_); }
   std::uint32_t pixelAt(int x, int y) const { return pixels(x, y, 1, 1).front(); }
   /// What every property of every window holds, the root window's too.
@@ -141,11 +145,7 @@ class PrivateDesktop {
   static void changeMonitors(const std::vector<std::string>& command);
   int heldByOthers() const;  ///< How many of the mouse and the keyboard.
   void fake(int type, int detail, int x = 0, int y = 0);
-  /// Not mapped yet. `mask` and `values` are the window's attributes.
-  xcb_window_t makeWindow(int x, int y, int width, int height, std::uint32_t mask,
-                          const std::uint32_t* values) const;
   void sync() const;
-  std::vector<std::uint32_t> pixels(int x, int y, int width, int height) const;
 
   TemporaryFolder home_;
   std::unique_ptr<Process> server_;

@@ -3,30 +3,15 @@
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <thread>
 
+#include "support/TemporaryFolder.h"
+
 namespace lumiscan::testing {
-
-namespace {
-
-/// A file without a name for a child to write into.
-int anonymousFile() { return memfd_create("output", MFD_CLOEXEC); }
-
-std::string contentOf(int descriptor) {
-  struct stat status {};
-  fstat(descriptor, &status);
-  std::string content(static_cast<std::size_t>(status.st_size), '\0');
-  const ssize_t count = pread(descriptor, content.data(), content.size(), 0);
-  content.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
-  return content;
-}
-
-}  // namespace
 
 bool waitUntil(const std::function<bool()>& condition, const std::function<void()>& meanwhile) {
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
@@ -39,7 +24,9 @@ bool waitUntil(const std::function<bool()>& condition, const std::function<void(
   return true;
 }
 
-Process::Process(std::vector<std::string> arguments) : output_(anonymousFile()), error_(anonymousFile()) {
+// Files without a name for the child to write into.
+Process::Process(std::vector<std::string> arguments)
+    : output_(memfd_create("output", MFD_CLOEXEC)), error_(memfd_create("error", MFD_CLOEXEC)) {
   std::vector<char*> argv;
   for (std::string& argument : arguments) argv.push_back(argument.data());
   argv.push_back(nullptr);
@@ -77,8 +64,8 @@ std::optional<int> Process::waitForEnd(const std::function<void()>& meanwhile) {
 }
 
 void Process::signal(int number) const { kill(pid_, number); }
-std::string Process::standardOutput() const { return contentOf(output_); }
-std::string Process::standardError() const { return contentOf(error_); }
+std::string Process::standardOutput() const { return contentOf("/proc/self/fd/" + std::to_string(output_)); }
+std::string Process::standardError() const { return contentOf("/proc/self/fd/" + std::to_string(error_)); }
 
 long Process::countInError(const std::string& text) const {
   const std::string error = standardError();

@@ -179,10 +179,8 @@ TEST_F(StatusItemTest, StandsInWhateverTrayComesAndComesAgain) {
     return Process::start({"trayer", "--edge", "top", "--align", "right", "--height", std::to_string(side)});
   };
   const auto isEmbedded = [this] {
-    int ink = 0;
-    for (int y = 0; y < side; ++y)
-      for (int x = screen_.width() - side; x < screen_.width(); ++x)
-        if ((screen_.pixelAt(x, y) & 0xFF) < 0x50) ++ink;
+    const auto pixels = screen_.pixels(screen_.width() - side, 0, side, side);
+    const auto ink = std::ranges::count_if(pixels, [](auto pixel) { return (pixel & 0xFF) < 0x50; });
     return ink > 60 && ink < side * side / 2;
   };
   /// Opens the menu and chooses its first item, at 0, or its last, at 1.
