@@ -11,12 +11,13 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <random>
 #include <thread>
 
-#include "desktop/Process.h"
+#include "desktop/PrivateDesktop.h"
+#include "output/CaptureRecord.h"
 #include "platform/linux/UserDefaults.h"
 #include "support/SimulatedDesktop.h"
-#include "support/TemporaryFolder.h"
 
 namespace lumiscan::testing {
 namespace {
@@ -265,6 +266,50 @@ TEST_F(PreferencesFile, LosesNoKeyOfTwoWriters) {
   for (int i = 0; i < writes; ++i)
     for (const std::string prefix : {"a", "b"})
       EXPECT_EQ(defaults.object(prefix + std::to_string(i)), DefaultsValue(double(i))) << prefix << i;
+}
+
+// What is left when the program is killed while it stores captures: the last complete state, with every
+// capture that was reported. LUMISCAN_KILLS says how often to kill it, 12 times by default.
+
+/// Lets a process capture for a moment that differs each time, and kills it; the last capture it reported.
+int captureAndKill(std::chrono::microseconds moment) {
+  Process process({LUMISCAN_STORE_CAPTURES});
+  const auto reports = [&process] { return process.standardOutput(); };
+  // The moment counts from the first capture on.
+  EXPECT_TRUE(waitUntil([&] { return !reports().empty(); }));
+  std::this_thread::sleep_for(moment);
+  process.signal(SIGKILL);
+  EXPECT_EQ(process.waitForEnd(), 128 + SIGKILL) << "it ended by itself";
+  const std::string all = reports();
+  return all.empty() ? 0 : std::stoi(all.substr(all.rfind('\n', all.size() - 2) + 1));
+}
+
+TEST(Durability, AKilledProgramLeavesTheLastCompleteState) {
+  const PrivateDesktop desktop;
+  const char* wanted = std::getenv("LUMISCAN_KILLS");
+  const int kills = wanted ? std::atoi(wanted) : 12;
+  const auto file = desktop::FileUserDefaults::defaultFile();
+  std::mt19937 random(1);
+  std::uniform_int_distribution<int> microseconds(0, 20000);
+  for (int i = 0; i < kills; ++i) {
+    const int reported = captureAndKill(std::chrono::microseconds(microseconds(random)));
+    const desktop::FileUserDefaults defaults(file);
+    const auto stored = defaults.dataForKey("captureHistory");
+    ASSERT_TRUE(stored);
+    const auto records = decodedCaptureRecords(stored->bytes);
+    ASSERT_TRUE(records && !records->empty()) << "a broken history";
+    const int newest = std::stoi(records->front().text);
+    EXPECT_GE(newest, reported) << "a reported capture is lost";
+    for (std::size_t k = 0; k < records->size(); ++k)
+      EXPECT_EQ((*records)[k].text, std::to_string(newest - static_cast<int>(k)));
+    const std::string buffer = defaults.stringForKey("additiveClipboardBuffer").value_or("");
+    const int appended = std::stoi(buffer.substr(buffer.rfind('\n') + 1));
+    EXPECT_TRUE(appended == newest || appended == newest + 1) << appended << " and " << newest;
+  }
+  desktop::FileUserDefaults(file).setBool("flag", true);
+  // What the last write replaced goes when the disk has the new version.
+  EXPECT_TRUE(waitUntil([&] { return std::distance(fs::directory_iterator(file.parent_path()), {}) == 2; }))
+      << "more than the preferences and the lock";
 }
 
 }  // namespace
