@@ -33,10 +33,11 @@ class CaptureTest : public ::testing::Test {
     startProgram();
   }
 
-  /// `prefix` is a command that starts the one that follows it.
+  /// Ends the one that runs. `prefix` is a command that starts the one that follows it.
   void startProgram(const std::vector<std::string>& prefix = {}) {
     std::vector<std::string> command = prefix;
     command.push_back(LUMISCAN_PROGRAM);
+    program_ = nullptr;
     program_ = Process::start(command);
     ASSERT_TRUE(waitUntil([this] { return desktop_.shortcutIsTaken(); }));
   }
