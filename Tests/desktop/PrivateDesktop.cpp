@@ -57,11 +57,11 @@ PrivateDesktop::PrivateDesktop(int width, int height, int depth) {
   display.pop_back();  // The line feed.
   setenv("DISPLAY", display.c_str(), 1);
 
-  connection_ = xcb_connect(nullptr, nullptr);
-  require(!xcb_connection_has_error(connection_), "no connection to the X server");
-  const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data;
+  x_ = xcb_connect(nullptr, nullptr);
+  require(!xcb_connection_has_error(x_), "no connection to the X server");
+  const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(x_)).data;
   root_ = screen->root;
-  owned(xcb_xfixes_query_version_reply(connection_, xcb_xfixes_query_version(connection_, 2, 0), nullptr));
+  owned(xcb_xfixes_query_version_reply(x_, xcb_xfixes_query_version(x_, 2, 0), nullptr));
   width_ = screen->width_in_pixels;
   height_ = screen->height_in_pixels;
 
@@ -84,12 +84,12 @@ void PrivateDesktop::restartWindowManager() {
 
 void PrivateDesktop::waitForWindowManager() const {
   const xcb_atom_t check = atom("_NET_SUPPORTING_WM_CHECK");
-  require(waitUntil([&] { return !stringProperty(connection_, root_, check).empty(); }), "no window manager");
+  require(waitUntil([&] { return !stringProperty(x_, root_, check).empty(); }), "no window manager");
   // It says that it is there before it is ready, and leaves alone windows that come meanwhile.
   const xcb_window_t probe = makeWindow(0, 0, 1, 1, 0, nullptr);
   require(waitUntil([&] {
-            xcb_map_window(connection_, probe);
-            return isMapped(connection_, probe);
+            xcb_map_window(x_, probe);
+            return isMapped(x_, probe);
           }),
           "a window manager that shows no windows");
   closeWindow(probe);
@@ -109,21 +109,21 @@ void PrivateDesktop::changeMonitors(const std::vector<std::string>& command) {
 void PrivateDesktop::showPicture(
     const xcb_rectangle_t& place,
     const std::function<std::uint32_t(std::uint32_t x, std::uint32_t y)>& colorAt) const {
-  const xcb_pixmap_t pixmap = xcb_generate_id(connection_);
-  xcb_create_pixmap(connection_, 24, pixmap, root_, place.width, place.height);
-  const xcb_gcontext_t gc = xcb_generate_id(connection_);
-  xcb_create_gc(connection_, gc, pixmap, 0, nullptr);
+  const xcb_pixmap_t pixmap = xcb_generate_id(x_);
+  xcb_create_pixmap(x_, 24, pixmap, root_, place.width, place.height);
+  const xcb_gcontext_t gc = xcb_generate_id(x_);
+  xcb_create_gc(x_, gc, pixmap, 0, nullptr);
   std::vector<std::uint32_t> picture;
   for (std::uint32_t y = 0; y < place.height; ++y)
     for (std::uint32_t x = 0; x < place.width; ++x) picture.push_back(colorAt(x, y));
-  xcb_put_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, gc, place.width, place.height, 0, 0, 0, 24,
+  xcb_put_image(x_, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, gc, place.width, place.height, 0, 0, 0, 24,
                 static_cast<std::uint32_t>(4 * picture.size()),
                 reinterpret_cast<const std::uint8_t*>(picture.data()));
   const std::uint32_t values[] = {pixmap, 1};
-  xcb_map_window(connection_, makeWindow(place.x, place.y, place.width, place.height,
-                                         XCB_CW_BACK_PIXMAP | XCB_CW_OVERRIDE_REDIRECT, values));
-  xcb_free_pixmap(connection_, pixmap);
-  xcb_free_gc(connection_, gc);
+  xcb_map_window(x_, makeWindow(place.x, place.y, place.width, place.height,
+                                XCB_CW_BACK_PIXMAP | XCB_CW_OVERRIDE_REDIRECT, values));
+  xcb_free_pixmap(x_, pixmap);
+  xcb_free_gc(x_, gc);
   require(waitUntil([&] { return pixels(place.x, place.y, place.width, place.height) == picture; }),
           "no picture");
 }
@@ -135,8 +135,8 @@ void PrivateDesktop::showPicture() const {
 
 xcb_window_t PrivateDesktop::makeWindow(int x, int y, int width, int height, std::uint32_t mask,
                                         const std::uint32_t* values) const {
-  const xcb_window_t window = xcb_generate_id(connection_);
-  xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window, root_, static_cast<std::int16_t>(x),
+  const xcb_window_t window = xcb_generate_id(x_);
+  xcb_create_window(x_, XCB_COPY_FROM_PARENT, window, root_, static_cast<std::int16_t>(x),
                     static_cast<std::int16_t>(y), static_cast<std::uint16_t>(width),
                     static_cast<std::uint16_t>(height), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
                     XCB_COPY_FROM_PARENT, mask, values);
@@ -147,43 +147,41 @@ xcb_window_t PrivateDesktop::showMenu(int x, int y, int width, int height) const
   const std::uint32_t values[] = {0xEEEEEE, 1};
   const xcb_window_t window =
       makeWindow(x, y, width, height, XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
-  xcb_map_window(connection_, window);
+  xcb_map_window(x_, window);
   sync();
   return window;
 }
 
 void PrivateDesktop::closeWindow(xcb_window_t window) const {
-  xcb_destroy_window(connection_, window);
+  xcb_destroy_window(x_, window);
   sync();
 }
 
 PrivateDesktop::~PrivateDesktop() {
-  xcb_disconnect(connection_);
+  xcb_disconnect(x_);
   compositor_.reset();
   windowManager_.reset();
   server_.reset();
 }
 
 xcb_atom_t PrivateDesktop::atom(const std::string& name) const {
-  const auto request = xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.data());
-  return owned(xcb_intern_atom_reply(connection_, request, nullptr))->atom;
+  const auto request = xcb_intern_atom(x_, 0, static_cast<std::uint16_t>(name.size()), name.data());
+  return owned(xcb_intern_atom_reply(x_, request, nullptr))->atom;
 }
 
 xcb_window_t PrivateDesktop::selectionOwner(const std::string& selection) const {
-  const auto request = xcb_get_selection_owner(connection_, atom(selection));
-  return owned(xcb_get_selection_owner_reply(connection_, request, nullptr))->owner;
+  const auto request = xcb_get_selection_owner(x_, atom(selection));
+  return owned(xcb_get_selection_owner_reply(x_, request, nullptr))->owner;
 }
 
 void PrivateDesktop::fake(int type, int detail, int x, int y) {
-  xcb_test_fake_input(connection_, static_cast<std::uint8_t>(type), static_cast<std::uint8_t>(detail),
+  xcb_test_fake_input(x_, static_cast<std::uint8_t>(type), static_cast<std::uint8_t>(detail),
                       XCB_TIME_CURRENT_TIME, root_, static_cast<std::int16_t>(x),
                       static_cast<std::int16_t>(y), 0);
   sync();
 }
 
-void PrivateDesktop::sync() const {
-  owned(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
-}
+void PrivateDesktop::sync() const { owned(xcb_get_input_focus_reply(x_, xcb_get_input_focus(x_), nullptr)); }
 
 void PrivateDesktop::pressKeys(const std::vector<std::uint8_t>& evdevCodes) {
   for (const auto code : evdevCodes) keyDown(code);
@@ -192,8 +190,8 @@ void PrivateDesktop::pressKeys(const std::vector<std::uint8_t>& evdevCodes) {
 
 std::vector<xcb_window_t> PrivateDesktop::windows() const {
   std::vector<xcb_window_t> found;
-  for (const xcb_window_t window : childrenOf(connection_, root_))
-    if (isMapped(connection_, window)) found.push_back(window);
+  for (const xcb_window_t window : childrenOf(x_, root_))
+    if (isMapped(x_, window)) found.push_back(window);
   return found;
 }
 
@@ -201,38 +199,36 @@ std::vector<xcb_window_t> PrivateDesktop::windowsOfClass(const std::string& name
   // WM_CLASS is the instance and the class, each ended by a zero. A managed window is a child of its frame.
   const std::string ending = name + std::string(1, '\0');
   const auto isOfClass = [&](xcb_window_t window) {
-    return stringProperty(connection_, window, XCB_ATOM_WM_CLASS).ends_with(ending) &&
-           isMapped(connection_, window);
+    return stringProperty(x_, window, XCB_ATOM_WM_CLASS).ends_with(ending) && isMapped(x_, window);
   };
   std::vector<xcb_window_t> found;
   for (const xcb_window_t top : windows()) {
     if (isOfClass(top)) found.push_back(top);
-    for (const xcb_window_t child : childrenOf(connection_, top))
+    for (const xcb_window_t child : childrenOf(x_, top))
       if (isOfClass(child)) found.push_back(child);
   }
   return found;
 }
 
 xcb_rectangle_t PrivateDesktop::geometryOf(xcb_window_t window) const {
-  const auto geometry =
-      owned(xcb_get_geometry_reply(connection_, xcb_get_geometry(connection_, window), nullptr));
+  const auto geometry = owned(xcb_get_geometry_reply(x_, xcb_get_geometry(x_, window), nullptr));
   require(geometry != nullptr, "no such window");
   return {geometry->x, geometry->y, geometry->width, geometry->height};
 }
 
 std::uint32_t PrivateDesktop::cursorSerial() const {
-  const auto request = xcb_xfixes_get_cursor_image(connection_);
-  const auto image = owned(xcb_xfixes_get_cursor_image_reply(connection_, request, nullptr));
+  const auto request = xcb_xfixes_get_cursor_image(x_);
+  const auto image = owned(xcb_xfixes_get_cursor_image_reply(x_, request, nullptr));
   require(image != nullptr, "the cursor can't be read");
   return image->cursor_serial;
 }
 
 xcb_window_t PrivateDesktop::focusedWindow() const {
-  return owned(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr))->focus;
+  return owned(xcb_get_input_focus_reply(x_, xcb_get_input_focus(x_), nullptr))->focus;
 }
 
 xcb_window_t PrivateDesktop::windowUnderMouse() const {
-  return owned(xcb_query_pointer_reply(connection_, xcb_query_pointer(connection_, root_), nullptr))->child;
+  return owned(xcb_query_pointer_reply(x_, xcb_query_pointer(x_, root_), nullptr))->child;
 }
 
 int PrivateDesktop::heldByOthers() const {
@@ -242,22 +238,22 @@ int PrivateDesktop::heldByOthers() const {
 }
 
 bool PrivateDesktop::grabPointer() const {
-  const auto request = xcb_grab_pointer(connection_, 0, root_, 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC,
+  const auto request = xcb_grab_pointer(x_, 0, root_, 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC,
                                         XCB_WINDOW_NONE, XCB_CURSOR_NONE, XCB_TIME_CURRENT_TIME);
-  const auto reply = owned(xcb_grab_pointer_reply(connection_, request, nullptr));
+  const auto reply = owned(xcb_grab_pointer_reply(x_, request, nullptr));
   return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
 }
 
 bool PrivateDesktop::grabKeyboard() const {
-  const auto request = xcb_grab_keyboard(connection_, 0, root_, XCB_TIME_CURRENT_TIME, XCB_GRAB_MODE_ASYNC,
-                                         XCB_GRAB_MODE_ASYNC);
-  const auto reply = owned(xcb_grab_keyboard_reply(connection_, request, nullptr));
+  const auto request =
+      xcb_grab_keyboard(x_, 0, root_, XCB_TIME_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+  const auto reply = owned(xcb_grab_keyboard_reply(x_, request, nullptr));
   return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
 }
 
 void PrivateDesktop::ungrab() const {
-  xcb_ungrab_pointer(connection_, XCB_TIME_CURRENT_TIME);
-  xcb_ungrab_keyboard(connection_, XCB_TIME_CURRENT_TIME);
+  xcb_ungrab_pointer(x_, XCB_TIME_CURRENT_TIME);
+  xcb_ungrab_keyboard(x_, XCB_TIME_CURRENT_TIME);
   sync();
 }
 
@@ -266,13 +262,12 @@ std::vector<std::string> PrivateDesktop::windowProperties() const {
   std::vector<xcb_window_t> windows{root_};
   for (std::size_t i = 0; i < windows.size(); ++i) {
     const xcb_window_t window = windows[i];
-    const auto list =
-        owned(xcb_list_properties_reply(connection_, xcb_list_properties(connection_, window), nullptr));
+    const auto list = owned(xcb_list_properties_reply(x_, xcb_list_properties(x_, window), nullptr));
     if (!list) continue;  // It has gone.
     const xcb_atom_t* const properties = xcb_list_properties_atoms(list.get());
     for (int k = 0; k < xcb_list_properties_atoms_length(list.get()); ++k)
-      contents.push_back(stringProperty(connection_, window, properties[k]));
-    for (const xcb_window_t child : childrenOf(connection_, window)) windows.push_back(child);
+      contents.push_back(stringProperty(x_, window, properties[k]));
+    for (const xcb_window_t child : childrenOf(x_, window)) windows.push_back(child);
   }
   return contents;
 }
@@ -280,22 +275,21 @@ std::vector<std::string> PrivateDesktop::windowProperties() const {
 bool PrivateDesktop::shortcutIsTaken() const {
   constexpr std::uint16_t modifiers = XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_4;
   constexpr xcb_keycode_t key = KEY_2 + 8;
-  xcb_grab_server(connection_);
+  xcb_grab_server(x_);
   const auto request =
-      xcb_grab_key_checked(connection_, 1, root_, modifiers, key, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
-  const auto refusal = owned(xcb_request_check(connection_, request));
-  if (!refusal) xcb_ungrab_key(connection_, key, root_, modifiers);
-  xcb_ungrab_server(connection_);
-  xcb_flush(connection_);
+      xcb_grab_key_checked(x_, 1, root_, modifiers, key, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+  const auto refusal = owned(xcb_request_check(x_, request));
+  if (!refusal) xcb_ungrab_key(x_, key, root_, modifiers);
+  xcb_ungrab_server(x_);
+  xcb_flush(x_);
   return refusal != nullptr;
 }
 
 std::vector<std::uint32_t> PrivateDesktop::pixels(int x, int y, int width, int height) const {
-  const auto request =
-      xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, root_, static_cast<std::int16_t>(x),
-                    static_cast<std::int16_t>(y), static_cast<std::uint16_t>(width),
-                    static_cast<std::uint16_t>(height), ~0U);
-  const auto reply = owned(xcb_get_image_reply(connection_, request, nullptr));
+  const auto request = xcb_get_image(x_, XCB_IMAGE_FORMAT_Z_PIXMAP, root_, static_cast<std::int16_t>(x),
+                                     static_cast<std::int16_t>(y), static_cast<std::uint16_t>(width),
+                                     static_cast<std::uint16_t>(height), ~0U);
+  const auto reply = owned(xcb_get_image_reply(x_, request, nullptr));
   require(reply != nullptr, "the screen can't be read");
   const auto* words = reinterpret_cast<const std::uint32_t*>(xcb_get_image_data(reply.get()));
   std::vector<std::uint32_t> read(words, words + xcb_get_image_data_length(reply.get()) / 4);

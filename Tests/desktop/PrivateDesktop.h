@@ -56,7 +56,7 @@ class PrivateDesktop {
   }
   void endCompositor() { compositor_ = nullptr; }  ///< Without a farewell.
 
-  xcb_connection_t* x() const { return connection_; }
+  xcb_connection_t* x() const { return x_; }
   xcb_window_t root() const { return root_; }
   xcb_atom_t atom(const std::string& name) const;
   /// Who holds a selection, the clipboard for example; `XCB_WINDOW_NONE` when nobody does.
@@ -151,7 +151,7 @@ class PrivateDesktop {
   std::unique_ptr<Process> server_;
   std::unique_ptr<Process> windowManager_;
   std::unique_ptr<Process> compositor_;
-  xcb_connection_t* connection_ = nullptr;
+  xcb_connection_t* x_ = nullptr;
   xcb_window_t root_ = XCB_WINDOW_NONE;
   int width_ = 0;
   int height_ = 0;

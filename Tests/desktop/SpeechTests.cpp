@@ -10,7 +10,6 @@
 #include "desktop/Servers.h"
 #include "platform/linux/SpeechLanguages.h"
 #include "platform/linux/SpeechSynthesizer.h"
-#include "support/TemporaryFolder.h"
 
 namespace lumiscan::testing {
 namespace {
@@ -27,17 +26,14 @@ class SpeechTest : public ::testing::Test {
     fs::create_directories(folder_ / "modules");
     configure("noted");
     std::ofstream(folder_ / "modules" / "espeak-ng.conf") << "";
-    std::ofstream(folder_ / "modules" / "noted.conf") << R"(GenericExecuteSynth \
+    std::ofstream noted(folder_ / "modules" / "noted.conf");
+    noted << R"(GenericExecuteSynth \
 "text=\'$DATA\'; espeak-ng -v $VOICE -w ~/speech.wav -- $text && echo $$ $VOICE: $text >>~/spoken && exec sleep 30"
-GenericLanguage "en" "en" "utf-8"
-GenericLanguage "de" "de" "utf-8"
-GenericLanguage "pt-br" "pt-br" "utf-8"
-GenericLanguage "cmn" "cmn" "utf-8"
-AddVoice "en" "MALE1" "en-us"
-AddVoice "de" "MALE1" "de"
-AddVoice "pt-br" "MALE1" "pt-br"
-AddVoice "cmn" "MALE1" "cmn"
 )";
+    for (const auto& [language, voice] :
+         {std::pair("en", "en-us"), {"de", "de"}, {"pt-br", "pt-br"}, {"cmn", "cmn"}})
+      noted << "GenericLanguage \"" << language << "\" \"" << language << "\" \"utf-8\"\n"
+            << "AddVoice \"" << language << "\" \"MALE1\" \"" << voice << "\"\n";
   }
   ~SpeechTest() override {
     if (server_) server_->signal(SIGCONT);

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <memory>
 #include <utility>
+#include <vector>
 
 #include "platform/Image.h"
 
@@ -14,12 +15,10 @@ namespace lumiscan::testing {
 /// A picture whose every pixel tells where it is: 0xYYYXXX. At most 4096 pixels wide and high.
 inline platform::Image coordinateImage(int width, int height) {
   assert(width <= 4096 && height <= 4096);
-  std::shared_ptr<std::uint32_t[]> words(
-      new std::uint32_t[static_cast<std::size_t>(width) * static_cast<std::size_t>(height)]);
-  std::uint32_t* word = words.get();
+  const auto words = std::make_shared<std::vector<std::uint32_t>>();
   for (int y = 0; y < height; ++y)
-    for (int x = 0; x < width; ++x) *word++ = static_cast<std::uint32_t>(y << 12 | x);
-  std::shared_ptr<const std::byte> pixels(words, reinterpret_cast<const std::byte*>(words.get()));
+    for (int x = 0; x < width; ++x) words->push_back(static_cast<std::uint32_t>(y << 12 | x));
+  std::shared_ptr<const std::byte> pixels(words, reinterpret_cast<const std::byte*>(words->data()));
   return {width, height, 4 * static_cast<std::ptrdiff_t>(width), platform::PixelFormat::xrgb,
           std::move(pixels)};
 }
