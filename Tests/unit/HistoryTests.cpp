@@ -75,7 +75,7 @@ TEST_F(HistoryTest, ReadsWhatIsARecordWhateverItsOrderAndOtherMembers) {
                                           {R"("t"})", "\"\xFF\"}"}}) {
     std::string changed = good;
     changed.replace(changed.find(part), std::strlen(part), replacement);
-    wrong.push_back("[" + good + "," + changed + "]");
+    wrong.emplace_back("[" + good).append(",").append(changed).append("]");
   }
   for (const std::string& document : wrong) {
     store(platform::Data{document});
