@@ -20,11 +20,10 @@ constexpr std::uint32_t controlOptionCommand = 0x1900;
 constexpr std::uint32_t keyR = 15;
 constexpr std::uint32_t keyB = 11;
 
-class InputOutputContract : public ::testing::Test {
- protected:
+struct InputOutputContract : ::testing::Test {
   InputOutputContract() {
     platform::HotKeys::shared().installEventHandler([this](const platform::HotKeyEvent* event) {
-      pressed_.push_back(event && event->hotKeyID ? event->hotKeyID->id : 0);
+      pressed.push_back(event && event->hotKeyID ? event->hotKeyID->id : 0);
       return platform::noErr;
     });
   }
@@ -35,15 +34,13 @@ class InputOutputContract : public ::testing::Test {
   static void unregister(platform::HotKeyRef ref) { platform::HotKeys::shared().unregisterEventHotKey(ref); }
   /// The identifiers that presses of the key with these modifiers report.
   std::vector<std::uint32_t> press(std::uint32_t keyCode, std::uint32_t modifiers = controlOptionCommand) {
-    pressed_.clear();
+    pressed.clear();
     desktop.pressKey(keyCode, modifiers);
-    return pressed_;
+    return pressed;
   }
 
   ContractDesktop desktop;
-
- private:
-  std::vector<std::uint32_t> pressed_;
+  std::vector<std::uint32_t> pressed;
 };
 
 TEST_F(InputOutputContract, CursorsShowTheLastPushedUntilPopped) {

@@ -13,16 +13,15 @@ namespace fs = std::filesystem;
 using desktop::AutostartEntry;
 using platform::LoginItemStatus;
 
-class LoginItemTest : public ::testing::Test {
- protected:
+struct LoginItemTest : ::testing::Test {
   AutostartEntry entryFor(const fs::path& program) const { return {file(), program}; }
-  fs::path file() const { return folder_.path() / "autostart" / "ours.desktop"; }
+  fs::path file() const { return folder.path() / "autostart" / "ours.desktop"; }
   LoginItemStatus statusOf(const std::string& entry) const {
     std::ofstream(file()) << entry;
     return entryFor("/usr/bin/lumiscan").status();
   }
 
-  const TemporaryFolder folder_;
+  const TemporaryFolder folder;
 };
 
 TEST_F(LoginItemTest, StartsTheProgramWhateverItsPath) {

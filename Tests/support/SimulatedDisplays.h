@@ -28,7 +28,7 @@ class SimulatedDisplays : public platform::Displays {
   };
 
   /// Attaches a screen; the first one is the primary screen, whose frame has its origin at (0, 0). Unless
-  /// a picture is set, its pictures are `coordinateImage`s of the screen's size in pixels.
+  /// a test chooses one, its pictures are `coordinateImage`s of the screen's size in pixels.
   platform::Screen attach(platform::DisplayID display, const platform::Rect& frame, double scale = 1) {
     assert(!screens_.empty() || (frame.origin == platform::Point{0, 0}));
     return screens_.emplace_back(platform::Screen{display, frame, frame, scale});
@@ -36,11 +36,6 @@ class SimulatedDisplays : public platform::Displays {
   void detach(platform::DisplayID display) {
     std::erase_if(screens_, [display](const auto& screen) { return screen.displayID == display; });
   }
-  /// Nothing makes taking the picture fail.
-  void setImage(platform::DisplayID display, std::optional<platform::Image> image) {
-    images_[display] = std::move(image);
-  }
-
   std::vector<platform::Screen> screens() const override { return screens_; }
   platform::DisplayID mainDisplayID() const override { return screens_.empty() ? 0 : screens_[0].displayID; }
   platform::Rect bounds(platform::DisplayID display) const override {
@@ -53,7 +48,7 @@ class SimulatedDisplays : public platform::Displays {
     snapshots.push_back({display, dispatcher_.isMainThread(), windows_.topmost() != nullptr});
     const platform::Screen* const screen = find(display);
     if (!screen || !accessGranted) return std::nullopt;
-    if (const auto set = images_.find(display); set != images_.end()) return set->second;
+    if (const auto set = images.find(display); set != images.end()) return set->second;
     const auto pixels = [&](double points) {
       return static_cast<int>(std::lround(points * screen->backingScaleFactor));
     };
@@ -65,6 +60,8 @@ class SimulatedDisplays : public platform::Displays {
   bool accessGranted = true;
   int accessRequests = 0;
   std::vector<Snapshot> snapshots;
+  /// Pictures that a test has chosen; nothing makes taking the picture fail.
+  std::map<platform::DisplayID, std::optional<platform::Image>> images;
 
  private:
   const platform::Screen* find(platform::DisplayID display) const {
@@ -75,7 +72,6 @@ class SimulatedDisplays : public platform::Displays {
   const SimulatedDispatcher& dispatcher_;
   const SimulatedWindows& windows_;
   std::vector<platform::Screen> screens_;
-  std::map<platform::DisplayID, std::optional<platform::Image>> images_;
 };
 
 }  // namespace lumiscan::testing

@@ -38,8 +38,7 @@ class SimulatedHotKeys : public platform::HotKeys {
     return {platform::noErr, lastRef_};
   }
   void unregisterEventHotKey(platform::HotKeyRef ref) override {
-    const auto found = std::ranges::find(registrations_, ref, &Registration::ref);
-    if (found != registrations_.end()) registrations_.erase(found);
+    std::erase_if(registrations_, [ref](const auto& registration) { return registration.ref == ref; });
   }
 
   /// The user presses the combination, as an event of its own. Returns whether the program holds it.

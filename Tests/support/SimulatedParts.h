@@ -42,8 +42,7 @@ class Effects {
   std::vector<std::string> list_;
 };
 
-class SimulatedCursors : public platform::CursorStack {
- public:
+struct SimulatedCursors : platform::CursorStack {
   void push(platform::CursorShape shape) override { pushed.push_back(shape); }
   void pop() override {
     if (!pushed.empty()) pushed.pop_back();
@@ -52,8 +51,7 @@ class SimulatedCursors : public platform::CursorStack {
   std::vector<platform::CursorShape> pushed;
 };
 
-class SimulatedWorkspace : public platform::Workspace {
- public:
+struct SimulatedWorkspace : platform::Workspace {
   void openURL(std::string_view url) override { opened.emplace_back(url); }
 
   std::vector<std::string> opened;

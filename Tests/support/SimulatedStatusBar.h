@@ -53,8 +53,7 @@ class SimulatedStatusBar : public platform::StatusBar {
 };
 
 /// Alerts that the user dismisses at once.
-class SimulatedAlerts : public platform::Alerts {
- public:
+struct SimulatedAlerts : platform::Alerts {
   void runModal(const platform::Alert& alert) override { shown.push_back(alert); }
 
   std::vector<platform::Alert> shown;

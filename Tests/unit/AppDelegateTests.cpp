@@ -92,7 +92,6 @@ TEST_F(AppDelegateTest, NothingHappensOnceTheDelegateIsGone) {
 
 TEST_F(AppDelegateTest, LaunchRegistersTheHotkeysAndKeepsThemRegistered) {
   EXPECT_TRUE(desktop.application().suddenTerminationDisabled);
-  const auto registered = [this] { return desktop.hotKeys().registrations().size(); };
   EXPECT_EQ(registered(), 5U);
 
   // Lost registrations come back.

@@ -47,6 +47,9 @@ struct LaunchedProgram : ::testing::Test {
     return overlays;
   }
 
+  /// How many hotkeys are.
+  std::size_t registered() { return desktop.hotKeys().registrations().size(); }
+
   testing::SimulatedDesktop desktop;
   std::shared_ptr<AppDelegate> delegate = std::make_shared<AppDelegate>();
 };

@@ -167,7 +167,6 @@ TEST_F(MenuTest, TheHistoryIsFreshAtEveryOpening) {
 }
 
 TEST_F(MenuTest, OpeningTheStatusMenuRegistersTheHotkeysAgain) {
-  const auto registered = [this] { return desktop.hotKeys().registrations().size(); };
   HotkeyManager::shared().unregisterAll();
   openedHistory();
   EXPECT_EQ(registered(), 0U);

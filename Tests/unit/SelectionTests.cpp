@@ -107,10 +107,10 @@ TEST_F(RepeatTest, OnlyASuccessfulSessionReplacesWhatIsStored) {
   desktop.windows().keyDown(platform::keyCodeEscape);
   begin();
   desktop.advance(90);
-  desktop.displays().setImage(1, std::nullopt);
+  desktop.displays().images[1] = std::nullopt;
   capture({0, 0}, {50, 50});
   EXPECT_EQ(desktop.logSink().take().back(), "capture error: crop failed (snapshot nil: true)");
-  desktop.displays().setImage(1, testing::coordinateImage(8, 8));
+  desktop.displays().images[1] = testing::coordinateImage(8, 8);
   capture({20, 0}, {50, 50});
   EXPECT_EQ(desktop.logSink().take().back(), "capture error: crop failed (snapshot nil: false)");
   // Gone between the picture and its delivery: there is nothing to measure fractions of.
@@ -150,7 +150,7 @@ TEST_F(RepeatTest, TellsWhyNothingCouldBeCaptured) {
   store(R"({"displayID":1,"rect":[[1,0],[0.5,0.5]]})");
   expectEnd("repeat: cancelled");
   store(example);
-  desktop.displays().setImage(1, std::nullopt);
+  desktop.displays().images[1] = std::nullopt;
   expectEnd("repeat: noScreenAccess");
   desktop.displays().accessGranted = false;
   desktop.displays().snapshots.clear();
