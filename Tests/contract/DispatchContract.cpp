@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <vector>
+
 #include "ContractDesktop.h"
 #include "platform/Desktop.h"
 #include "platform/Dispatch.h"

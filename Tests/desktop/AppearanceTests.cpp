@@ -1,9 +1,14 @@
 // The user's choice between light and dark, as a desktop portal tells it on a private bus.
 
+#include <gtest/gtest.h>
+
+#include <QDBusConnection>
+#include <QDBusMessage>
 #include <QDBusVariant>
 #include <QTimer>
 #include <atomic>
 #include <csignal>
+#include <memory>
 
 #include "desktop/BusObject.h"
 #include "desktop/LinuxFixture.h"

@@ -5,6 +5,7 @@
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
 #include <QString>
+#include <functional>
 #include <stdexcept>
 
 #include "desktop/Process.h"

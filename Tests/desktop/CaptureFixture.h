@@ -4,6 +4,10 @@
 #include <linux/input-event-codes.h>
 
 #include <algorithm>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
 
 #include "desktop/PrivateDesktop.h"
 

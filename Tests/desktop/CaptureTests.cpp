@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 #include <linux/input-event-codes.h>
 
+#include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <fstream>
 
 #include "desktop/CaptureFixture.h"

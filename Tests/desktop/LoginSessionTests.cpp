@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusVariant>
+#include <chrono>
 #include <csignal>
+#include <cstdlib>
 
 #include "desktop/BusObject.h"
 #include "desktop/Servers.h"

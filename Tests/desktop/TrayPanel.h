@@ -1,6 +1,10 @@
 #pragma once
 
+#include <QDBusMessage>
 #include <QDBusVariant>
+#include <QVariantMap>
+#include <optional>
+#include <string>
 
 #include "desktop/BusObject.h"
 #include "platform/linux/statusnotifier/Types.h"

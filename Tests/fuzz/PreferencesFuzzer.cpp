@@ -1,6 +1,8 @@
 // Arbitrary bytes as the preferences file: whatever it holds, a value written is read again by the next start
 // of the program, and the other members of a file that can be read stay.
 
+#include <filesystem>
+#include <fstream>
 #include "fuzz/Target.h"
 #include "platform/linux/UserDefaults.h"
 #include "support/SimulatedDesktop.h"

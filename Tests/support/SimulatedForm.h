@@ -1,8 +1,13 @@
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <map>
+#include <memory>
 #include <stdexcept>
+#include <string>
 #include <variant>
+#include <vector>
 
 #include "platform/Declarative.h"
 #include "platform/Event.h"
