@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <fstream>
+
 #include "fuzz/Target.h"
 #include "platform/linux/UserDefaults.h"
 #include "support/SimulatedDesktop.h"

@@ -11,16 +11,12 @@
 #include "platform/linux/recognition/ShapeCorrections.h"
 #include "platform/linux/recognition/TextLayout.h"
 
-void lumiscan::fuzzing::use(std::string_view input) {
-  constexpr std::size_t mostPixels = 40'000;
-  const platform::Image image = imageFromBytes(input, mostPixels);
-  const desktop::Surfaces surfaces(image);
-  const desktop::Grounds grounds(surfaces);
-  const desktop::PictureLetters letters(surfaces, grounds);
-  for (const std::uint32_t color : letters.colors())
-    require(letters.ink(color, desktop::PictureLetters::Strokes::any).pixels.size() == surfaces.pixelCount());
-  desktop::GreyBitmap ink = desktop::inkOf(surfaces, grounds);
-  for (const desktop::TextLine& line : desktop::findTextLines(ink, desktop::Characters::wide)) {
+namespace lumiscan::fuzzing {
+
+namespace {
+
+void useLines(desktop::GreyBitmap ink, desktop::Characters characters) {
+  for (const desktop::TextLine& line : desktop::findTextLines(ink, characters)) {
     require(!line.glyphs.empty());
     for (const desktop::Glyph& glyph : line.glyphs)
       require(ink.contains(glyph.box.left, glyph.box.top) && ink.contains(glyph.box.right, glyph.box.bottom));
@@ -31,3 +27,20 @@ void lumiscan::fuzzing::use(std::string_view input) {
     require(symbols.size() <= 3 + line.glyphs.size());
   }
 }
+
+}  // namespace
+
+void use(std::string_view input) {
+  constexpr std::size_t mostPixels = 40'000;
+  const platform::Image image = imageFromBytes(input, mostPixels);
+  const desktop::Surfaces surfaces(image);
+  const desktop::Grounds grounds(surfaces);
+  const desktop::PictureLetters letters(surfaces, grounds);
+  for (const std::uint32_t color : letters.colors())
+    require(letters.ink(color, desktop::PictureLetters::Strokes::any).pixels.size() == surfaces.pixelCount());
+  const desktop::GreyBitmap all = desktop::inkOf(surfaces, grounds);
+  useLines(all, desktop::Characters::wide);
+  useLines(all, desktop::Characters::alphabetic);
+}
+
+}  // namespace lumiscan::fuzzing
