@@ -33,6 +33,13 @@ TEST(TextRecognizer, ReadsTextOfManyLooks) {
         << style.size << " points on " << style.ground.red;
 }
 
+TEST(TextRecognizer, ReadsLettersAloneThatLookLikeTheirSmallForms) {
+  TesseractRecognizer recognizer;
+  for (const std::string letter : {"C", "S", "V", "W", "X"})
+    for (const double size : {20.0, 28.0, 40.0})
+      EXPECT_THAT(linesOf(recognizer, pictureOf({letter}, {.size = size})), ElementsAre(letter)) << size;
+}
+
 TEST(TextRecognizer, ReadsAnyPixelsAndPartsOfImages) {
   TesseractRecognizer recognizer;
   const Image image = pictureOf(paragraph);

@@ -96,7 +96,9 @@ bool isLoneLabel(const ReadLine& line) {
   if (line.symbols == 1 && line.likely == 0 && line.letterHeight > small) return false;
   // Of words in letters of several heights only some look like themselves.
   if (letters >= 3 && line.likely >= 2 && 2 * line.likely >= line.symbols && line.sureness >= 88) return true;
-  const double leastOfShapes = line.symbols == 1 ? 70 : letters > 1 ? 20 : 40;
+  // A letter alone is hardly a word to the engine.
+  const double leastAlone = letters == 1 && line.sureness >= 94 ? 30 : 70;
+  const double leastOfShapes = line.symbols == 1 ? leastAlone : letters > 1 ? 20 : 40;
   if (line.likely == line.symbols && !isStroke && line.confidence >= leastOfShapes) return true;
   // Small letters touch. Where the engine is sure of each, it is less so of a word that it doesn't know.
   if (letters > 1 && line.pieces < line.symbols && line.sureness >= 98 &&

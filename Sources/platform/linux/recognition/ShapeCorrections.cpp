@@ -107,6 +107,28 @@ bool isLikely(const Symbol& symbol, const Classification& shape) {
   return shape.knows(character) ? shape.of(character) >= likely : symbol.confidence >= sure;
 }
 
+/// Of a letter alone the engine may read both forms, since nothing tells how large it is: Cc, WwW. Leaves the
+/// capital, which stands alone more often.
+void dropOtherForms(std::vector<Symbol>& symbols, const LineShapes& shapes) {
+  const auto capitalOf = [](const Symbol& symbol) {
+    return u_toupper(static_cast<UChar32>(onlyCodePoint(symbol.text)));
+  };
+  const auto isSame = [&](const Symbol& symbol) {
+    return u_isalpha(capitalOf(symbol)) && capitalOf(symbol) == capitalOf(symbols.front());
+  };
+  if (shapes.clusters().size() != 1 || symbols.size() < 2 ||
+      !std::all_of(symbols.begin(), symbols.end(), isSame))
+    return;
+  const auto capital = std::find_if(symbols.begin(), symbols.end(), [&](const Symbol& symbol) {
+    return static_cast<UChar32>(onlyCodePoint(symbol.text)) == capitalOf(symbol);
+  });
+  if (capital == symbols.end()) return;
+  Symbol kept = std::move(*capital);
+  kept.box = shapes.clusters().front().box;
+  kept.spaceBefore = false;
+  symbols = {std::move(kept)};
+}
+
 /// Whether a sign that was read just where a cluster stands surely is another one.
 bool isSurelyOther(const Symbol& symbol, const PixelBox& box, const Classification& shape) {
   constexpr float sure = 0.99F;
@@ -192,6 +214,7 @@ Neighbours neighboursOf(const std::vector<Symbol>& symbols, const std::vector<Ma
 }  // namespace
 
 void correctByShape(std::vector<Symbol>& symbols, LineShapes& shapes) {
+  dropOtherForms(symbols, shapes);
   std::vector<Match> matches = align(shapes, symbols);
   // Beside letters that touch there may be a slip of the alignment.
   const auto isSteady = [&](std::size_t i) {
