@@ -110,19 +110,14 @@ bool isLikely(const Symbol& symbol, const Classification& shape) {
 /// Of a letter alone the engine may read both forms, since nothing tells how large it is: Cc, WwW. Leaves the
 /// capital, which stands alone more often.
 void dropOtherForms(std::vector<Symbol>& symbols, const LineShapes& shapes) {
-  const auto capitalOf = [](const Symbol& symbol) {
-    return u_toupper(static_cast<UChar32>(onlyCodePoint(symbol.text)));
-  };
+  const auto letterOf = [](const Symbol& symbol) { return static_cast<UChar32>(onlyCodePoint(symbol.text)); };
   const auto isSame = [&](const Symbol& symbol) {
-    return u_isalpha(capitalOf(symbol)) && capitalOf(symbol) == capitalOf(symbols.front());
+    return u_toupper(letterOf(symbol)) == u_toupper(letterOf(symbols.front()));
   };
-  if (shapes.clusters().size() != 1 || symbols.size() < 2 ||
-      !std::all_of(symbols.begin(), symbols.end(), isSame))
-    return;
-  const auto capital = std::find_if(symbols.begin(), symbols.end(), [&](const Symbol& symbol) {
-    return static_cast<UChar32>(onlyCodePoint(symbol.text)) == capitalOf(symbol);
-  });
-  if (capital == symbols.end()) return;
+  const auto isCapital = [&](const Symbol& symbol) { return u_isupper(letterOf(symbol)); };
+  if (shapes.clusters().size() != 1 || !std::all_of(symbols.begin(), symbols.end(), isSame)) return;
+  const auto capital = std::find_if(symbols.begin(), symbols.end(), isCapital);
+  if (capital == symbols.end() || std::all_of(symbols.begin(), symbols.end(), isCapital)) return;
   Symbol kept = std::move(*capital);
   kept.box = shapes.clusters().front().box;
   kept.spaceBefore = false;
