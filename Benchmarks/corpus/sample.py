@@ -189,8 +189,9 @@ def _sizes(random, phrases, theme):
 
     def figure():
         whole = random.randrange(1, 1000)
+        shorter, longer = whole % 100, f"{whole},{whole % 899 + 100}"
         return random.choice(
-            [f"{whole}", f"{whole % 100}%", f"${whole}", f"€{whole % 100}", f"{whole % 40}°", f"{whole},{whole % 899 + 100}"]
+            [f"{whole}", f"{shorter}%", f"${whole}", f"€{shorter}", f"{whole % 40}°", longer]
         )
 
     def words():
