@@ -106,7 +106,7 @@ bool soak(std::chrono::seconds duration) {
   useFor(duration - first);
   Footprint after;
   // The program gives memory back some time after the last capture.
-  const auto patience = Clock::now() + std::chrono::seconds(120);
+  const auto patience = Clock::now() + std::chrono::seconds(60);
   do after = footprint(user, Rest::brief);
   while (!isAsBefore(after, before) && Clock::now() < patience);
   print("at last", after);

@@ -47,8 +47,10 @@ PrivateDesktop::PrivateDesktop(int width, int height, int depth) {
   for (const char* variable : {"HOME", "XDG_RUNTIME_DIR"}) setenv(variable, folder.c_str(), 1);
   setenv("XDG_CONFIG_HOME", (home() / "config").c_str(), 1);
 
+  // With a fixed threshold pictures have memory of their own, which goes back when they are freed: what it
+  // holds tells whether some are left.
   server_ =
-      Process::start({"Xvfb", "-displayfd", "1", "-screen", "0",
+      Process::start({"env", "MALLOC_MMAP_THRESHOLD_=131072", "Xvfb", "-displayfd", "1", "-screen", "0",
                       std::to_string(width) + "x" + std::to_string(height) + "x" + std::to_string(depth),
                       "-noreset", "-nolisten", "tcp"});
   require(waitUntil([this] { return server_->standardOutput().ends_with('\n'); }), "no X server");
